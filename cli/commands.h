@@ -1,0 +1,20 @@
+// The subcommands of the moremate program. Each registers its options on the parser and returns
+// the function that runs it once the command line has been parsed; that returns the exit status.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+namespace moremate::cli {
+
+// Exit statuses shared by all commands.
+inline constexpr int kExitOk = 0;
+inline constexpr int kExitMismatch = 1;
+inline constexpr int kExitBadInput = 2;
+
+using Runner = std::function<int()>;
+
+Runner AddPerftCommand(CLI::App& app);
+Runner AddFenCommand(CLI::App& app);
+
+}  // namespace moremate::cli

@@ -1,0 +1,34 @@
+// moremate: the command-line front end of the solver.
+#include <CLI/CLI.hpp>
+#include <fmt/core.h>
+#include <map>
+
+#include "commands.h"
+
+#ifndef MOREMATE_VERSION
+#define MOREMATE_VERSION "0.0.0"
+#endif
+
+int main(int argc, char** argv) {
+    using namespace moremate::cli;
+    CLI::App app{"moremate: solver of orthodox chess directmate problems (#n), long moremovers included"};
+    app.set_version_flag("--version", std::string("moremate ") + MOREMATE_VERSION);
+    app.require_subcommand(1);
+    std::map<std::string, Runner> runners;
+    runners["perft"] = AddPerftCommand(app);
+    runners["fen"] = AddFenCommand(app);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::CallForAllHelp& e) {
+        return app.exit(e);
+    } catch (const CLI::CallForVersion& e) {
+        return app.exit(e);
+    } catch (const CLI::ParseError& e) {
+        app.exit(e);
+        return kExitBadInput;
+    }
+    for (const CLI::App* sub : app.get_subcommands()) return runners.at(sub->get_name())();
+    return kExitBadInput;
+}

@@ -1,0 +1,45 @@
+// Legal moves, playing a move, mate and stalemate.
+// Generation is check- and pin-aware: pins and check evasions are worked out once per node from
+// the king outward, so only king moves and en passant captures need a board test of their own.
+#pragma once
+
+#include "chessboard.h"
+
+namespace moremate {
+
+struct TMoveList {
+    TMove moves[256];
+    int count = 0;
+
+    void Add(int from, int to, uint8_t promotion = 0) {
+        moves[count++] = TMove{static_cast<Square>(from), static_cast<Square>(to), promotion};
+    }
+    const TMove* begin() const { return moves; }
+    const TMove* end() const { return moves + count; }
+    bool Contains(const TMove& m) const;
+};
+
+// Every legal move of the side to move: castling while the right holds, en passant only right
+// after a double step inside the line, and all four promotions.
+void GenerateLegalMoves(const TChessboard& board, TMoveList& list);
+// The number of legal moves, without storing them.
+int CountLegalMoves(const TChessboard& board);
+// Whether the side to move has any legal move; stops at the first one found.
+bool HasLegalMove(const TChessboard& board);
+
+// Makes `child` the position after `move` (assumed legal) in `parent`: a copy with the move
+// applied, `previous` pointing at the parent and one half-move fewer left.
+void PlayMove(const TChessboard& parent, const TMove& move, TChessboard& child);
+
+bool IsMate(const TChessboard& board);
+bool IsStalemate(const TChessboard& board);
+// Whether the move played into `board` left the side to move in check.
+inline bool GivesCheck(const TChessboard& after) { return after.InCheck(); }
+
+// Castling rights the position holds now: the remembered rights whose king and rook still stand
+// on their home squares.
+uint8_t CastlingRights(const TChessboard& board);
+// The rights a freshly set-up position starts with: kings and rooks on their home squares.
+uint8_t HomeCastlingRights(const uint8_t* squares);
+
+}  // namespace moremate

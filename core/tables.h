@@ -1,0 +1,39 @@
+// Precomputed geometry for the mailbox move generator: rays in eight directions, knight and king
+// targets, and bit masks of the squares between two squares. Built once at start-up so that the
+// hot paths walk short arrays instead of testing board edges.
+#pragma once
+
+#include <cstdint>
+
+namespace moremate {
+
+// Directions 0..3 are the lines (rooks), 4..7 the diagonals (bishops).
+enum Direction : uint8_t { kNorth, kSouth, kEast, kWest, kNorthEast, kNorthWest, kSouthEast, kSouthWest };
+inline constexpr int kDirections = 8;
+
+struct CRay {
+    uint8_t length;
+    uint8_t squares[7];
+};
+
+struct CJumps {
+    uint8_t count;
+    uint8_t squares[8];
+};
+
+struct CGeometry {
+    CRay rays[64][kDirections];
+    CJumps knight[64];
+    CJumps king[64];
+    uint64_t rayMask[64][kDirections];  // all squares of a ray
+    uint64_t between[64][64];           // squares strictly between two squares on a line, else 0
+    int8_t direction[64][64];           // direction from the first square to the second, or -1
+    uint8_t castlingKeep[64];           // castling rights that survive a move from or to the square
+};
+
+extern const CGeometry& g_geometry;
+
+constexpr bool IsDiagonal(int dir) { return dir >= kNorthEast; }
+constexpr uint64_t Bit(int sq) { return uint64_t{1} << sq; }
+
+}  // namespace moremate

@@ -1,0 +1,18 @@
+// The rules a position must satisfy before it is solved; validation also fills the derived fields.
+#pragma once
+
+#include "chessboard.h"
+
+namespace moremate {
+
+// Full flavour, used when a position is newly read or transformed. Throws ChessException.
+// With `resetAuxWords` the heuristics' auxiliary state words are zeroed as well.
+void Validate(TChessboard& board, bool resetAuxWords);
+// Second flavour: the same rules, but auxiliary bits are cleared only at the start of a line.
+void ValidateOnLine(TChessboard& board);
+
+// Sets the half-move count of a problem's position, validates it and checks that the side not
+// to move is not in check. En passant is never possible on the first move.
+void PrepareForSolving(TChessboard& board, int halfMoves, bool resetAuxWords);
+
+}  // namespace moremate

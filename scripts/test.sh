@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Installs what moremate needs, builds everything with warnings as errors and runs every test.
+# With SANITIZE=address,undefined (or thread) the build goes to its own folder with those checks.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+build=build
+flags=(-DCMAKE_BUILD_TYPE=Release)
+if [ -n "${SANITIZE:-}" ]; then
+  build="build-${SANITIZE//,/-}"
+  flags=(-DCMAKE_BUILD_TYPE=RelWithDebInfo -DMOREMATE_SANITIZE="$SANITIZE" -DMOREMATE_BENCH=OFF)
+fi
+cmake -S . -B "$build" -G Ninja -DMOREMATE_WERROR=ON "${flags[@]}"
+cmake --build "$build"
+ctest --test-dir "$build" --output-on-failure -j2 ${CTEST_ARGS:-}

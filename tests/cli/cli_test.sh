@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# End-to-end checks of the moremate program: output formats and exit statuses.
+set -u
+mm=${1:?path to moremate}
+passed=0 failed=0
+
+check() {  # check NAME EXPECTED_STATUS EXPECTED_STDOUT_PATTERN -- ARGS...
+    local name=$1 status=$2 pattern=$3; shift 4
+    local out rc
+    out=$("$mm" "$@" 2>/tmp/moremate_cli_err.$$); rc=$?
+    if [ "$rc" -eq "$status" ] && grep -Eq -- "$pattern" <<<"$out$(cat /tmp/moremate_cli_err.$$)"; then
+        passed=$((passed + 1))
+    else
+        failed=$((failed + 1))
+        echo "FAIL: $name (status $rc, expected $status)"; echo "$out" | head -5; head -5 /tmp/moremate_cli_err.$$
+    fi
+}
+
+start="rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1"
+check "perft total" 0 '^8902$' -- perft "$start" 3
+check "perft total is the last line" 0 '^197281$' -- perft "$start" 4
+check "divide lists moves in long notation" 0 '^Ng1-f3 20$' -- perft "$start" 2 --divide
+check "divide castles" 0 '^0-0 ' -- perft "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -" 1 --divide
+check "black to move" 0 '^15833292$' -- perft "r2q1rk1/pP1p2pp/Q4n2/bbp1p3/Np6/1B3NBn/pPPP1PPP/R3K2R b KQ - 0 1" 5
+check "fen normalises" 0 '^FEN: 4k3/8/8/8/8/8/8/R3K3 w Q - 0 1$' -- fen "4k3/8/8/8/8/8/8/R3K3 w KQkq -"
+check "fen prints castling" 0 '^Castling: Q$' -- fen "4k3/8/8/8/8/8/8/R3K3"
+check "fen prints the identifier" 0 '^Id: [0-9a-zA-Z()]+$' -- fen "$start"
+check "fen warns about withheld castling" 0 'does not consider additional information' -- fen "4k3/8/8/8/8/8/8/4K2R w - -"
+check "two kings required" 2 'Illegal number of kings.' -- fen "8/8/8/8/8/8/8/8 w - -"
+check "pawn on the first rank" 2 'Pawns cannot occupy 1st nor 8th line of the chessboard.' -- fen "4k3/8/8/8/8/8/8/P3K3 w - -"
+check "side not to move in check" 2 'Black king cannot be checked' -- perft "4k3/8/8/8/8/8/8/4RK2 w - -" 1
+check "not a FEN" 2 'Improper FEN code' -- perft "hello" 2
+check "rank too long" 2 'Improper FEN code' -- fen "9/8/8/8/8/8/8/4K2k w - -"
+check "bad depth" 2 '' -- perft "$start" 0
+check "unknown command" 2 '' -- frobnicate
+check "version" 0 '^moremate [0-9]' -- --version
+check "help" 0 'perft' -- --help
+
+rm -f /tmp/moremate_cli_err.$$
+echo "cli: $passed passed, $failed failed"
+[ "$failed" -eq 0 ]

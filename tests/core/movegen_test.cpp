@@ -1,0 +1,144 @@
+#include "core/movegen.h"
+
+#include <gtest/gtest.h>
+
+#include "core/attacks.h"
+#include "test_board.h"
+
+namespace moremate {
+namespace {
+
+using test::Board;
+
+TMove M(const char* from, const char* to, uint8_t promotion = 0) {
+    auto sq = [](const char* s) { return static_cast<Square>(MakeSquare(s[0] - 'a', s[1] - '1')); };
+    return TMove{sq(from), sq(to), promotion};
+}
+
+TEST(Attacks, AnswerNamesSingleAttackerOrMany) {
+    // d4 is hit by the rook on d1 and the bishop on a7; e5 only by the rook on a5; h3 by nobody.
+    const TChessboard b = Board("k7/B7/8/R7/8/8/8/3R2K1 w - -");
+    EXPECT_EQ(AttackerOf(b, kWhite, 3, 3), kManyAttackers);
+    EXPECT_EQ(AttackerOf(b, kWhite, 4, 4), MakeSquare(0, 4));
+    EXPECT_EQ(AttackerOf(b, kBlack, 7, 2), kNoAttacker);
+    TAttackerList list;
+    EXPECT_EQ(AttackerOf(b, kWhite, 3, 3, &list), kManyAttackers);
+    ASSERT_EQ(list.count, 2);
+}
+
+TEST(Attacks, KnightsAndPawnsAttackTheRightWay) {
+    const TChessboard b = Board("4k3/8/8/3p4/8/2N5/8/4K3 w - -");
+    EXPECT_TRUE(IsAttackedByWhite(b, 3, 4));   // Nc3 hits d5
+    EXPECT_TRUE(IsAttackedByBlack(b, 2, 3));   // d5 pawn hits c4
+    EXPECT_TRUE(IsAttackedByBlack(b, 4, 3));   // and e4
+    EXPECT_FALSE(IsAttackedByBlack(b, 3, 3));  // not the square in front
+}
+
+TEST(Attacks, FlightSquaresLiftTheKing) {
+    // The rook on a8 checks along the eighth rank: g8 stays covered behind the lifted king.
+    EXPECT_EQ(BlackKingFlightSquares(Board("R6k/8/8/8/8/8/8/K7 b - -")), 2);
+    // Corner king with three neighbours, all free.
+    EXPECT_EQ(BlackKingFlightSquares(Board("7k/8/8/8/8/8/8/K7 b - -")), 3);
+    // Black pieces block their own king.
+    EXPECT_EQ(BlackKingFlightSquares(Board("6rk/6pp/8/8/8/8/8/K7 b - -")), 0);
+}
+
+struct CountCase {
+    const char* why;
+    const char* fen;
+    int moves;
+};
+
+TEST(LegalMoves, Counts) {
+    const CountCase cases[] = {
+        {"double check: king moves only", "4k3/8/8/8/1b6/8/4r3/3NK3 w - -", 2},
+        {"single check: capture, block or step aside", "4k3/8/8/8/8/8/4r3/R3K3 w Q -", 3},
+        {"pinned rook moves along the pin only", "4r1k1/8/8/8/8/8/4R3/4K3 w - -", 10},
+        {"pinned knight never moves", "4r1k1/8/8/8/8/8/4N3/4K3 w - -", 4},
+        {"no castling through an attacked square", "4k3/8/8/8/8/8/5r2/R3K2R w KQ -", 22},
+        {"castling with the rook attacked is fine", "4k3/8/8/8/8/8/7r/R3K2R w KQ -", 17},
+        {"four promotions each", "4k3/1P6/8/8/8/8/8/4K3 w - -", 9},
+        {"stalemate", "7k/5Q2/8/8/8/8/8/K7 b - -", 0},
+    };
+    for (const CountCase& c : cases) EXPECT_EQ(CountLegalMoves(Board(c.fen)), c.moves) << c.why;
+}
+
+TEST(LegalMoves, EnPassantOnlyAfterDoubleStepInsideTheLine) {
+    // The FEN names e3, but the problem's first move never takes en passant.
+    const TChessboard start = Board("4k3/8/8/8/3pP3/8/8/4K3 b - e3");
+    TMoveList list;
+    GenerateLegalMoves(start, list);
+    EXPECT_FALSE(list.Contains(M("d4", "e3")));
+
+    const TChessboard white = Board("4k3/8/8/8/3p4/8/4P3/4K3 w - -");
+    TChessboard afterDouble, afterSingle, afterSecond;
+    PlayMove(white, M("e2", "e4"), afterDouble);
+    GenerateLegalMoves(afterDouble, list);
+    ASSERT_TRUE(list.Contains(M("d4", "e3")));
+    TChessboard captured;
+    PlayMove(afterDouble, M("d4", "e3"), captured);
+    EXPECT_EQ(captured.squares[MakeSquare(4, 3)], kEmpty);
+    EXPECT_EQ(captured.whitePawns, 0);
+
+    PlayMove(white, M("e2", "e3"), afterSingle);
+    PlayMove(afterSingle, M("e8", "d8"), afterSecond);
+    EXPECT_EQ(afterSecond.epSquare, kNoSquare);
+}
+
+TEST(LegalMoves, EnPassantThatUncoversTheKingIsIllegal) {
+    const TChessboard b = Board("8/8/8/8/k2p3R/8/4P3/4K3 w - -");
+    TChessboard after;
+    PlayMove(b, M("e2", "e4"), after);
+    TMoveList list;
+    GenerateLegalMoves(after, list);
+    EXPECT_FALSE(list.Contains(M("d4", "e3")));
+}
+
+TEST(PlayMove, KeepsDerivedFieldsUpToDate) {
+    const TChessboard b = Board("r3k3/1P6/8/8/8/8/8/4K2R w Kq -");
+    TChessboard promoted, castled;
+    PlayMove(b, M("b7", "a8", kKnight), promoted);
+    EXPECT_EQ(promoted.squares[MakeSquare(0, 7)], kWhite | kKnight);
+    EXPECT_EQ(promoted.whitePawns, 0);
+    EXPECT_EQ(promoted.whiteKnights, 1);
+    EXPECT_EQ(promoted.blackRooks, 0);
+    EXPECT_EQ(promoted.castling & kBlackQueenside, 0);
+    EXPECT_EQ(promoted.previous, &b);
+    EXPECT_EQ(promoted.movesLeft, b.movesLeft - 1);
+
+    PlayMove(b, M("e1", "g1"), castled);
+    EXPECT_EQ(castled.squares[MakeSquare(5, 0)], kWhite | kRook);
+    EXPECT_EQ(castled.squares[MakeSquare(7, 0)], kEmpty);
+    EXPECT_EQ(castled.whiteKingFile, 6);
+    EXPECT_EQ(CastlingRights(castled) & (kWhiteKingside | kWhiteQueenside), 0);
+}
+
+TEST(PlayMove, RecordsChecksForTheSideToMove) {
+    const TChessboard b = Board("4k3/8/8/8/8/8/8/R3K3 w Q -");
+    TChessboard after;
+    PlayMove(b, M("a1", "a8"), after);
+    EXPECT_EQ(after.blackKingAttacker, MakeSquare(0, 7));
+    EXPECT_EQ(after.whiteKingAttacker, -1);
+    EXPECT_TRUE(after.InCheck());
+}
+
+TEST(Castling, RookThatLeftAndCameBackHasLostTheRight) {
+    const TChessboard b = Board("4k3/8/8/8/8/8/8/4K2R w K -");
+    TChessboard p1, p2, p3, p4;
+    PlayMove(b, M("h1", "h2"), p1);
+    PlayMove(p1, M("e8", "d8"), p2);
+    PlayMove(p2, M("h2", "h1"), p3);
+    PlayMove(p3, M("d8", "e8"), p4);
+    EXPECT_EQ(CastlingRights(b), kWhiteKingside);
+    EXPECT_EQ(CastlingRights(p4), 0);
+}
+
+TEST(Mate, MateAndStalemateAreTold) {
+    EXPECT_TRUE(IsMate(Board("R5k1/5ppp/8/8/8/8/8/6K1 b - -")));
+    EXPECT_FALSE(IsStalemate(Board("R5k1/5ppp/8/8/8/8/8/6K1 b - -")));
+    EXPECT_TRUE(IsStalemate(Board("7k/5Q2/8/8/8/8/8/K7 b - -")));
+    EXPECT_FALSE(IsMate(Board("7k/5Q2/8/8/8/8/8/K7 b - -")));
+}
+
+}  // namespace
+}  // namespace moremate
