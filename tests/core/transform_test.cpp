@@ -1,0 +1,140 @@
+#include "core/transform.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "core/fen.h"
+#include "core/movegen.h"
+#include "test_board.h"
+#include "test_line.h"
+
+namespace moremate {
+namespace {
+
+using test::Board;
+using test::Problem;
+using test::TestLine;
+
+TEST(Rotate90, TurnsTheBoardAQuarterClockwise) {
+    // a1 -> a8, a8 -> h8, h8 -> h1, h1 -> a1, d2 -> b5.
+    TChessboard b = Board("N6k/8/8/8/8/8/3B4/K6n w - -");
+    std::string description;
+    EXPECT_EQ(Rotate90(b, description), std::nullopt);
+    EXPECT_EQ(WriteFenPlacement(b), "K6N/8/8/1B6/8/8/8/n6k");
+    EXPECT_EQ(b.WhiteKingSquare(), MakeSquare(0, 7));
+    EXPECT_EQ(b.BlackKingSquare(), MakeSquare(7, 0));
+}
+
+TEST(Rotate90, FourTurnsRestoreBoardAndDescription) {
+    const char* const start = "r3k2r/1q6/8/3Pp3/8/5N2/4B3/R3K2R";
+    TChessboard b = Board(start);
+    std::string description = "J. Smith, 1st Prize";
+    const char* const expected[] = {
+        "Rotated 90°: J. Smith, 1st Prize",
+        "Rotated 180°: J. Smith, 1st Prize",
+        "Rotated 270°: J. Smith, 1st Prize",
+        "J. Smith, 1st Prize",
+    };
+    for (const char* text : expected) {
+        Rotate90(b, description);
+        EXPECT_EQ(description, text);
+    }
+    EXPECT_EQ(WriteFenPlacement(b), start);
+}
+
+TEST(Rotate90, DescriptionPrefix) {
+    const struct {
+        const char* before;
+        const char* after;
+    } cases[] = {
+        {"", "Rotated 90°: "},
+        {"Rotated 180°: a: b", "Rotated 270°: a: b"},
+        {"Rotated 270°: a: b", "a: b"},
+        {"Rotated 360°: a", "Rotated 450°: a"},
+        {"Rotated 0°: a", "Rotated 90°: a"},
+        {"Rotated 270°", ""},
+        {"Rotated 45°: a", "Rotated 90°: Rotated 45°: a"},
+        {"Rotated 90: a", "Rotated 90°: Rotated 90: a"},
+        {"Rotated °: a", "Rotated 90°: Rotated °: a"},
+        {"Rotated x90°: a", "Rotated 90°: Rotated x90°: a"},
+        {"rotated 90°: a", "Rotated 90°: rotated 90°: a"},
+        {"B&Wh.swapped: Rotated 90°: a", "Rotated 90°: B&Wh.swapped: Rotated 90°: a"},
+    };
+    for (const auto& c : cases) {
+        TChessboard b = Board("4k3/8/8/8/8/8/8/4K3");
+        std::string description = c.before;
+        Rotate90(b, description);
+        EXPECT_EQ(description, c.after) << c.before;
+    }
+}
+
+TEST(Rotate90, BrokenRuleIsReportedAndTheTurnKept) {
+    // The pawn on a2 lands on b8.
+    TChessboard b = Board("4k3/8/8/8/8/8/P7/4K3 w - -");
+    std::string description = "x";
+    EXPECT_EQ(Rotate90(b, description), "Pawns cannot occupy 1st nor 8th line of the chessboard.");
+    EXPECT_EQ(b.squares[MakeSquare(1, 7)], kWhite | kPawn);
+    EXPECT_EQ(b.squares[MakeSquare(0, 1)], kEmpty);
+    EXPECT_EQ(description, "Rotated 90°: x");
+}
+
+TEST(SwapColours, MirrorsRanksAndExchangesColours) {
+    TChessboard b = Board("4k3/8/8/8/8/2n5/4P3/R3K3 w Q -");
+    std::string description = "x";
+    EXPECT_EQ(SwapColours(b, description), std::nullopt);
+    EXPECT_EQ(WriteFenPlacement(b), "r3k3/4p3/2N5/8/8/8/8/4K3");
+    EXPECT_EQ(description, "B&Wh.swapped: x");
+    EXPECT_EQ(b.whiteKnights, 1);
+    EXPECT_EQ(b.blackKnights, 0);
+    EXPECT_EQ(b.blackRooks, 1);
+    EXPECT_EQ(b.blackPawns, 1);
+}
+
+TEST(SwapColours, TwiceRestoresTheBoardButNotTheDescription) {
+    const char* const start = "r3k2r/1q6/8/3Pp3/8/5N2/4B3/R3K2R";
+    TChessboard b = Board(start);
+    std::string description = "d";
+    SwapColours(b, description);
+    EXPECT_NE(WriteFenPlacement(b), start);
+    SwapColours(b, description);
+    EXPECT_EQ(WriteFenPlacement(b), start);
+    EXPECT_EQ(description, "B&Wh.swapped: B&Wh.swapped: d");
+}
+
+TEST(SwapColours, BrokenRuleIsReportedAndTheSwapKept) {
+    TChessboard b;
+    b.squares[MakeSquare(4, 0)] = kWhite | kKing;
+    std::string description;
+    EXPECT_EQ(SwapColours(b, description), "Illegal number of kings.");
+    EXPECT_EQ(b.squares[MakeSquare(4, 7)], kBlack | kKing);
+    EXPECT_EQ(description, "B&Wh.swapped: ");
+}
+
+TEST(Transforms, StartANewLine) {
+    using Transform = std::optional<std::string> (*)(TChessboard&, std::string&);
+    for (Transform transform : {Transform{&SwapColours}, Transform{&Rotate90}}) {
+        // A line in which castling rights were lost and a double step was just played.
+        TestLine line(Problem("r3k2r/3p4/8/8/8/8/8/R3K2R w KQkq - 0 1", 5));
+        TChessboard b = line.Play("Ke1-d1").Play("Ra8-b8").Play("Kd1-e1").Play("d7-d5").Now();
+        ASSERT_NE(b.epSquare, kNoSquare);
+        b.auxWords[0] = 9;
+        std::string description;
+        transform(b, description);
+        EXPECT_EQ(b.previous, nullptr);
+        EXPECT_TRUE(b.lastMove.IsNull());
+        EXPECT_EQ(b.epSquare, kNoSquare);
+        EXPECT_EQ(b.castling, HomeCastlingRights(b.squares));
+        EXPECT_EQ(b.auxWords[0], 0u);
+    }
+    // Kings and rooks set up afresh on their squares castle again.
+    TestLine line(Problem("r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1", 5));
+    TChessboard b = line.Play("Ke1-d1").Play("Ke8-d8").Play("Kd1-e1").Play("Kd8-e8").Now();
+    EXPECT_EQ(CastlingRights(b), 0);
+    std::string description;
+    SwapColours(b, description);
+    EXPECT_EQ(CastlingRights(b), kWhiteKingside | kWhiteQueenside | kBlackKingside | kBlackQueenside);
+}
+
+}  // namespace
+}  // namespace moremate
