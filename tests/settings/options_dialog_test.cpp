@@ -1,0 +1,174 @@
+#include "settings/options_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include "settings/ini_file.h"
+#include "temp_folder.h"
+
+namespace moremate {
+namespace {
+
+using testing::CTempFolder;
+using TNotes = std::vector<std::string>;
+
+constexpr int kCurrentThreads = 4;
+
+// The dialog's fields, as it opens on the default options with 4 threads, and what its check says.
+struct TDialogCase {
+    const char* pszName;
+    std::string sPrecalcRatio = "20", sTempRegRatio = "20", sSchedulerLevels = "6", sLichessLevels = "1";
+    int nThreads = kCurrentThreads, nLevels = 1;
+    std::string sAutoSaveMinutes = "240", sAutoSaveMB = "256";
+    bool bLogMoves = false, bCustomScheduler = true;
+    std::string sFailure = {};
+    TNotes notes = {};
+
+    friend void PrintTo(const TDialogCase& c, std::ostream* os) { *os << c.pszName; }
+};
+
+class OptionsDialogCheck : public ::testing::TestWithParam<TDialogCase> {};
+
+TEST_P(OptionsDialogCheck, GivesFirstFailureOrNotes) {
+    const TDialogCase& c = GetParam();
+    TOptionsDialogFields fields = OptionsDialogFields(TOptions{}, kCurrentThreads);
+    fields.sMaxMemRatioForPrecalculatedData = c.sPrecalcRatio;
+    fields.sMaxMemRatioForTempReg = c.sTempRegRatio;
+    fields.sSchedulerLevels = c.sSchedulerLevels;
+    fields.sLichessLevels = c.sLichessLevels;
+    fields.nThreads = c.nThreads;
+    fields.nMultithreadingLevels = c.nLevels;
+    fields.sAutoSaveMinutes = c.sAutoSaveMinutes;
+    fields.sAutoSaveMB = c.sAutoSaveMB;
+    fields.options.m_bLogMoves = c.bLogMoves;
+    fields.options.m_bCustomScheduler = c.bCustomScheduler;
+    TOptionsDialogCheck check = CheckOptionsDialog(fields, kCurrentThreads);
+    EXPECT_EQ(check.sFailure, c.sFailure);
+    EXPECT_EQ(check.notes, c.notes);
+}
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Failures, OptionsDialogCheck, ::testing::Values(
+    TDialogCase{.pszName = "PrecalcRatioAbove100", .sPrecalcRatio = "101", .sFailure = kBadPrecalcMemRatio},
+    TDialogCase{.pszName = "PrecalcRatioNotANumber", .sPrecalcRatio = "20%", .sFailure = kBadPrecalcMemRatio},
+    TDialogCase{.pszName = "TempRatioNegative", .sTempRegRatio = "-1", .sFailure = kBadTempRegMemRatio},
+    TDialogCase{.pszName = "TempRatioEmpty", .sTempRegRatio = "", .sFailure = kBadTempRegMemRatio},
+    TDialogCase{.pszName = "FirstOfTwoFailures", .sPrecalcRatio = "x", .sTempRegRatio = "x",
+                .sFailure = kBadPrecalcMemRatio},
+    TDialogCase{.pszName = "SchedulerLevelsAbove9", .sSchedulerLevels = "10",
+                .sFailure = kBadSchedulerLevels},
+    TDialogCase{.pszName = "SchedulerLevelsText", .sSchedulerLevels = "off", .sFailure = kBadSchedulerLevels},
+    TDialogCase{.pszName = "LichessLevelsBelowMinusOne", .sLichessLevels = "-2",
+                .sFailure = kBadLichessLevels},
+    TDialogCase{.pszName = "LichessLevelsAbove255", .sLichessLevels = "256", .sFailure = kBadLichessLevels},
+    TDialogCase{.pszName = "SixtyFourThreadsOnThreeLevels", .nThreads = 64, .nLevels = 3,
+                .sFailure = kTooManyThreads},
+    TDialogCase{.pszName = "AdjustedLevelsStillTooMany", .nThreads = 2, .nLevels = 100,
+                .sFailure = kTooManyThreads},
+    TDialogCase{.pszName = "AutoSaveMinutesNegative", .sAutoSaveMinutes = "-1", .sFailure = kBadAutoSave},
+    TDialogCase{.pszName = "AutoSaveMBText", .sAutoSaveMB = "lots", .sFailure = kBadAutoSave}),
+    [](const auto& info) { return info.param.pszName; });
+
+INSTANTIATE_TEST_SUITE_P(Notes, OptionsDialogCheck, ::testing::Values(
+    TDialogCase{.pszName = "UnchangedIsQuiet"},
+    TDialogCase{.pszName = "BlanksAroundNumbers", .sSchedulerLevels = " 3 "},
+    TDialogCase{.pszName = "LichessOffEverywhere", .sLichessLevels = "-1"},
+    TDialogCase{.pszName = "SixtyFourThreadsOnTwoLevels", .nThreads = 64, .nLevels = 2,
+                .notes = {kThreadsNotSaved}},
+    TDialogCase{.pszName = "ThreadsClampedSilently", .nThreads = 0, .notes = {kThreadsNotSaved}},
+    TDialogCase{.pszName = "LevelsZeroAdjusted", .nLevels = 0, .notes = {kMultithreadingLevelsAdjusted}},
+    TDialogCase{.pszName = "NegativeLevelsAdjusted", .nLevels = -3, .notes = {kMultithreadingLevelsAdjusted}},
+    TDialogCase{.pszName = "SchedulerOffWithCustomScheduler", .sSchedulerLevels = "0",
+                .notes = {kCustomSchedulerOff}},
+    TDialogCase{.pszName = "SchedulerOffWithoutCustomScheduler", .sSchedulerLevels = "0",
+                .bCustomScheduler = false},
+    TDialogCase{.pszName = "FullLogWithScheduler", .bLogMoves = true, .notes = {kSchedulerWithFullLog}},
+    TDialogCase{.pszName = "NotesInOrderOfChecks", .sSchedulerLevels = "0", .nThreads = 1, .nLevels = 65,
+                .bLogMoves = true,
+                .notes = {kMultithreadingLevelsAdjusted, kThreadsNotSaved, kCustomSchedulerOff}}),
+    [](const auto& info) { return info.param.pszName; });
+// clang-format on
+
+TEST(OptionsDialogCheck, TakesTypedValues) {
+    TOptionsDialogFields fields = OptionsDialogFields(TOptions{}, kCurrentThreads);
+    fields.sMaxMemRatioForPrecalculatedData = "50";
+    fields.sSchedulerLevels = "9";
+    fields.nThreads = 100;
+    fields.nMultithreadingLevels = 2;
+    fields.nSolutionDetailsMoves = 0;
+    fields.options.m_nMultithreadingLevels = 0;  // the typed level count replaces it
+    TOptionsDialogCheck check = CheckOptionsDialog(fields, kCurrentThreads);
+    ASSERT_EQ(check.sFailure, "");
+    EXPECT_EQ(check.options.m_nMaxMemRatioForPrecalculatedData, 50);
+    EXPECT_EQ(check.options.m_nSchedulerLevels, 9);
+    EXPECT_EQ(check.nThreads, 64);
+    EXPECT_EQ(check.options.m_nMultithreadingLevels, 2);
+    EXPECT_EQ(check.options.m_shSolutionDetailsMoves, 10);
+}
+
+class OptionsDialogSave : public ::testing::Test {
+  protected:
+    CTempFolder m_folder;
+    std::filesystem::path m_path = m_folder.File("options.ini");
+    CRecordingReporter m_reporter;
+    TOptions m_options = ReadOptions(m_path, m_reporter, 1ull << 32);
+    int m_nThreads = kCurrentThreads;
+};
+
+TEST_F(OptionsDialogSave, FailureRestoresEarlierValuesAndWritesNothing) {
+    TOptionsDialogFields fields = OptionsDialogFields(m_options, m_nThreads);
+    fields.sMaxMemRatioForPrecalculatedData = "60";  // valid, but a later field fails
+    fields.sAutoSaveMB = "-5";
+    fields.nThreads = 8;
+    TOptions before = m_options;
+    EXPECT_FALSE(SaveOptionsDialog(fields, m_options, m_nThreads, m_path, m_reporter));
+    EXPECT_EQ(m_options, before);
+    EXPECT_EQ(m_options.PrecalcQuotaBytes(), (1ull << 32) / 5);
+    EXPECT_EQ(m_nThreads, kCurrentThreads);
+    EXPECT_FALSE(std::filesystem::exists(m_path));
+    ASSERT_EQ(m_reporter.Reports().size(), 1u);
+    EXPECT_EQ(m_reporter.Reports()[0].sText, kBadAutoSave);
+}
+
+TEST_F(OptionsDialogSave, SavedLevelsReadBackAsOne) {
+    TOptionsDialogFields fields = OptionsDialogFields(m_options, m_nThreads);
+    fields.nMultithreadingLevels = 2;
+    fields.sMaxMemRatioForPrecalculatedData = "60";
+    ASSERT_TRUE(SaveOptionsDialog(fields, m_options, m_nThreads, m_path, m_reporter));
+    EXPECT_EQ(m_options.m_nMultithreadingLevels, 2);
+    EXPECT_EQ(m_options.PrecalcQuotaBytes(), (1ull << 32) * 60 / 100);
+    EXPECT_EQ(CIniFile(m_path).ReadInt(kOptionsSection, "MultithreadingLevels", 0), 2);
+    EXPECT_EQ(ReadOptions(m_path, m_reporter).m_nMultithreadingLevels, 1);
+}
+
+TEST_F(OptionsDialogSave, SchedulerLevelZeroFromFileSurvivesUnchangedSave) {
+    m_folder.Write("options.ini", "[chess]\nSchedulerLevels=0\n");
+    m_options = ReadOptions(m_path, m_reporter);
+    ASSERT_TRUE(SaveOptionsDialog(OptionsDialogFields(m_options, m_nThreads), m_options, m_nThreads, m_path,
+                                  m_reporter));
+    EXPECT_TRUE(m_reporter.Reports().empty());
+    EXPECT_EQ(CIniFile(m_path).ReadInt(kOptionsSection, "SchedulerLevels", -9), 0);
+}
+
+TEST_F(OptionsDialogSave, NotesAreInformationInTheUsersLanguage) {
+    m_options.m_nLanguageId = kPolish;
+    TOptionsDialogFields fields = OptionsDialogFields(m_options, m_nThreads);
+    fields.sSchedulerLevels = "0";
+    ASSERT_TRUE(SaveOptionsDialog(fields, m_options, m_nThreads, m_path, m_reporter));
+    ASSERT_EQ(m_reporter.Reports().size(), 1u);
+    EXPECT_EQ(m_reporter.Reports()[0].sTitle, "Informacja");
+    EXPECT_EQ(m_reporter.Reports()[0].sText, kCustomSchedulerOff);
+}
+
+TEST_F(OptionsDialogSave, WriteFailureIsReportedAfterTakingValues) {
+    std::filesystem::path unwritable = m_folder.File("missing") / "options.ini";
+    TOptionsDialogFields fields = OptionsDialogFields(m_options, m_nThreads);
+    fields.sAutoSaveMinutes = "30";
+    EXPECT_TRUE(SaveOptionsDialog(fields, m_options, m_nThreads, unwritable, m_reporter));
+    EXPECT_EQ(m_options.m_nAutoSaveMinutes, 30);
+    ASSERT_EQ(m_reporter.Reports().size(), 1u);
+    EXPECT_EQ(m_reporter.Reports()[0].sTitle, "Error");
+    EXPECT_EQ(m_reporter.Reports()[0].sText, kErrorWritingOptions);
+}
+
+}  // namespace
+}  // namespace moremate

@@ -1,0 +1,193 @@
+#include "settings/options.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "settings/program_folder.h"
+#include "temp_folder.h"
+
+namespace moremate {
+namespace {
+
+using testing::CTempFolder;
+using TReports = std::vector<std::pair<std::string, std::string>>;
+
+constexpr uint64_t kGiB = 1024ull * 1024 * 1024;
+
+TReports Reports(const CRecordingReporter& reporter) {
+    TReports reports = {};
+    for (const auto& report : reporter.Reports()) reports.emplace_back(report.sTitle, report.sText);
+    return reports;
+}
+
+struct TReadCase {
+    const char* pszName;
+    std::string sChess;  // the lines of section "chess"
+    long long (*value)(const TOptions&);
+    long long nExpected;
+    TReports reports = {};
+
+    friend void PrintTo(const TReadCase& c, std::ostream* os) { *os << c.pszName; }
+};
+
+class OptionsRead : public ::testing::TestWithParam<TReadCase> {};
+
+TEST_P(OptionsRead, SettlesValuesAndReports) {
+    CTempFolder folder;
+    CRecordingReporter reporter;
+    TOptions options =
+        ReadOptions(folder.Write("options.ini", "[chess]\n" + GetParam().sChess), reporter, kGiB);
+    EXPECT_EQ(GetParam().value(options), GetParam().nExpected);
+    EXPECT_EQ(Reports(reporter), GetParam().reports);
+}
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Rules, OptionsRead, ::testing::Values(
+    TReadCase{"SchedulerLevelsZeroIsOneLevel", "SchedulerLevels=0\n",
+              [](const TOptions& o) -> long long { return o.m_nSchedulerLevels; }, 1},
+    TReadCase{"SchedulerLevelsMinusOneIsOff", "SchedulerLevels=-1\n",
+              [](const TOptions& o) -> long long { return o.m_nSchedulerLevels; }, 0},
+    TReadCase{"MultithreadingLevelsReadAsOne", "MultithreadingLevels=3\n",
+              [](const TOptions& o) -> long long { return o.m_nMultithreadingLevels; }, 1},
+    TReadCase{"MultithreadingLevelsZeroStays", "MultithreadingLevels=0\n",
+              [](const TOptions& o) -> long long { return o.m_nMultithreadingLevels; }, 0},
+    TReadCase{"SortIndicationsAboveTwoReadAsTwo", "UseMainVariantAsSortIndications=7\n",
+              [](const TOptions& o) -> long long { return o.m_nUseMainVariantAsSortIndications; }, 2},
+    TReadCase{"RecompressionLoweredOnce",
+              "AskForGlobalRegisterRecompression=3\nUseDataPackedForRandomAccess=2\n",
+              [](const TOptions& o) -> long long { return o.m_byAskForGlobalRegisterRecompression; }, 2,
+              {{"Warning", kRecompressionAboveRandomAccess}}},
+    TReadCase{"RecompressionEqualIsQuiet",
+              "AskForGlobalRegisterRecompression=1\nUseDataPackedForRandomAccess=1\n",
+              [](const TOptions& o) -> long long { return o.m_byAskForGlobalRegisterRecompression; }, 1},
+    TReadCase{"FullLogWarns", "LogMoves=1\n",
+              [](const TOptions& o) -> long long { return o.m_bLogMoves; }, 1,
+              {{"Warning", kFullLogOnAtStart}}},
+    // Custom logging turns the full log on after its warning would have been given.
+    TReadCase{"CustomLoggingForcesFullLog", "CustomLogging=5\n",
+              [](const TOptions& o) -> long long { return o.m_bLogMoves; }, 1,
+              {{"Information", kCustomLoggingOn}}},
+    TReadCase{"BothLogsInRuleOrder", "LogMoves=1\nCustomLogging=1\nLanguageId=0\n",
+              [](const TOptions& o) -> long long { return o.m_bLogMoves; }, 1,
+              {{"Warning", kFullLogOnAtStart}, {"Informacja", kCustomLoggingOn}}},
+    TReadCase{"UkrainianTitle", "LanguageId=2\nCustomLogging=1\n",
+              [](const TOptions& o) -> long long { return o.m_nLanguageId; }, 2,
+              {{"Інформація", kCustomLoggingOn}}},
+    TReadCase{"TextReadsAsZero", "AutoSaveMinutes=abc\n",
+              [](const TOptions& o) -> long long { return o.m_nAutoSaveMinutes; }, 0},
+    TReadCase{"PrecalcPathCutTo255", "PrecalcPath=" + std::string(300, 'p') + "\n",
+              [](const TOptions& o) -> long long { return std::ssize(o.m_sPrecalcPath); }, 255}),
+    [](const auto& info) { return info.param.pszName; });
+// clang-format on
+
+TEST(OptionsRead, KeysOnlyEditedByHand) {
+    CTempFolder folder;
+    CRecordingReporter reporter;
+    std::filesystem::path path = folder.Write(
+        "options.ini",
+        "[chess]\nLanguageId=0\nWarningOnLichessDataRepetition=1\nCheckTempRegCoherency=1\n"
+        "AskForGlobalRegisterRecompression=1\nUseDataPackedForRandomAccess=1\nPrecalcPath=/data\n"
+        "AskIfSaveAfterDecompressAllToMem=1\nLogToFileTmpRegLoad=1\nCustomizedVersion=1\n"
+        "ScalingWarningDismissed=1\nExtendedTempRegDetails=1\nAddTestCrashHandlerMenuItem=1\n"
+        "UseSystemCrashHandler=1\nMaxStipulationForBulkInsert=9\nShortRegTestSeconds="
+        "30\nRunRegressionTestInLoop=1\n");
+    TOptions expected;
+    expected.m_nLanguageId = kPolish;
+    expected.m_bWarningOnLichessDataRepetition = true;
+    expected.m_bCheckTempRegCoherency = true;
+    expected.m_byAskForGlobalRegisterRecompression = 1;
+    expected.m_byUseDataPackedForRandomAccess = 1;
+    expected.m_sPrecalcPath = "/data";
+    expected.m_bAskIfSaveAfterDecompressAllToMem = true;
+    expected.m_bLogToFileTmpRegLoad = true;
+    expected.m_bCustomizedVersion = true;
+    expected.m_bScalingWarningDismissed = true;
+    expected.m_bExtendedTempRegDetails = true;
+    expected.m_bAddTestCrashHandlerMenuItem = true;
+    expected.m_bUseSystemCrashHandler = true;
+    expected.m_nMaxStipulationForBulkInsert = 9;
+    expected.m_nShortRegTestSeconds = 30;
+    expected.m_bRunRegressionTestInLoop = true;
+    expected.m_nPhysicalMemoryBytes = kGiB;
+    EXPECT_EQ(ReadOptions(path, reporter, kGiB), expected);
+}
+
+TEST(OptionsRead, MissingFileGivesDefaultsSilently) {
+    CTempFolder folder;
+    CRecordingReporter reporter;
+    TOptions defaults;
+    defaults.m_nPhysicalMemoryBytes = kGiB;
+    EXPECT_EQ(ReadOptions(folder.File("options.ini"), reporter, kGiB), defaults);
+    EXPECT_TRUE(reporter.Reports().empty());
+}
+
+TEST(OptionsRead, QuotasUseIntegerDivision) {
+    CTempFolder folder;
+    CRecordingReporter reporter;
+    std::filesystem::path path =
+        folder.Write("options.ini", "[chess]\nMaxMemRatioForTempReg=33\nMaxMemRatioForPrecalculatedData=7\n");
+    TOptions options = ReadOptions(path, reporter, 3 * kGiB + 5);
+    EXPECT_EQ(options.TempRegQuotaMB(), 3072u * 33 / 100);  // 1013, not 1013.76 rounded
+    EXPECT_EQ(options.FixedQuotaMB(), 614u);
+    EXPECT_EQ(options.PrecalcQuotaBytes(), (3 * kGiB + 5) * 7 / 100);
+}
+
+// The keys the options dialog writes, in order; hand-edited keys never appear.
+constexpr const char* kDefaultsAsWritten =
+    "[chess]\nQuickMode=1\nSchedulerLevels=5\nCustomScheduler=1\nSchedulerThreadPool=1\nObserverLevels=0\n"
+    "LichessLevels=1\nWarnAboutSecondInstanceOfProgram=2\nPromptHeuristics=0\nMaxMemRatioForTempReg=20\n"
+    "ClearRegisterOnStartSolving=0\nMaxMemRatioForPrecalculatedData=20\nLetAnalyzeTheSameMoveInTwoThreads=1\n"
+    "CommentCompatibilityMode=0\nShowMainVariant=1\nUseMainVariantAsSortIndications=0\nLogMoves=0\n"
+    "RegisterInfoLog=0\nTryRelaxSpecialHeuristicsLog=0\nMinimizeToTray=2\nUseGlobalRules=1\n"
+    "GlobalRegisterForceDiskAccess=1\nMultithreadingLevels=1\nEnableManualEngineControl=0\n"
+    "UsePredefinedIndications=0\nAutoSaveMinutes=240\nAutoSaveMB=256\nPrepareSolutionDescription=2\n"
+    "SolutionDetailsMoves=10\n";
+
+TEST(OptionsWrite, WritesOfferedKeysInOrder) {
+    CTempFolder folder;
+    ASSERT_TRUE(WriteOptions(folder.File("options.ini"), TOptions{}));
+    EXPECT_EQ(folder.Read("options.ini"), kDefaultsAsWritten);
+}
+
+TEST(OptionsWrite, EveryWrittenValueReadsBack) {
+    constexpr const char* kChanged =
+        "[chess]\nQuickMode=0\nSchedulerLevels=-1\nCustomScheduler=0\nSchedulerThreadPool=0\nObserverLevels="
+        "3\n"
+        "LichessLevels=-1\nWarnAboutSecondInstanceOfProgram=1\nPromptHeuristics=1\nMaxMemRatioForTempReg=55\n"
+        "ClearRegisterOnStartSolving=1\nMaxMemRatioForPrecalculatedData=0\nLetAnalyzeTheSameMoveInTwoThreads="
+        "0\n"
+        "CommentCompatibilityMode=1\nShowMainVariant=0\nUseMainVariantAsSortIndications=1\nLogMoves=0\n"
+        "RegisterInfoLog=1\nTryRelaxSpecialHeuristicsLog=1\nMinimizeToTray=0\nUseGlobalRules=0\n"
+        "GlobalRegisterForceDiskAccess=0\nMultithreadingLevels=0\nEnableManualEngineControl=1\n"
+        "UsePredefinedIndications=2\nAutoSaveMinutes=0\nAutoSaveMB=1024\nPrepareSolutionDescription=0\n"
+        "SolutionDetailsMoves=25\n";
+    CTempFolder folder;
+    CRecordingReporter reporter;
+    TOptions options = ReadOptions(folder.Write("read.ini", kChanged), reporter, kGiB);
+    ASSERT_TRUE(WriteOptions(folder.File("written.ini"), options));
+    EXPECT_EQ(folder.Read("written.ini"), kChanged);
+}
+
+TEST(OptionsWrite, KeepsHandEditedKeysAndComments) {
+    CTempFolder folder;
+    std::filesystem::path path =
+        folder.Write("options.ini", "; my settings\n[chess]\nLanguageId=0\nQuickMode=0\n");
+    ASSERT_TRUE(WriteOptions(path, TOptions{}));
+    std::string content = folder.Read("options.ini");
+    EXPECT_TRUE(content.starts_with("; my settings\n[chess]\nLanguageId=0\nQuickMode=1\nSchedulerLevels=5\n"))
+        << content;
+}
+
+TEST(OptionsFolder, HomeVariableWinsOverExecutableFolder) {
+    const char* saved = std::getenv("MOREMATE_HOME");
+    std::string savedValue = saved != nullptr ? saved : "";
+    setenv("MOREMATE_HOME", "/opt/moremate", 1);
+    EXPECT_EQ(OptionsFilePath(), std::filesystem::path("/opt/moremate/options.ini"));
+    unsetenv("MOREMATE_HOME");
+    EXPECT_EQ(ProgramFolder(), std::filesystem::read_symlink("/proc/self/exe").parent_path());
+    if (saved != nullptr) setenv("MOREMATE_HOME", savedValue.c_str(), 1);
+}
+
+}  // namespace
+}  // namespace moremate
