@@ -8,7 +8,7 @@ check() {  # check NAME EXPECTED_STATUS EXPECTED_STDOUT_PATTERN -- ARGS...
     local name=$1 status=$2 pattern=$3; shift 4
     local out rc
     out=$("$mm" "$@" 2>/tmp/moremate_cli_err.$$); rc=$?
-    if [ "$rc" -eq "$status" ] && grep -Eq -- "$pattern" <<<"$out$(cat /tmp/moremate_cli_err.$$)"; then
+    if [ "$rc" -eq "$status" ] && printf '%s\n' "$out" | cat - /tmp/moremate_cli_err.$$ | grep -Eq -- "$pattern"; then
         passed=$((passed + 1))
     else
         failed=$((failed + 1))
