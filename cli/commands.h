@@ -5,6 +5,9 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 
+#include "settings/options.h"
+#include "settings/reporter.h"
+
 namespace moremate::cli {
 
 // Exit statuses shared by all commands.
@@ -13,6 +16,12 @@ inline constexpr int kExitMismatch = 1;
 inline constexpr int kExitBadInput = 2;
 
 using Runner = std::function<int()>;
+
+// What every command may use: the settings read at start-up and where reports go.
+struct TProgramContext {
+    TOptions options;
+    CReporter& reporter;
+};
 
 Runner AddPerftCommand(CLI::App& app);
 Runner AddFenCommand(CLI::App& app);

@@ -4,16 +4,20 @@
 #include <map>
 
 #include "commands.h"
+#include "settings/program_folder.h"
 
 #ifndef MOREMATE_VERSION
 #define MOREMATE_VERSION "0.0.0"
 #endif
 
 int main(int argc, char** argv) {
+    using namespace moremate;
     using namespace moremate::cli;
     CLI::App app{"moremate: solver of orthodox chess directmate problems (#n), long moremovers included"};
     app.set_version_flag("--version", std::string("moremate ") + MOREMATE_VERSION);
     app.require_subcommand(1);
+    CStderrReporter reporter;
+    TProgramContext context{ReadOptions(OptionsFilePath(), reporter), reporter};
     std::map<std::string, Runner> runners;
     runners["perft"] = AddPerftCommand(app);
     runners["fen"] = AddFenCommand(app);
