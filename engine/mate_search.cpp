@@ -1,0 +1,213 @@
+#include "mate_search.h"
+
+#include <cstring>
+
+#include "core/gives_check.h"
+
+namespace moremate {
+namespace {
+
+constexpr int kPoorlySortedIndex = 8;  // a mating move sorted this late is worth a log line
+constexpr int kRepetitionMinHalfMoves = 10;
+
+bool EnPassantPossible(const TChessboard& node) {
+    if (node.epSquare == kNoSquare) return false;
+    const uint8_t us = node.ToMove();
+    const int pawnSquare = us == kWhite ? node.epSquare - 8 : node.epSquare + 8;  // the pawn that passed
+    const int file = FileOf(pawnSquare);
+    const Piece ours = MakePiece(us, kPawn);
+    return (file > 0 && node.squares[pawnSquare - 1] == ours) || (file < 7 && node.squares[pawnSquare + 1] == ours);
+}
+
+bool SamePosition(const TChessboard& a, const TChessboard& b) {
+    return std::memcmp(a.squares, b.squares, 64) == 0 && CastlingRights(a) == CastlingRights(b) &&
+           EnPassantPossible(a) == EnPassantPossible(b);
+}
+
+}  // namespace
+
+bool SquaresTellAll(const TChessboard& node) {
+    return CastlingRights(node) == HomeCastlingRights(node.squares) && !EnPassantPossible(node);
+}
+
+void TMateSearch::CountNode() {
+    ++m_nNodes;
+    if (m_env.stop && m_env.stop->load(std::memory_order_relaxed)) throw TSearchStopped{};
+}
+
+uint8_t TMateSearch::FindForcedMate(const TChessboard& node) { return Node(node, 0); }
+
+int TMateSearch::ShortestMate(const TChessboard& node) {
+    for (int k = 1; k <= node.movesLeft; k += 2) {
+        TChessboard shorter = node;
+        shorter.movesLeft = static_cast<int16_t>(k);
+        const uint8_t r = FindForcedMate(shorter);
+        if (r == kMate) return k;
+        if (r == kDoubtful) return 0;
+    }
+    return 0;
+}
+
+TMove TMateSearch::MatingMove(const TChessboard& node, int halfMoves) {
+    TMoveList moves;
+    GenerateLegalMoves(node, moves);
+    OrderWhiteMoves(node, moves, m_killers[0], halfMoves == 1);
+    for (const TMove& m : moves) {
+        TChessboard child;
+        PlayMove(node, m, child);
+        child.movesLeft = static_cast<int16_t>(halfMoves - 1);
+        if (Node(child, 1) == kMate) return m;
+    }
+    return TMove{};
+}
+
+uint8_t TMateSearch::Node(const TChessboard& node, int ply) {
+    return node.WhiteToMove() ? WhiteNode(node, ply) : BlackNode(node, ply);
+}
+
+bool TMateSearch::RepeatsEarlierPosition(const TChessboard& node) const {
+    if (node.movesAtStart < kRepetitionMinHalfMoves) return false;
+    for (const TChessboard* p = node.previous ? node.previous->previous : nullptr; p;
+         p = p->previous ? p->previous->previous : nullptr) {
+        if (SamePosition(*p, node)) return true;
+    }
+    return false;
+}
+
+void TMateSearch::Settle(const TChessboard& node, int ply, uint8_t result) {
+    if (m_env.log) m_env.log->Result(ply, node.lastMove, result, m_nDoubtReason);
+    if (m_env.store && SquaresTellAll(node)) m_env.store->Store(node.squares, node.movesLeft, result);
+}
+
+// Asks the heuristics about the move that led to `child`, then searches on. A line that a
+// heuristic stops is doubtful unless the move mates at once (White) or allows a mate at once
+// (Black): such lines are always searched.
+uint8_t TMateSearch::AfterMove(const TChessboard& child, int ply) {
+    if (m_env.heuristics) {
+        const uint32_t reason = m_env.heuristics->Check(child);
+        if (reason && !MatesAtOnce(child, ply)) {
+            m_nDoubtReason = reason;
+            return kDoubtful;
+        }
+    }
+    return Node(child, ply);
+}
+
+bool TMateSearch::MatesAtOnce(const TChessboard& child, int ply) {
+    if (!child.WhiteToMove()) return IsMate(child);
+    if (child.movesLeft < 1) return false;
+    TChessboard oneMove = child;
+    oneMove.movesLeft = 1;
+    return WhiteNode(oneMove, ply) == kMate;
+}
+
+uint8_t TMateSearch::MateInOne(const TChessboard& node, const TMoveList& moves) {
+    for (const TMove& m : moves) {
+        if (!GivesCheck(node, m)) continue;
+        TChessboard child;
+        PlayMove(node, m, child);
+        if (!HasLegalMove(child)) return kMate;
+    }
+    return kNoMate;
+}
+
+uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
+    CountNode();
+    const int n = node.movesLeft;
+    if (n < 1) return kNoMate;
+    TMoveList moves;
+    if (n == 1) {  // the most frequent node: only checks can mate, and no register look-up pays off
+        GenerateLegalMoves(node, moves);
+        return MateInOne(node, moves);
+    }
+    const bool stored = m_env.store && SquaresTellAll(node);
+    if (stored) {
+        const uint8_t known = m_env.store->Lookup(node.squares, n);
+        if (known != kUnknownResult) {
+            if (known == kDoubtful) m_nDoubtReason = 0xFFFFFFFFu;
+            return known;
+        }
+    }
+    uint8_t settled;
+    if (m_env.globalRegister && m_env.globalRegister->Settle(node, settled)) return settled;
+    if (RepeatsEarlierPosition(node)) {
+        ++m_nRepetitions;
+        return kRepetition;
+    }
+    GenerateLegalMoves(node, moves);
+    OrderWhiteMoves(node, moves, m_killers[ply], false);
+    const uint64_t repetitionsBefore = m_nRepetitions;
+    bool doubtful = false;
+    for (int k = 1; k <= n; k += 2) {
+        const uint8_t r = WhiteWithin(node, moves, k, ply);
+        if (r == kMate) {
+            if (stored) m_env.store->Store(node.squares, k, kMate);
+            if (m_env.log) m_env.log->Result(ply, node.lastMove, kMate, 0);
+            return kMate;
+        }
+        doubtful = doubtful || r == kDoubtful;
+    }
+    const uint8_t result = doubtful ? kDoubtful : kNoMate;
+    if (result == kDoubtful || m_nRepetitions == repetitionsBefore) Settle(node, ply, result);
+    return result;
+}
+
+uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply) {
+    if (halfMoves == 1) return MateInOne(node, moves);
+    bool doubtful = false;
+    for (int i = 0; i < moves.count; ++i) {
+        const TMove& m = moves.moves[i];
+        TChessboard child;
+        PlayMove(node, m, child);
+        child.movesLeft = static_cast<int16_t>(halfMoves - 1);
+        const uint8_t r = AfterMove(child, ply + 1);
+        if (r == kMate) {
+            m_killers[ply].Remember(m);
+            if (i >= kPoorlySortedIndex && halfMoves >= 5 && !m_env.logFolder.empty())
+                CSearchLog::PoorlySortedMove(m_env.logFolder, node, m, i);
+            return kMate;
+        }
+        doubtful = doubtful || r == kDoubtful;
+    }
+    return doubtful ? kDoubtful : kNoMate;
+}
+
+uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
+    CountNode();
+    const int m = node.movesLeft;
+    if (m <= 0) return IsMate(node) ? kMate : kNoMate;
+    const bool stored = m_env.store && m >= 2 && SquaresTellAll(node);
+    if (stored) {
+        const uint8_t known = m_env.store->Lookup(node.squares, m);
+        if (known != kUnknownResult) {
+            if (known == kDoubtful) m_nDoubtReason = 0xFFFFFFFFu;
+            return known;
+        }
+    }
+    if (RepeatsEarlierPosition(node)) {
+        ++m_nRepetitions;
+        return kRepetition;
+    }
+    TMoveList moves;
+    GenerateLegalMoves(node, moves);
+    if (moves.count == 0) return node.InCheck() ? kMate : kNoMate;  // mate, or stalemate
+    OrderBlackMoves(node, moves, m_killers[ply]);
+    const uint64_t repetitionsBefore = m_nRepetitions;
+    bool doubtful = false;
+    for (const TMove& d : moves) {
+        TChessboard child;
+        PlayMove(node, d, child);
+        const uint8_t r = AfterMove(child, ply + 1);
+        if (r == kNoMate || r == kRepetition) {  // a line that repeats is no way to mate
+            m_killers[ply].Remember(d);
+            if (m_nRepetitions == repetitionsBefore) Settle(node, ply, kNoMate);
+            return kNoMate;
+        }
+        doubtful = doubtful || r == kDoubtful;
+    }
+    const uint8_t result = doubtful ? kDoubtful : kMate;
+    if (stored) Settle(node, ply, result);
+    return result;
+}
+
+}  // namespace moremate

@@ -1,0 +1,72 @@
+// FindForcedMate: does White force mate within the half-moves left at a node?
+// White nodes are OR-nodes (one mating move settles them), Black nodes AND-nodes (every
+// defence must lose). White nodes deepen the mate length from short to long, so the shortest
+// mate is found first and a line that repeats a position can be treated as a failure.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "core/chessboard.h"
+#include "move_ordering.h"
+#include "position_store.h"
+#include "search_hooks.h"
+#include "search_log.h"
+
+namespace moremate {
+
+// Thrown through the search when a stop was requested; the search then has no result.
+struct TSearchStopped {};
+
+struct TSearchEnvironment {
+    CPositionStore* store = nullptr;          // the registers of the pass, or none
+    CHeuristicHook* heuristics = nullptr;     // heuristics in force, or none
+    CGlobalRegisterHook* globalRegister = nullptr;
+    const std::atomic<bool>* stop = nullptr;  // polled at every node
+    CSearchLog* log = nullptr;                // per-thread move log, or none
+    std::string logFolder;                    // where "PoorSWM.log" goes
+    int quickerMateDepth = 7;                 // moves tried first at nodes far from the end; 0 = off
+};
+
+class TMateSearch {
+public:
+    explicit TMateSearch(const TSearchEnvironment& env) : m_env(env) {}
+
+    // The result code for `node` with `node.movesLeft` half-moves left.
+    uint8_t FindForcedMate(const TChessboard& node);
+    // The shortest mate from a White node within its half-moves, as a number of half-moves
+    // (1, 3, 5, ...), or 0 when there is none (or it is doubtful).
+    int ShortestMate(const TChessboard& node);
+    // A mating move of a White node that mates within `halfMoves`, or the null move.
+    TMove MatingMove(const TChessboard& node, int halfMoves);
+
+    uint64_t Nodes() const { return m_nNodes; }
+    uint32_t DoubtReason() const { return m_nDoubtReason; }
+
+private:
+    uint8_t Node(const TChessboard& node, int ply);
+    uint8_t WhiteNode(const TChessboard& node, int ply);
+    uint8_t WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply);
+    uint8_t BlackNode(const TChessboard& node, int ply);
+    uint8_t MateInOne(const TChessboard& node, const TMoveList& checks);
+    uint8_t AfterMove(const TChessboard& child, int ply);
+    bool MatesAtOnce(const TChessboard& child, int ply);
+    bool RepeatsEarlierPosition(const TChessboard& node) const;
+    void Settle(const TChessboard& node, int ply, uint8_t result);
+    void CountNode();
+
+    TSearchEnvironment m_env;
+    uint64_t m_nNodes = 0;
+    uint32_t m_nDoubtReason = 0;
+    // Repetitions met so far: a "no mate" that rests on one depends on the line and is not stored.
+    uint64_t m_nRepetitions = 0;
+    std::vector<TKillerMoves> m_killers = std::vector<TKillerMoves>(1024);
+};
+
+// Whether the register may hold results for this position: its 64 squares must say all, so
+// positions whose castling or en passant chances differ from what the squares suggest are left out.
+bool SquaresTellAll(const TChessboard& node);
+
+}  // namespace moremate

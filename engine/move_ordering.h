@@ -1,0 +1,30 @@
+// Move ordering for mate search. It decides the speed: a White move that mates, or a Black
+// defence that refutes, found first saves the whole search of its siblings.
+#pragma once
+
+#include <cstdint>
+
+#include "core/movegen.h"
+
+namespace moremate {
+
+// Moves that settled sibling nodes at the same depth of the line, tried first next time.
+struct TKillerMoves {
+    TMove moves[2]{};
+    void Remember(const TMove& m) {
+        if (moves[0] == m) return;
+        moves[1] = moves[0];
+        moves[0] = m;
+    }
+    int Rank(const TMove& m) const { return moves[0] == m && !m.IsNull() ? 2 : (moves[1] == m && !m.IsNull() ? 1 : 0); }
+};
+
+// White's moves: killers, then checks, then captures (most valuable victim first), then moves
+// that come near the Black king. With `checksOnly` non-checking moves are dropped (a mate in
+// one is always a check). Returns how many moves of `list` are checks.
+int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly);
+
+// Black's defences: killers (refutations of sibling lines), captures, king moves, the rest.
+void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers);
+
+}  // namespace moremate

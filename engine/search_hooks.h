@@ -1,0 +1,27 @@
+// The search's extension points: the special heuristics in force and the precalculated endgame
+// data. Both are asked at every node, so they must be cheap when they have nothing to say.
+#pragma once
+
+#include <cstdint>
+
+#include "core/chessboard.h"
+
+namespace moremate {
+
+class CHeuristicHook {
+public:
+    virtual ~CHeuristicHook() = default;
+    // Asked after each move: 0 lets the line go on, otherwise the bit of the heuristic that
+    // makes the line "mate doubtful". Never consulted for a move that mates at once.
+    virtual uint32_t Check(const TChessboard& after) = 0;
+};
+
+class CGlobalRegisterHook {
+public:
+    virtual ~CGlobalRegisterHook() = default;
+    // Settles a node from precalculated data: true with `result` set (kMate or kNoMate), or
+    // false when the position is not of a precalculated type.
+    virtual bool Settle(const TChessboard& node, uint8_t& result) = 0;
+};
+
+}  // namespace moremate

@@ -1,0 +1,41 @@
+// Solving a directmate at the root: the keys (every first move that forces mate within the
+// stipulation, in all-solutions mode) and the main line of each.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <vector>
+
+#include "core/chessboard.h"
+#include "mate_search.h"
+
+namespace moremate {
+
+struct TSolveRequest {
+    TChessboard position;  // prepared for solving: movesLeft is the stipulation in half-moves
+    bool allSolutions = false;
+    int timeLimitSeconds = 0;  // 0 = none
+    TSearchEnvironment environment;
+};
+
+struct TKey {
+    TMove move;
+    std::vector<TMove> mainLine;  // starts with the key; Black's longest defence, White's quickest mate
+};
+
+struct TSolveResult {
+    uint8_t result = kNoMate;  // kMate when a key was found, kDoubtful when the search was not conclusive
+    bool stopped = false;      // stop request or time limit: the keys found so far
+    std::vector<TKey> keys;
+    uint64_t nodes = 0;
+    int64_t msec = 0;
+};
+
+// Runs the search; `stop` (may be null) ends it early from another thread.
+TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop);
+
+// The main line after `key`: Black picks the defence that delays mate longest, White the
+// quickest mate. Needs the search's registers to be cheap.
+std::vector<TMove> MainLine(TMateSearch& search, const TChessboard& root, const TMove& key);
+
+}  // namespace moremate
