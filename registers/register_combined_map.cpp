@@ -1,0 +1,262 @@
+#include "register_combined_map.h"
+
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <utility>
+
+namespace moremate {
+
+namespace {
+
+constexpr size_t kMinSortedCapacity = 16;
+
+// Entries are trivially copyable, so buckets live in malloc'ed memory that realloc can resize.
+void* Allocate(size_t nBytes) {
+    void* p = std::malloc(nBytes);
+    if (!p) throw std::bad_alloc();
+    return p;
+}
+
+TChessboardRegisterEntry* AllocateEntries(size_t nEntries) {
+    return static_cast<TChessboardRegisterEntry*>(Allocate(nEntries * sizeof(TChessboardRegisterEntry)));
+}
+
+constexpr size_t kHugePage = size_t{2} << 20;
+
+// Every operation starts with a bucket word at a random place: in huge pages a large bucket
+// array costs no page walks.
+std::atomic<uint64_t>* AllocateBuckets(size_t nBuckets) {
+    const size_t nBytes = nBuckets * sizeof(std::atomic<uint64_t>);
+    const size_t nAlignment = nBytes >= kHugePage ? kHugePage : alignof(std::max_align_t);
+    void* p = std::aligned_alloc(nAlignment, (nBytes + nAlignment - 1) / nAlignment * nAlignment);
+    if (!p) throw std::bad_alloc();
+    if (nAlignment == kHugePage) madvise(p, nBytes, MADV_HUGEPAGE);
+    auto* pBuckets = static_cast<std::atomic<uint64_t>*>(p);
+    std::uninitialized_value_construct_n(pBuckets, nBuckets);
+    return pBuckets;
+}
+
+TChessboardRegisterEntry NewEntry(const TChessboardRegisterItem& item) {
+    TChessboardRegisterEntry entry;
+    entry.key = item;
+    return entry;
+}
+
+TChessboardRegisterEntry* LowerBound(const TSortedBucket& sorted, const TChessboardRegisterItem& item) {
+    return std::lower_bound(
+        sorted.pEntries, sorted.pEntries + sorted.nCount, item,
+        [](const TChessboardRegisterEntry& e, const TChessboardRegisterItem& key) { return e.key < key; });
+}
+
+void FreeSorted(TSortedBucket* sorted) {
+    std::free(sorted->pEntries);
+    std::free(sorted);
+}
+
+void FreeBucket(void* pointer, bool bSorted) {
+    if (bSorted) {
+        FreeSorted(static_cast<TSortedBucket*>(pointer));
+    } else {
+        std::free(pointer);
+    }
+}
+
+TChessboardRegisterEntry& AddToEmpty(CBucketLock& bucket, const TChessboardRegisterItem& item) {
+    auto* node = static_cast<TBucketNode*>(Allocate(sizeof(TBucketNode)));
+    node->entries[0] = NewEntry(item);
+    node->nCount = 1;
+    bucket.Set(node, false);
+    return node->entries[0];
+}
+
+// The ninth entry: the eight of the node move, in key order, into an array of 16.
+TSortedBucket& ConvertToSorted(CBucketLock& bucket, TBucketNode& node) {
+    auto* sorted = static_cast<TSortedBucket*>(Allocate(sizeof(TSortedBucket)));
+    try {
+        sorted->pEntries = AllocateEntries(kMinSortedCapacity);
+    } catch (...) {
+        std::free(sorted);
+        throw;
+    }
+    std::copy(node.entries, node.entries + kBucketNodeEntries, sorted->pEntries);
+    sorted->nCount = kBucketNodeEntries;
+    std::sort(
+        sorted->pEntries, sorted->pEntries + kBucketNodeEntries,
+        [](const TChessboardRegisterEntry& a, const TChessboardRegisterEntry& b) { return a.key < b.key; });
+    std::free(&node);
+    bucket.Set(sorted, true);
+    return *sorted;
+}
+
+TChessboardRegisterEntry& InsertSorted(TSortedBucket& sorted, const TChessboardRegisterItem& item) {
+    size_t index = LowerBound(sorted, item) - sorted.pEntries;
+    if (sorted.nCount == SortedBucketCapacity(sorted.nCount)) {
+        void* grown = std::realloc(sorted.pEntries, 2 * sorted.nCount * sizeof(TChessboardRegisterEntry));
+        if (!grown) throw std::bad_alloc();
+        sorted.pEntries = static_cast<TChessboardRegisterEntry*>(grown);
+    }
+    TChessboardRegisterEntry* place = sorted.pEntries + index;
+    std::copy_backward(place, sorted.pEntries + sorted.nCount, sorted.pEntries + sorted.nCount + 1);
+    *place = NewEntry(item);
+    ++sorted.nCount;
+    return *place;
+}
+
+// A sorted bucket that fell to a node's size goes back to a node; a smaller one keeps its array
+// when memory for the node is short.
+void ShrinkSorted(CBucketLock& bucket, TSortedBucket& sorted, size_t nCount) {
+    const size_t nOldCapacity = SortedBucketCapacity(sorted.nCount);
+    sorted.nCount = nCount;
+    if (nCount <= kBucketNodeEntries) {
+        auto* node = static_cast<TBucketNode*>(std::malloc(sizeof(TBucketNode)));
+        if (!node) return;
+        std::copy(sorted.pEntries, sorted.pEntries + nCount, node->entries);
+        node->nCount = nCount;
+        FreeSorted(&sorted);
+        bucket.Set(node, false);
+        return;
+    }
+    const size_t nCapacity = SortedBucketCapacity(nCount);
+    if (nCapacity == nOldCapacity) return;
+    // Shrinking in place: realloc failing leaves the larger array, which is still valid.
+    if (void* p = std::realloc(sorted.pEntries, nCapacity * sizeof(TChessboardRegisterEntry))) {
+        sorted.pEntries = static_cast<TChessboardRegisterEntry*>(p);
+    }
+}
+
+}  // namespace
+
+size_t SortedBucketCapacity(uint64_t nCount) {
+    return std::max<size_t>(kMinSortedCapacity, std::bit_ceil(nCount));
+}
+
+void TMapCensus::Add(const TChessboardRegisterEntry& entry) {
+    ++nEntries;
+    nFirst += entry.MovesMate != 0;
+    nSecond += entry.MovesNoMate != 0;
+    for (uint16_t level : {entry.MovesMate, entry.MovesNoMate}) {
+        if (level == 0) continue;
+        if (nMinLevel == 0 || level < nMinLevel) nMinLevel = level;
+        nMaxLevel = std::max(nMaxLevel, level);
+    }
+}
+
+void TMapCensus::Add(const TMapCensus& other) {
+    nEntries += other.nEntries;
+    nSlots += other.nSlots;
+    nFirst += other.nFirst;
+    nSecond += other.nSecond;
+    if (other.nMinLevel != 0 && (nMinLevel == 0 || other.nMinLevel < nMinLevel)) nMinLevel = other.nMinLevel;
+    nMaxLevel = std::max(nMaxLevel, other.nMaxLevel);
+}
+
+TRegisterCombinedMap::TRegisterCombinedMap(size_t nBuckets)
+    : m_nMask(std::bit_ceil(std::max<size_t>(nBuckets, 1)) - 1), m_pBuckets(AllocateBuckets(m_nMask + 1)) {}
+
+void TRegisterCombinedMap::TFreeBuckets::operator()(std::atomic<uint64_t>* pBuckets) const {
+    std::free(pBuckets);
+}
+
+TRegisterCombinedMap::~TRegisterCombinedMap() {
+    for (size_t i = 0; i <= m_nMask; ++i) {
+        const uint64_t word = m_pBuckets[i].load(std::memory_order_relaxed);
+        FreeBucket(BucketPointer(word), IsSortedBucket(word));
+    }
+}
+
+void TRegisterCombinedMap::Swap(TRegisterCombinedMap& other) {
+    std::swap(m_nMask, other.m_nMask);
+    std::swap(m_pBuckets, other.m_pBuckets);
+}
+
+std::span<TChessboardRegisterEntry> TRegisterCombinedMap::EntriesOf(const CBucketLock& bucket) {
+    if (!bucket.Pointer()) return {};
+    if (bucket.IsSorted()) {
+        auto* sorted = static_cast<TSortedBucket*>(bucket.Pointer());
+        return {sorted->pEntries, sorted->nCount};
+    }
+    auto* node = static_cast<TBucketNode*>(bucket.Pointer());
+    return {node->entries, node->nCount};
+}
+
+// One bucket word and one block of entries: a node is scanned in place (its entries share a few
+// cache lines), a sorted array is searched by halves; only a new bucket allocates.
+TChessboardRegisterEntry& TRegisterCombinedMap::FindOrAdd(CBucketLock& bucket,
+                                                          const TChessboardRegisterItem& item, bool& bAdded) {
+    if (!bucket.Pointer()) {
+        bAdded = true;
+        return AddToEmpty(bucket, item);
+    }
+    if (bucket.IsSorted()) {
+        auto& sorted = *static_cast<TSortedBucket*>(bucket.Pointer());
+        TChessboardRegisterEntry* found = LowerBound(sorted, item);
+        if (found != sorted.pEntries + sorted.nCount && found->key == item) return *found;
+        bAdded = true;
+        return InsertSorted(sorted, item);
+    }
+    auto& node = *static_cast<TBucketNode*>(bucket.Pointer());
+    for (size_t i = 0; i < node.nCount; ++i) {
+        if (node.entries[i].key == item) return node.entries[i];
+    }
+    bAdded = true;
+    if (node.nCount < kBucketNodeEntries) {
+        node.entries[node.nCount] = NewEntry(item);
+        return node.entries[node.nCount++];
+    }
+    return InsertSorted(ConvertToSorted(bucket, node), item);
+}
+
+void TRegisterCombinedMap::Shrink(CBucketLock& bucket, size_t nCount) {
+    if (nCount == 0) {
+        FreeBucket(bucket.Pointer(), bucket.IsSorted());
+        bucket.Set(nullptr, false);
+    } else if (bucket.IsSorted()) {
+        ShrinkSorted(bucket, *static_cast<TSortedBucket*>(bucket.Pointer()), nCount);
+    } else {
+        static_cast<TBucketNode*>(bucket.Pointer())->nCount = nCount;
+    }
+}
+
+std::optional<TChessboardRegisterEntry> TRegisterCombinedMap::Find(
+    const TChessboardRegisterItem& item) const {
+    CBucketLock bucket(BucketOf(item));
+    if (!bucket.Pointer()) return std::nullopt;
+    if (bucket.IsSorted()) {
+        const auto& sorted = *static_cast<const TSortedBucket*>(bucket.Pointer());
+        const TChessboardRegisterEntry* found = LowerBound(sorted, item);
+        if (found != sorted.pEntries + sorted.nCount && found->key == item) return *found;
+        return std::nullopt;
+    }
+    for (const TChessboardRegisterEntry& entry : EntriesOf(bucket)) {
+        if (entry.key == item) return entry;
+    }
+    return std::nullopt;
+}
+
+uint64_t TRegisterCombinedMap::CountEntries() const {
+    uint64_t nCount = 0;
+    for (size_t i = 0; i <= m_nMask; ++i) {
+        CBucketLock bucket(m_pBuckets[i]);
+        nCount += EntriesOf(bucket).size();
+    }
+    return nCount;
+}
+
+TMapCensus TRegisterCombinedMap::Census() const {
+    TMapCensus census;
+    for (size_t i = 0; i <= m_nMask; ++i) {
+        CBucketLock bucket(m_pBuckets[i]);
+        std::span<TChessboardRegisterEntry> entries = EntriesOf(bucket);
+        if (!bucket.Pointer()) continue;
+        census.nSlots += bucket.IsSorted() ? SortedBucketCapacity(entries.size()) : kBucketNodeEntries;
+        for (const TChessboardRegisterEntry& entry : entries) census.Add(entry);
+    }
+    return census;
+}
+
+}  // namespace moremate

@@ -1,0 +1,133 @@
+// The hash table of a temporary register. A bucket holds either a small node of up to eight
+// entries kept in insertion order (scanned linearly), or, from the ninth entry on, a sorted array
+// searched by lower bound. Entries are stored by value, so a lookup touches the bucket word and
+// one block of entries and allocates nothing. Each bucket is locked on its own, by the spin byte
+// in its word; callers hold the register lock shared around every operation and exclusively
+// around Swap.
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+
+#include "bucket_lock.h"
+#include "register_entry.h"
+
+namespace moremate {
+
+inline constexpr size_t kBucketNodeEntries = 8;
+
+struct TBucketNode {
+    TChessboardRegisterEntry entries[kBucketNodeEntries];
+    uint64_t nCount;
+};
+
+// The sorted form. The array's size follows from the count: the next power of two, at least 16.
+struct TSortedBucket {
+    TChessboardRegisterEntry* pEntries;
+    uint64_t nCount;
+};
+
+size_t SortedBucketCapacity(uint64_t nCount);
+
+// Counts over a set of entries; `nFirst` and `nSecond` count the entries whose first
+// (`MovesMate`) and second (`MovesNoMate`) value is set. Levels are those of set values.
+struct TMapCensus {
+    uint64_t nEntries = 0;
+    uint64_t nSlots = 0;  // entry places allocated
+    uint64_t nFirst = 0;
+    uint64_t nSecond = 0;
+    uint16_t nMinLevel = 0;  // 0 while no level was seen
+    uint16_t nMaxLevel = 0;
+
+    void Add(const TChessboardRegisterEntry& entry);
+    void Add(const TMapCensus& other);
+};
+
+class TRegisterCombinedMap {
+  public:
+    // The bucket count is rounded up to a power of two.
+    explicit TRegisterCombinedMap(size_t nBuckets);
+    ~TRegisterCombinedMap();
+    TRegisterCombinedMap(const TRegisterCombinedMap&) = delete;
+    TRegisterCombinedMap& operator=(const TRegisterCombinedMap&) = delete;
+
+    size_t BucketCount() const { return m_nMask + 1; }
+
+    // Runs `update(entry, bAdded)` under the bucket lock on the entry of `item`, adding an entry
+    // with both values 0 first when there is none. Returns bAdded. On std::bad_alloc nothing
+    // has changed.
+    template <class FUpdate>
+    bool Update(const TChessboardRegisterItem& item, FUpdate&& update) {
+        CBucketLock bucket(BucketOf(item));
+        bool bAdded = false;
+        TChessboardRegisterEntry& entry = FindOrAdd(bucket, item, bAdded);
+        update(entry, bAdded);
+        return bAdded;
+    }
+
+    std::optional<TChessboardRegisterEntry> Find(const TChessboardRegisterItem& item) const;
+
+    // Starts loading the bucket of `item` and the first entries it points to into the cache,
+    // without locking and without waiting. A prefetch never faults, so a pointer that a
+    // concurrent change has just made stale does no harm. Must not run concurrently with Swap.
+    void Prefetch(const TChessboardRegisterItem& item) const {
+        const uint64_t word = BucketOf(item).load(std::memory_order_relaxed);
+        const char* p = static_cast<const char*>(BucketPointer(word));
+        for (int line = 0; line < 4; ++line) __builtin_prefetch(p + 64 * line);
+    }
+
+    // Removes every entry for which `remove(entry)` holds, one bucket at a time; returns how many.
+    template <class FRemove>
+    uint64_t RemoveIf(FRemove&& remove) {
+        uint64_t nRemoved = 0;
+        for (size_t i = 0; i <= m_nMask; ++i) {
+            CBucketLock bucket(m_pBuckets[i]);
+            std::span<TChessboardRegisterEntry> entries = EntriesOf(bucket);
+            size_t nKept = 0;
+            for (const TChessboardRegisterEntry& entry : entries) {
+                if (!remove(entry)) entries[nKept++] = entry;
+            }
+            if (nKept == entries.size()) continue;
+            nRemoved += entries.size() - nKept;
+            Shrink(bucket, nKept);
+        }
+        return nRemoved;
+    }
+
+    // Calls `visit(entry)` for every entry, bucket by bucket in bucket order, each bucket under
+    // its lock: consistent per bucket, not as a whole. `visit` must not use this table.
+    template <class FVisit>
+    void ForEachEntry(FVisit&& visit) const {
+        for (size_t i = 0; i <= m_nMask; ++i) {
+            CBucketLock bucket(m_pBuckets[i]);
+            for (const TChessboardRegisterEntry& entry : EntriesOf(bucket)) visit(entry);
+        }
+    }
+
+    uint64_t CountEntries() const;
+    TMapCensus Census() const;
+    void Swap(TRegisterCombinedMap& other);
+
+  private:
+    std::atomic<uint64_t>& BucketOf(const TChessboardRegisterItem& item) const {
+        return m_pBuckets[RegisterHash(item) & m_nMask];
+    }
+    static std::span<TChessboardRegisterEntry> EntriesOf(const CBucketLock& bucket);
+    static TChessboardRegisterEntry& FindOrAdd(CBucketLock& bucket, const TChessboardRegisterItem& item,
+                                               bool& bAdded);
+    // Stores a count lowered by a removal and releases memory no longer needed.
+    static void Shrink(CBucketLock& bucket, size_t nCount);
+
+    struct TFreeBuckets {
+        void operator()(std::atomic<uint64_t>* pBuckets) const;
+    };
+
+    size_t m_nMask;
+    std::unique_ptr<std::atomic<uint64_t>[], TFreeBuckets> m_pBuckets;
+};
+
+}  // namespace moremate

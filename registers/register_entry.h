@@ -1,0 +1,68 @@
+// The register's record: a position key of 64 piece bytes and the two move counts known for it.
+// Entries are 68 bytes, packed, and stored by value in the buckets of the hash table.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+#include "core/chessboard.h"
+
+namespace moremate {
+
+// The piece byte of every square in board order. Byte-aligned so that it packs into the entry;
+// compared as eight 64-bit words (loads through memcpy, which compile to plain unaligned moves).
+struct TChessboardRegisterItem {
+    uint8_t squares[64] = {};
+
+    uint64_t Word(int i) const {
+        uint64_t word;
+        std::memcpy(&word, squares + 8 * i, sizeof word);
+        return word;
+    }
+    // Branch-free: the differences of all eight words are OR-ed, which the compiler vectorises.
+    friend bool operator==(const TChessboardRegisterItem& a, const TChessboardRegisterItem& b) {
+        uint64_t difference = 0;
+        for (int i = 0; i < 8; ++i) difference |= a.Word(i) ^ b.Word(i);
+        return difference == 0;
+    }
+    // Order of the sorted buckets and of the sub-problem maps: word by word, as unsigned numbers.
+    friend bool operator<(const TChessboardRegisterItem& a, const TChessboardRegisterItem& b) {
+        for (int i = 0; i < 8; ++i) {
+            if (a.Word(i) != b.Word(i)) return a.Word(i) < b.Word(i);
+        }
+        return false;
+    }
+};
+
+#pragma pack(push, 1)
+// In a doubtfulness register `MovesMate` holds the level found "mate doubtful" and `MovesNoMate`
+// the level known "not doubtful". Levels are half-moves remaining: odd means White to move.
+struct TChessboardRegisterEntry {
+    TChessboardRegisterItem key;
+    uint16_t MovesMate = 0;    // smallest n with a mate in n found; 0 = none known
+    uint16_t MovesNoMate = 0;  // largest n proven to hold no mate in n; 0 = nothing known
+};
+#pragma pack(pop)
+static_assert(sizeof(TChessboardRegisterEntry) == 68);
+
+inline TChessboardRegisterItem RegisterItemOf(const TChessboard& board) {
+    TChessboardRegisterItem item;
+    std::memcpy(item.squares, board.squares, sizeof item.squares);
+    return item;
+}
+
+inline constexpr std::array<uint32_t, 64> kRegisterHashWeights = [] {
+    std::array<uint32_t, 64> weights{};
+    for (uint32_t i = 0; i < 64; ++i) weights[i] = (i + 1) * (i + 1);
+    return weights;
+}();
+
+// Sum of byte[i] * (i + 1)^2 modulo 2^32. A fixed-length multiply-add the compiler vectorises.
+inline uint32_t RegisterHash(const TChessboardRegisterItem& item) {
+    uint32_t sum = 0;
+    for (int i = 0; i < 64; ++i) sum += item.squares[i] * kRegisterHashWeights[i];
+    return sum;
+}
+
+}  // namespace moremate

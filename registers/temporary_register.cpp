@@ -1,0 +1,163 @@
+#include "temporary_register.h"
+
+#include <mutex>
+#include <string>
+
+#include "coherence_report.h"
+
+namespace moremate {
+
+namespace {
+
+struct TRemovalBounds {
+    uint16_t nMaxMate;
+    uint16_t nMaxNoMate;
+};
+
+template <int kRemovalBounds>
+constexpr TRemovalBounds RemovalBounds(uint16_t n) {
+    if constexpr (kRemovalBounds == 0) {
+        return {n, static_cast<uint16_t>(n >= 2 ? n - 2 : 0)};
+    } else {
+        return {n, n};
+    }
+}
+
+}  // namespace
+
+template <int kRemovalBounds>
+TTemporaryChessboardRegister<kRemovalBounds>::TTemporaryChessboardRegister(uint32_t nCapacity,
+                                                                           size_t nBuckets,
+                                                                           TChessboardRegister<bool>* pOwner)
+    : TChessboardRegister<bool>(nCapacity, pOwner), m_table(nBuckets) {}
+
+template <int kRemovalBounds>
+bool TTemporaryChessboardRegister<kRemovalBounds>::Insert(uint16_t n, const TChessboardRegisterItem& position,
+                                                          bool bThereIsMate, TSolvingMode mode) {
+    if (!Accepts(n)) return false;
+    MakeRoom();
+    return Guarded([&] { return Store(n, position, bThereIsMate, mode); });
+}
+
+template <int kRemovalBounds>
+TStoreOutcome TTemporaryChessboardRegister<kRemovalBounds>::Store(uint16_t n,
+                                                                  const TChessboardRegisterItem& position,
+                                                                  bool bThereIsMate, TSolvingMode mode) {
+    TStoreOutcome stored;
+    stored.n = n;
+    stored.bThereIsMate = bThereIsMate;
+    const bool bCheck = mode == TSolvingMode::Special && Services().bCheckCoherency;
+    std::shared_lock lock(m_lock);
+    const bool bAdded = m_table.Update(position, [&](TChessboardRegisterEntry& entry, bool bNew) {
+        if (bNew) {
+            SetFirstResult(entry, n, bThereIsMate);
+            return;
+        }
+        stored.bStored = AddResult(entry, n, bThereIsMate, mode);
+        if (bCheck && IsIncoherent(entry)) stored.incoherent = entry;
+    });
+    if (bAdded) {
+        stored.bStored = true;
+        CountAdded();
+    }
+    return stored;
+}
+
+template <int kRemovalBounds>
+bool TTemporaryChessboardRegister<kRemovalBounds>::Merge(const TChessboardRegisterEntry& loaded) {
+    MakeRoom();
+    return Guarded([&] { return StoreLoaded(loaded); });
+}
+
+template <int kRemovalBounds>
+TStoreOutcome TTemporaryChessboardRegister<kRemovalBounds>::StoreLoaded(
+    const TChessboardRegisterEntry& loaded) {
+    TStoreOutcome stored;
+    std::shared_lock lock(m_lock);
+    const bool bAdded = m_table.Update(loaded.key, [&](TChessboardRegisterEntry& entry, bool bNew) {
+        if (bNew) entry = loaded;
+        stored.bStored = bNew || MergeResults(entry, loaded);
+    });
+    if (bAdded) CountAdded();
+    return stored;
+}
+
+template <int kRemovalBounds>
+void TTemporaryChessboardRegister<kRemovalBounds>::ReportIncoherence(const TStoreOutcome& stored) const {
+    const TRegisterServices& services = Services();
+    if (!services.pReporter) return;
+    services.pReporter->Report(ReportTitle(ReportKind::Error, services.languageId),
+                               IncoherenceReport(stored.n, stored.bThereIsMate, *stored.incoherent));
+}
+
+template <int kRemovalBounds>
+void TTemporaryChessboardRegister<kRemovalBounds>::CountAdded() {
+    m_nEntries.fetch_add(1, std::memory_order_relaxed);
+    CountOwnedElements(1);
+}
+
+template <int kRemovalBounds>
+std::optional<TChessboardRegisterEntry> TTemporaryChessboardRegister<kRemovalBounds>::Find(
+    const TChessboardRegisterItem& position) const {
+    std::shared_lock lock(m_lock);
+    return m_table.Find(position);
+}
+
+template <int kRemovalBounds>
+uint32_t TTemporaryChessboardRegister<kRemovalBounds>::RemoveNMovers(uint16_t n) {
+    Services().Log("TTemporaryChessboardRegister::RemoveNMovers start. n=" + std::to_string(n));
+    const TRemovalBounds bounds = RemovalBounds<kRemovalBounds>(n);
+    uint64_t nRemoved = 0;
+    {
+        std::shared_lock lock(m_lock);
+        nRemoved = m_table.RemoveIf([bounds](const TChessboardRegisterEntry& entry) {
+            return entry.MovesMate <= bounds.nMaxMate && entry.MovesNoMate <= bounds.nMaxNoMate;
+        });
+    }
+    SubtractRemoved(nRemoved);
+    Services().Log("TTemporaryChessboardRegister::RemoveNMovers complete.");
+    return static_cast<uint32_t>(nRemoved);
+}
+
+// Removals run one at a time while insertions only add, so a count below the number removed
+// means the count drifted: it is then recounted with every other thread kept out.
+template <int kRemovalBounds>
+void TTemporaryChessboardRegister<kRemovalBounds>::SubtractRemoved(uint64_t nRemoved) {
+    if (nRemoved <= EntryCount()) {
+        m_nEntries.fetch_sub(static_cast<uint32_t>(nRemoved), std::memory_order_relaxed);
+        CountOwnedElements(-static_cast<int64_t>(nRemoved));
+        return;
+    }
+    std::unique_lock lock(m_lock);
+    const auto nExact = static_cast<uint32_t>(m_table.CountEntries());
+    const uint32_t nBefore = m_nEntries.exchange(nExact, std::memory_order_relaxed);
+    CountOwnedElements(static_cast<int64_t>(nExact) - nBefore);
+}
+
+template <int kRemovalBounds>
+size_t TTemporaryChessboardRegister<kRemovalBounds>::BucketCount() const {
+    std::shared_lock lock(m_lock);
+    return m_table.BucketCount();
+}
+
+template <int kRemovalBounds>
+void TTemporaryChessboardRegister<kRemovalBounds>::SetBucketCount(size_t nBuckets) {
+    std::unique_lock lock(m_lock);
+    TRegisterCombinedMap resized(nBuckets);
+    if (resized.BucketCount() == m_table.BucketCount()) return;
+    m_table.ForEachEntry([&resized](const TChessboardRegisterEntry& entry) {
+        resized.Update(entry.key, [&entry](TChessboardRegisterEntry& copy, bool) { copy = entry; });
+    });
+    m_table.Swap(resized);
+}
+
+template <int kRemovalBounds>
+TMapCensus TTemporaryChessboardRegister<kRemovalBounds>::Census() const {
+    std::shared_lock lock(m_lock);
+    return m_table.Census();
+}
+
+template class TTemporaryChessboardRegister<0>;
+template class TTemporaryChessboardRegister<1>;
+
+}  // namespace moremate

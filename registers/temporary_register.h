@@ -1,0 +1,111 @@
+// A temporary register: the hashed store of position entries, with the sub-problem store of its
+// base. Two instantiations exist, differing only in what `RemoveNMovers` (n) removes:
+//   <0> (the mate / no-mate store of a run): entries with MovesMate <= n and MovesNoMate <= n - 2,
+//       so that a no-mate, which costs more to prove again, outlives a mate of the same level;
+//   <1> (the doubtfulness stores): entries with both values <= n.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <shared_mutex>
+#include <utility>
+
+#include "chessboard_register.h"
+#include "entry_rules.h"
+#include "register_combined_map.h"
+
+namespace moremate {
+
+class TAggregatedTemporaryChessboardRegister;
+
+// What storing one result did: whether anything was stored or changed, and, when checking, the
+// entry found incoherent after storing the result at level n.
+struct TStoreOutcome {
+    bool bStored = false;
+    std::optional<TChessboardRegisterEntry> incoherent;
+    uint16_t n = 0;
+    bool bThereIsMate = false;
+};
+
+template <int kRemovalBounds>
+class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
+  public:
+    TTemporaryChessboardRegister(uint32_t nCapacity, size_t nBuckets,
+                                 TChessboardRegister<bool>* pOwner = nullptr);
+
+    using TChessboardRegister<bool>::Insert;
+    // Records that from `position` there is (or is not) a mate in n half-moves. Returns whether
+    // anything was stored or changed. Safe to call from any number of threads.
+    bool Insert(uint16_t n, const TChessboardRegisterItem& position, bool bThereIsMate,
+                TSolvingMode mode = TSolvingMode::Normal);
+    // Stores an entry read from a register file with both its values.
+    bool Merge(const TChessboardRegisterEntry& entry);
+
+    std::optional<TChessboardRegisterEntry> Find(const TChessboardRegisterItem& position) const;
+    TRegisterAnswer Answer(uint16_t n, const TChessboardRegisterItem& position) const {
+        return AnswerFor(Find(position), n);
+    }
+    // A hint given some work ahead of a lookup or insertion of `position` (a search: when it
+    // generates the position), so that the memory accesses of several positions overlap.
+    // Takes no lock; must not run concurrently with SetBucketCount.
+    void Prefetch(const TChessboardRegisterItem& position) const { m_table.Prefetch(position); }
+
+    // Removes the entries whose results are all small (see above); returns how many.
+    virtual uint32_t RemoveNMovers(uint16_t n);
+
+    uint32_t ElementCount() const override { return EntryCount() + SubproblemCount(); }
+    uint32_t EntryCount() const { return m_nEntries.load(std::memory_order_relaxed); }
+    // A register standing alone frees no room by itself: it refuses.
+    bool EmptySomeDataWhenRegisterFull(bool) override { return false; }
+
+    size_t BucketCount() const;
+    // Redistributes the entries over a new number of buckets (rounded up to a power of two).
+    virtual void SetBucketCount(size_t nBuckets);
+
+    // Calls `visit(entry)` for every entry, bucket by bucket, each bucket under its lock.
+    template <class FVisit>
+    void ForEachEntry(FVisit&& visit) const {
+        std::shared_lock lock(m_lock);
+        m_table.ForEachEntry(visit);
+    }
+    TMapCensus Census() const;
+
+  protected:
+    friend class TAggregatedTemporaryChessboardRegister;
+
+    // Runs `store` (returning TStoreOutcome) and reports what it found incoherent, once every lock is
+    // released. A failed allocation loses the result and makes the owner free room.
+    template <class FStore>
+    bool Guarded(FStore&& store) {
+        TStoreOutcome stored;
+        try {
+            stored = store();
+        } catch (const std::exception&) {
+            Services().Log("Exception caught in method TTemporaryChessboardRegister::Insert");
+            Owner().EmptySomeDataWhenRegisterFull(false);
+            return false;
+        }
+        if (stored.incoherent) ReportIncoherence(stored);
+        return stored.bStored;
+    }
+    // Steps that store, under the register lock held shared and the bucket's lock.
+    TStoreOutcome Store(uint16_t n, const TChessboardRegisterItem& position, bool bThereIsMate,
+                        TSolvingMode mode);
+    TStoreOutcome StoreLoaded(const TChessboardRegisterEntry& loaded);
+    void ReportIncoherence(const TStoreOutcome& stored) const;
+    void CountAdded();
+    void SubtractRemoved(uint64_t nRemoved);
+
+    TRegisterCombinedMap m_table;
+
+  private:
+    // Written by every insertion of a new entry: kept off the cache line of the table's fields.
+    alignas(64) std::atomic<uint32_t> m_nEntries{0};
+};
+
+extern template class TTemporaryChessboardRegister<0>;
+extern template class TTemporaryChessboardRegister<1>;
+
+}  // namespace moremate
