@@ -25,5 +25,7 @@ struct TProgramContext {
 
 Runner AddPerftCommand(CLI::App& app);
 Runner AddFenCommand(CLI::App& app);
+Runner AddSolveCommand(CLI::App& app, TProgramContext& context);
+Runner AddBenchCommand(CLI::App& app, TProgramContext& context);
 
 }  // namespace moremate::cli

@@ -21,6 +21,8 @@ int main(int argc, char** argv) {
     std::map<std::string, Runner> runners;
     runners["perft"] = AddPerftCommand(app);
     runners["fen"] = AddFenCommand(app);
+    runners["solve"] = AddSolveCommand(app, context);
+    runners["bench"] = AddBenchCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {

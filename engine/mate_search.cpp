@@ -9,6 +9,10 @@ namespace {
 
 constexpr int kPoorlySortedIndex = 8;  // a mating move sorted this late is worth a log line
 constexpr int kRepetitionMinHalfMoves = 10;
+// Far from the end of a line and near its start, a mate shorter than the moves left is looked
+// for first; the deepening of every White node does that, and says so in the log here.
+constexpr int kQuickerMateMinHalfMoves = 17;
+constexpr int kQuickerMateMaxPlayed = 7;
 
 bool EnPassantPossible(const TChessboard& node) {
     if (node.epSquare == kNoSquare) return false;
@@ -31,7 +35,9 @@ bool SquaresTellAll(const TChessboard& node) {
 }
 
 void TMateSearch::CountNode() {
-    ++m_nNodes;
+    constexpr uint64_t kProgressStep = 4096;
+    if ((++m_nNodes % kProgressStep) == 0 && m_env.progressNodes)
+        m_env.progressNodes->fetch_add(kProgressStep, std::memory_order_relaxed);
     if (m_env.stop && m_env.stop->load(std::memory_order_relaxed)) throw TSearchStopped{};
 }
 
@@ -74,8 +80,16 @@ bool TMateSearch::RepeatsEarlierPosition(const TChessboard& node) const {
     return false;
 }
 
-void TMateSearch::Settle(const TChessboard& node, int ply, uint8_t result) {
+bool TMateSearch::QuickerMateAllowed(int halfMoves, int ply) const {
+    return m_env.quickerMateDepth > 0 && halfMoves >= kQuickerMateMinHalfMoves && ply < kQuickerMateMaxPlayed;
+}
+
+void TMateSearch::Log(int ply, const TChessboard& node, uint8_t result) {
     if (m_env.log) m_env.log->Result(ply, node.lastMove, result, m_nDoubtReason);
+}
+
+void TMateSearch::Settle(const TChessboard& node, int ply, uint8_t result) {
+    Log(ply, node, result);
     if (m_env.store && SquaresTellAll(node)) m_env.store->Store(node.squares, node.movesLeft, result);
 }
 
@@ -142,7 +156,9 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
         const uint8_t r = WhiteWithin(node, moves, k, ply);
         if (r == kMate) {
             if (stored) m_env.store->Store(node.squares, k, kMate);
-            if (m_env.log) m_env.log->Result(ply, node.lastMove, kMate, 0);
+            if (k < n && QuickerMateAllowed(n, ply) && m_env.log)
+                m_env.log->Line("QuickerMate with AdditionalMoves found (with glob.reg./Nalimov lookup)");
+            Log(ply, node, kMate);
             return kMate;
         }
         doubtful = doubtful || r == kDoubtful;
@@ -176,7 +192,7 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
     CountNode();
     const int m = node.movesLeft;
     if (m <= 0) return IsMate(node) ? kMate : kNoMate;
-    const bool stored = m_env.store && m >= 2 && SquaresTellAll(node);
+    const bool stored = m_env.store && SquaresTellAll(node);
     if (stored) {
         const uint8_t known = m_env.store->Lookup(node.squares, m);
         if (known != kUnknownResult) {
@@ -206,7 +222,7 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
         doubtful = doubtful || r == kDoubtful;
     }
     const uint8_t result = doubtful ? kDoubtful : kMate;
-    if (stored) Settle(node, ply, result);
+    Settle(node, ply, result);
     return result;
 }
 

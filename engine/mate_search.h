@@ -25,9 +25,10 @@ struct TSearchEnvironment {
     CHeuristicHook* heuristics = nullptr;     // heuristics in force, or none
     CGlobalRegisterHook* globalRegister = nullptr;
     const std::atomic<bool>* stop = nullptr;  // polled at every node
+    std::atomic<uint64_t>* progressNodes = nullptr;  // nodes searched, updated every few thousand
     CSearchLog* log = nullptr;                // per-thread move log, or none
     std::string logFolder;                    // where "PoorSWM.log" goes
-    int quickerMateDepth = 7;                 // moves tried first at nodes far from the end; 0 = off
+    int quickerMateDepth = 7;                 // "LFQMDepth": 0 switches the quicker-mate log off
 };
 
 class TMateSearch {
@@ -55,6 +56,8 @@ private:
     bool MatesAtOnce(const TChessboard& child, int ply);
     bool RepeatsEarlierPosition(const TChessboard& node) const;
     void Settle(const TChessboard& node, int ply, uint8_t result);
+    void Log(int ply, const TChessboard& node, uint8_t result);
+    bool QuickerMateAllowed(int halfMoves, int ply) const;
     void CountNode();
 
     TSearchEnvironment m_env;

@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <new>
 #include <thread>
 
 #include "move_ordering.h"
@@ -116,6 +117,9 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
             for (TKey& key : out.keys) key.mainLine = MainLine(search, request.position, key.move);
         } catch (const TSearchStopped&) {
             out.stopped = true;
+            out.result = out.keys.empty() ? kDoubtful : kMate;
+        } catch (const std::bad_alloc&) {
+            out.error = "Out of memory.";
             out.result = out.keys.empty() ? kDoubtful : kMate;
         }
     }

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "core/chessboard.h"
@@ -29,6 +30,7 @@ struct TSolveResult {
     std::vector<TKey> keys;
     uint64_t nodes = 0;
     int64_t msec = 0;
+    std::string error;  // "Out of memory." when the search ran out of it
 };
 
 // Runs the search; `stop` (may be null) ends it early from another thread.

@@ -45,13 +45,6 @@ TMove ReadAnswerMove(CProblemLexer& lexer) {
     return move;
 }
 
-std::string AnswerMoveText(const TChessboard& board, const TMove& move) {
-    std::string text =
-        SquareText(move.from) + (board.squares[move.to] != kEmpty ? ':' : '-') + SquareText(move.to);
-    if (move.PromotedType()) text += TypeLetter(move.PromotedType());
-    return text;
-}
-
 // "12." and "1..." number a move; "..." stands for White's move before a line that Black begins.
 std::string WithoutMoveNumber(const std::string& word) {
     const size_t digits = word.find_first_not_of("0123456789");
@@ -81,6 +74,13 @@ std::vector<TMove> ReadAnswerMoves(CProblemLexer& lexer) {
                                  lexeme);
         moves.push_back(ReadAnswerMove(lexer));
     }
+}
+
+std::string AnswerMoveText(const TChessboard& board, const TMove& move) {
+    std::string text =
+        SquareText(move.from) + (board.squares[move.to] != kEmpty ? ':' : '-') + SquareText(move.to);
+    if (move.PromotedType()) text += TypeLetter(move.PromotedType());
+    return text;
 }
 
 std::string AnswerText(const TChessboard& board, const std::vector<TMove>& moves) {

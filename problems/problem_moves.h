@@ -13,6 +13,9 @@ namespace moremate {
 // Reads the answer's moves, separated by ",", up to the record's closing "}" (left unread).
 // Throws ChessException with the message of the first fault.
 std::vector<TMove> ReadAnswerMoves(CProblemLexer& lexer);
+// One move as the answer line writes it: "%c%d%c%c%d" with ":" for a capture in `board`, then
+// the promotion letter.
+std::string AnswerMoveText(const TChessboard& board, const TMove& move);
 // The moves as the answer line writes them: "%c%d%c%c%d" with ":" for a capture in `board`,
 // then the promotion letter; joined by ", ".
 std::string AnswerText(const TChessboard& board, const std::vector<TMove>& moves);

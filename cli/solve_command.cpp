@@ -1,0 +1,67 @@
+#include <fmt/core.h>
+
+#include <algorithm>
+#include <set>
+
+#include "commands.h"
+#include "core/notation.h"
+#include "engine/solver.h"
+#include "problem_solving.h"
+#include "problems/collection_reader.h"
+#include "problems/problem_moves.h"
+#include "solve_report.h"
+
+namespace moremate::cli {
+namespace {
+
+struct SolveArgs {
+    std::string file;
+    std::vector<unsigned> problems;
+    bool allSolutions = false;
+    int timeLimit = 0;
+    bool json = false;
+};
+
+bool Selected(const SolveArgs& args, unsigned number) {
+    return args.problems.empty() ||
+           std::find(args.problems.begin(), args.problems.end(), number) != args.problems.end();
+}
+
+int RunSolve(const SolveArgs& args, TProgramContext& context) {
+    std::vector<ProblemEntry> entries;
+    std::string readError;
+    try {
+        ReadCollectionFile(args.file, entries, false, TCollectionReading{{&context.reporter, 1}, {}});
+    } catch (const ChessException& e) {
+        readError = fmt::format("{}: {}", args.file, e.what());
+        fmt::print(stderr, "{}\n", readError);
+        if (entries.empty()) return kExitBadInput;
+    }
+    bool allMatched = true;
+    std::unique_ptr<CRunRegister> runRegister;
+    for (const ProblemEntry& entry : entries) {
+        if (!Selected(args, entry.m_nNumber)) continue;
+        const TProblemReport report =
+            SolveProblem(entry, {args.allSolutions, args.timeLimit}, context, runRegister);
+        fmt::print("{}", args.json ? ReportJson(report) : ReportText(report));
+        std::fflush(stdout);
+        if (report.match == false) allMatched = false;
+    }
+    if (!readError.empty()) return kExitBadInput;
+    return allMatched ? kExitOk : kExitMismatch;
+}
+
+}  // namespace
+
+Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
+    auto args = std::make_shared<SolveArgs>();
+    CLI::App* cmd = app.add_subcommand("solve", "Solve the directmates of a .cp collection");
+    cmd->add_option("file", args->file, "Problem collection (.cp)")->required()->check(CLI::ExistingFile);
+    cmd->add_option("--problem", args->problems, "Only these problem numbers (repeatable)");
+    cmd->add_flag("--all-solutions", args->allSolutions, "Find every key, cooks included");
+    cmd->add_option("--time-limit", args->timeLimit, "Seconds per problem (0 = none)")->check(CLI::NonNegativeNumber);
+    cmd->add_flag("--json", args->json, "One JSON object per problem per line");
+    return [args, &context] { return RunSolve(*args, context); };
+}
+
+}  // namespace moremate::cli

@@ -1,0 +1,38 @@
+#include "solve_report.h"
+
+#include <fmt/core.h>
+#include <fmt/ranges.h>
+
+#include <nlohmann/json.hpp>
+
+namespace moremate::cli {
+
+std::string ReportText(const TProblemReport& r) {
+    std::string text = fmt::format("Problem {} {}: {}", r.problem, r.stipulation, r.result);
+    if (r.error) text += fmt::format(" ({})", *r.error);
+    text += '\n';
+    if (!r.keysLong.empty()) text += fmt::format("  keys: {}\n", fmt::join(r.keysLong, ", "));
+    if (!r.mainLine.empty()) text += fmt::format("  main line: {}\n", r.mainLine);
+    text += fmt::format("  {} ms, {} nodes\n", r.msec, r.nodes);
+    if (r.match) {
+        text += *r.match ? "  agrees with the answer\n"
+                         : fmt::format("  DIFFERS from the answer: {}\n", fmt::join(*r.expected, ", "));
+    }
+    return text;
+}
+
+std::string ReportJson(const TProblemReport& r) {
+    nlohmann::json j;
+    j["problem"] = r.problem;
+    j["stipulation"] = r.stipulation;
+    j["result"] = r.result;
+    j["keys"] = r.keys;
+    j["expected"] = r.expected ? nlohmann::json(*r.expected) : nlohmann::json(nullptr);
+    j["match"] = r.match ? nlohmann::json(*r.match) : nlohmann::json(nullptr);
+    j["msec"] = r.msec;
+    j["nodes"] = r.nodes;
+    j["error"] = r.error ? nlohmann::json(*r.error) : nlohmann::json(nullptr);
+    return j.dump() + '\n';
+}
+
+}  // namespace moremate::cli

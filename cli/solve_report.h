@@ -1,0 +1,27 @@
+// What `moremate solve` reports for one problem, as text or as one JSON object per line.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace moremate::cli {
+
+struct TProblemReport {
+    unsigned problem = 0;
+    std::string stipulation;  // "#3"
+    std::string result;       // "solved", "no solution", "stopped" or "error"
+    std::vector<std::string> keys;              // answer form: "e2-e4", "h7:g8Q"
+    std::vector<std::string> keysLong;          // long notation: "Qa7-f2"
+    std::optional<std::vector<std::string>> expected;  // the record's answer, when it has one
+    std::optional<bool> match;
+    std::string mainLine;  // of the first key
+    long long msec = 0;
+    unsigned long long nodes = 0;
+    std::optional<std::string> error;
+};
+
+std::string ReportText(const TProblemReport& report);
+std::string ReportJson(const TProblemReport& report);
+
+}  // namespace moremate::cli

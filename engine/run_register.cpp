@@ -1,0 +1,61 @@
+#include "run_register.h"
+
+#include <cstring>
+
+#include "registers/register_size.h"
+
+namespace moremate {
+namespace {
+
+TChessboardRegisterItem Item(const uint8_t* squares) {
+    TChessboardRegisterItem item;
+    std::memcpy(item.squares, squares, sizeof item.squares);
+    return item;
+}
+
+std::unique_ptr<TAggregatedTemporaryChessboardRegister> Make(const TRegisterSize& size) {
+    return std::make_unique<TAggregatedTemporaryChessboardRegister>(size.nCapacity, size.nBuckets);
+}
+
+}  // namespace
+
+CRunRegister::CRunRegister(const TOptions& options) : CRunRegister(RegisterSizeForMemory(options.TempRegQuotaMB()).nCapacity) {}
+
+CRunRegister::CRunRegister(uint32_t capacity)
+    : m_white(Make(RegisterSizeForCapacity(capacity / 2))), m_black(Make(RegisterSizeForCapacity(capacity / 2))) {}
+
+void CRunRegister::SetConfiguration(uint32_t heuristics, uint32_t parameters) {
+    m_nConfiguration = ConfigurationKey(heuristics, parameters);
+}
+
+uint8_t CRunRegister::Lookup(const uint8_t* squares, int halfMoves) {
+    const TChessboardRegisterItem item = Item(squares);
+    const uint16_t n = static_cast<uint16_t>(halfMoves);
+    TAggregatedTemporaryChessboardRegister& reg = For(halfMoves);
+    switch (reg.Answer(n, item)) {
+        case TRegisterAnswer::Mate: return kMate;
+        case TRegisterAnswer::NoMate: return kNoMate;
+        case TRegisterAnswer::Unknown: break;
+    }
+    if (m_nConfiguration != 0 && AnswerFor(reg.FindDoubtful(m_nConfiguration, item), n) == TRegisterAnswer::Mate)
+        return kDoubtful;
+    return kUnknownResult;
+}
+
+void CRunRegister::Store(const uint8_t* squares, int halfMoves, uint8_t result) {
+    const TChessboardRegisterItem item = Item(squares);
+    const uint16_t n = static_cast<uint16_t>(halfMoves);
+    TAggregatedTemporaryChessboardRegister& reg = For(halfMoves);
+    if (result == kDoubtful)
+        reg.InsertDoubtful(m_nConfiguration, n, item, true);
+    else
+        reg.Insert(n, item, result == kMate);
+}
+
+int CRunRegister::FillPercent() const {
+    const uint64_t capacity = uint64_t{m_white->Capacity()} + m_black->Capacity();
+    const uint64_t count = uint64_t{m_white->ElementCount()} + m_black->ElementCount();
+    return capacity ? static_cast<int>(count * 100 / capacity) : 0;
+}
+
+}  // namespace moremate
