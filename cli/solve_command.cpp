@@ -9,6 +9,7 @@
 #include "problem_solving.h"
 #include "problems/collection_reader.h"
 #include "problems/problem_moves.h"
+#include "registers/register_statistics.h"
 #include "solve_report.h"
 
 namespace moremate::cli {
@@ -20,7 +21,13 @@ struct SolveArgs {
     bool allSolutions = false;
     int timeLimit = 0;
     bool json = false;
+    bool registerStats = false;
 };
+
+void PrintRegisterStatistics(CRunRegister& runRegister) {
+    fmt::print(stderr, "Register of positions with White to move:\n{}\n\n", RegisterStatistics(runRegister.WhiteToMove()));
+    fmt::print(stderr, "Register of positions with Black to move:\n{}\n", RegisterStatistics(runRegister.BlackToMove()));
+}
 
 bool Selected(const SolveArgs& args, unsigned number) {
     return args.problems.empty() ||
@@ -47,6 +54,7 @@ int RunSolve(const SolveArgs& args, TProgramContext& context) {
         std::fflush(stdout);
         if (report.match == false) allMatched = false;
     }
+    if (args.registerStats && runRegister) PrintRegisterStatistics(*runRegister);
     if (!readError.empty()) return kExitBadInput;
     return allMatched ? kExitOk : kExitMismatch;
 }
@@ -61,6 +69,7 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_flag("--all-solutions", args->allSolutions, "Find every key, cooks included");
     cmd->add_option("--time-limit", args->timeLimit, "Seconds per problem (0 = none)")->check(CLI::NonNegativeNumber);
     cmd->add_flag("--json", args->json, "One JSON object per problem per line");
+    cmd->add_flag("--register-stats", args->registerStats, "Print the register's statistics on stderr at the end");
     return [args, &context] { return RunSolve(*args, context); };
 }
 

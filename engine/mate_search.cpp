@@ -80,6 +80,22 @@ bool TMateSearch::RepeatsEarlierPosition(const TChessboard& node) const {
     return false;
 }
 
+// Black's defences dropped by a filter are not refuted and White's moves dropped are not
+// searched: either way the node's result can only be mate or doubtful.
+bool TMateSearch::Filtered(const TChessboard& node, TMoveList& moves) {
+    if (!m_env.heuristics) return false;
+    const uint32_t reason = m_env.heuristics->FilterMoves(node, moves);
+    if (reason) m_nDoubtReason = reason;
+    return reason != 0;
+}
+
+uint8_t TMateSearch::Known(const TChessboard& node, int halfMoves) {
+    const uint8_t known = m_env.store->Lookup(node.squares, halfMoves);
+    if (known == kDoubtful) m_nDoubtReason = 0xFFFFFFFFu;
+    if (known == kMate && m_env.log) m_env.log->Line("Mate found (pos.in temp.reg.)");
+    return known;
+}
+
 bool TMateSearch::QuickerMateAllowed(int halfMoves, int ply) const {
     return m_env.quickerMateDepth > 0 && halfMoves >= kQuickerMateMinHalfMoves && ply < kQuickerMateMaxPlayed;
 }
@@ -136,11 +152,8 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     }
     const bool stored = m_env.store && SquaresTellAll(node);
     if (stored) {
-        const uint8_t known = m_env.store->Lookup(node.squares, n);
-        if (known != kUnknownResult) {
-            if (known == kDoubtful) m_nDoubtReason = 0xFFFFFFFFu;
-            return known;
-        }
+        const uint8_t known = Known(node, n);
+        if (known != kUnknownResult) return known;
     }
     uint8_t settled;
     if (m_env.globalRegister && m_env.globalRegister->Settle(node, settled)) return settled;
@@ -149,9 +162,9 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
         return kRepetition;
     }
     GenerateLegalMoves(node, moves);
+    bool doubtful = Filtered(node, moves);
     OrderWhiteMoves(node, moves, m_killers[ply], false);
     const uint64_t repetitionsBefore = m_nRepetitions;
-    bool doubtful = false;
     for (int k = 1; k <= n; k += 2) {
         const uint8_t r = WhiteWithin(node, moves, k, ply);
         if (r == kMate) {
@@ -192,13 +205,9 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
     CountNode();
     const int m = node.movesLeft;
     if (m <= 0) return IsMate(node) ? kMate : kNoMate;
-    const bool stored = m_env.store && SquaresTellAll(node);
-    if (stored) {
-        const uint8_t known = m_env.store->Lookup(node.squares, m);
-        if (known != kUnknownResult) {
-            if (known == kDoubtful) m_nDoubtReason = 0xFFFFFFFFu;
-            return known;
-        }
+    if (m_env.store && SquaresTellAll(node)) {
+        const uint8_t known = Known(node, m);
+        if (known != kUnknownResult) return known;
     }
     if (RepeatsEarlierPosition(node)) {
         ++m_nRepetitions;
@@ -207,9 +216,9 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
     TMoveList moves;
     GenerateLegalMoves(node, moves);
     if (moves.count == 0) return node.InCheck() ? kMate : kNoMate;  // mate, or stalemate
+    bool doubtful = Filtered(node, moves);
     OrderBlackMoves(node, moves, m_killers[ply]);
     const uint64_t repetitionsBefore = m_nRepetitions;
-    bool doubtful = false;
     for (const TMove& d : moves) {
         TChessboard child;
         PlayMove(node, d, child);

@@ -58,6 +58,8 @@ private:
     void Settle(const TChessboard& node, int ply, uint8_t result);
     void Log(int ply, const TChessboard& node, uint8_t result);
     bool QuickerMateAllowed(int halfMoves, int ply) const;
+    uint8_t Known(const TChessboard& node, int halfMoves);
+    bool Filtered(const TChessboard& node, TMoveList& moves);
     void CountNode();
 
     TSearchEnvironment m_env;

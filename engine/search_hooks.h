@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "core/chessboard.h"
+#include "core/movegen.h"
 
 namespace moremate {
 
@@ -14,6 +15,14 @@ public:
     // Asked after each move: 0 lets the line go on, otherwise the bit of the heuristic that
     // makes the line "mate doubtful". Never consulted for a move that mates at once.
     virtual uint32_t Check(const TChessboard& after) = 0;
+    // Move filters of the set (only checks and threats, skipped passive moves, ...): may drop
+    // moves from the legal moves of `node` before they are sorted. Returns the bit of the
+    // heuristic that dropped any, else 0; a node that lost moves can no longer be proven "no mate".
+    virtual uint32_t FilterMoves(const TChessboard& node, TMoveList& moves) {
+        (void)node;
+        (void)moves;
+        return 0;
+    }
 };
 
 class CGlobalRegisterHook {

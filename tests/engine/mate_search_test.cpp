@@ -147,6 +147,30 @@ TEST(FindForcedMate, DoubtfulResultsAreStoredApartFromProofs) {
     EXPECT_EQ(plain.FindForcedMate(board), kMate);
 }
 
+// Precalculated data stand-in: settles every position where White has only the king left.
+class CBareKingHasNoMate : public CGlobalRegisterHook {
+public:
+    bool Settle(const TChessboard& node, uint8_t& result) override {
+        ++m_nAsked;
+        if (node.whiteQueens + node.whiteRooks + node.whiteBishops + node.whiteKnights + node.whitePawns) return false;
+        result = kNoMate;
+        return true;
+    }
+    int m_nAsked = 0;
+};
+
+TEST(FindForcedMate, GlobalRegisterSettlesNodesWithoutSearch) {
+    CBareKingHasNoMate hook;
+    TSearchEnvironment env;
+    env.globalRegister = &hook;
+    TMateSearch withHook(env), plain(TSearchEnvironment{});
+    // Black can take the rook at once: those lines end in the hook instead of being searched.
+    const TChessboard board = Problem("8/8/8/8/1k6/8/2R5/K7 w - -", 7);
+    EXPECT_EQ(withHook.FindForcedMate(board), plain.FindForcedMate(board));
+    EXPECT_GT(hook.m_nAsked, 0);
+    EXPECT_LT(withHook.Nodes(), plain.Nodes());
+}
+
 TEST(FindForcedMate, StopRequestUnwindsTheSearch) {
     std::atomic<bool> stop{true};
     TSearchEnvironment env;
