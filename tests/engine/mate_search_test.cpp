@@ -2,20 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "core/fen.h"
-#include "core/notation.h"
-#include "core/validation.h"
 #include "map_store.h"
+#include "tests/core/test_line.h"
 
 namespace moremate {
 namespace {
 
-TChessboard Problem(const char* fen, int halfMoves) {
-    TChessboard board;
-    EXPECT_TRUE(ReadFen(fen, board)) << fen;
-    PrepareForSolving(board, halfMoves, true);
-    return board;
-}
+using test::Problem;
+using test::TestLine;
 
 struct ResultCase {
     const char* why;
@@ -67,42 +61,33 @@ TEST(FindForcedMate, RegisterResultsAgreeWithPlainSearch) {
     }
 }
 
-// Plays long-notation moves from `start`, keeping every position of the line alive.
-struct TLine {
-    std::vector<TChessboard> nodes;
-    TLine(const TChessboard& start, std::initializer_list<const char*> moves) {
-        nodes.reserve(moves.size() + 1);
-        nodes.push_back(start);
-        for (const char* text : moves) {
-            TChessboard next;
-            MakeMove(nodes.back(), text, next);
-            nodes.push_back(next);
-        }
-    }
-    const TChessboard& Last() const { return nodes.back(); }
-};
+TestLine Played(const TChessboard& start, std::initializer_list<const char*> moves) {
+    TestLine line(start);
+    for (const char* text : moves) line.Play(text);
+    return line;
+}
 
 TEST(FindForcedMate, RepetitionEndsTheLineWithoutSearch) {
     const TChessboard start = Problem("4k3/8/8/8/8/8/8/RN2K3 w Q -", 11);
-    const TLine back(start, {"Nb1-c3", "Ke8-d8", "Nc3-b1", "Kd8-e8"});
+    const TestLine back = Played(start, {"Nb1-c3", "Ke8-d8", "Nc3-b1", "Kd8-e8"});
     TMateSearch search(TSearchEnvironment{});
-    EXPECT_EQ(search.FindForcedMate(back.Last()), kRepetition);
+    EXPECT_EQ(search.FindForcedMate(back.Now()), kRepetition);
     EXPECT_EQ(search.Nodes(), 1u);
 }
 
 TEST(FindForcedMate, RookThatCameBackMakesANewPosition) {
     const TChessboard start = Problem("4k3/8/8/8/8/8/8/R3K3 w Q -", 11);
-    const TLine back(start, {"Ra1-a2", "Ke8-d8", "Ra2-a1", "Kd8-e8"});
+    const TestLine back = Played(start, {"Ra1-a2", "Ke8-d8", "Ra2-a1", "Kd8-e8"});
     TMateSearch search(TSearchEnvironment{});
-    EXPECT_NE(search.FindForcedMate(back.Last()), kRepetition);
+    EXPECT_NE(search.FindForcedMate(back.Now()), kRepetition);
     EXPECT_GT(search.Nodes(), 1u);
 }
 
 TEST(FindForcedMate, RepetitionIsOnlyLookedForInLongProblems) {
     const TChessboard start = Problem("4k3/8/8/8/8/8/8/RN2K3 w Q -", 9);
-    const TLine back(start, {"Nb1-c3", "Ke8-d8", "Nc3-b1", "Kd8-e8"});
+    const TestLine back = Played(start, {"Nb1-c3", "Ke8-d8", "Nc3-b1", "Kd8-e8"});
     TMateSearch search(TSearchEnvironment{});
-    EXPECT_EQ(search.FindForcedMate(back.Last()), kNoMate);
+    EXPECT_EQ(search.FindForcedMate(back.Now()), kNoMate);
 }
 
 // A trivial rule: every move of the king of one colour makes the line doubtful.

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "temp_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace moremate {
 namespace {

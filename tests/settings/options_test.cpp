@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "settings/program_folder.h"
-#include "temp_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace moremate {
 namespace {

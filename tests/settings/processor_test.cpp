@@ -2,7 +2,7 @@
 
 #include "settings/machine.h"
 #include "settings/processor_affinity.h"
-#include "temp_folder.h"
+#include "tests/support/temp_folder.h"
 
 namespace moremate {
 namespace {

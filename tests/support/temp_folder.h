@@ -16,7 +16,7 @@ class CTempFolder {
     CTempFolder() {
         static std::atomic<int> s_nCount{0};
         m_path = std::filesystem::temp_directory_path() /
-                 ("moremate-settings-" + std::to_string(getpid()) + "-" + std::to_string(s_nCount++));
+                 ("moremate-test-" + std::to_string(getpid()) + "-" + std::to_string(s_nCount++));
         std::filesystem::create_directories(m_path);
     }
     ~CTempFolder() {
@@ -26,6 +26,7 @@ class CTempFolder {
     CTempFolder(const CTempFolder&) = delete;
     CTempFolder& operator=(const CTempFolder&) = delete;
 
+    const std::filesystem::path& Path() const { return m_path; }
     std::filesystem::path File(const std::string& name) const { return m_path / name; }
 
     std::filesystem::path Write(const std::string& name, const std::string& content) const {
