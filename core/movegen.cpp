@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "attacks.h"
+#include "gives_check.h"
 #include "tables.h"
 
 namespace moremate {
@@ -116,13 +117,14 @@ bool PawnMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sink
     return true;
 }
 
+// With `steps` false only castling is generated (the steps cannot matter to the caller).
 template <typename Sink>
-bool KingMoves(const TChessboard& b, const CNodeInfo& info, Sink& sink) {
+bool KingMoves(const TChessboard& b, const CNodeInfo& info, Sink& sink, bool steps) {
     uint8_t lifted[64];
     std::memcpy(lifted, b.squares, 64);
     lifted[info.king] = kEmpty;
     const CJumps& around = g_geometry.king[info.king];
-    for (int i = 0; i < around.count; ++i) {
+    for (int i = 0; steps && i < around.count; ++i) {
         const int to = around.squares[i];
         if (ColourOf(b.squares[to]) != info.us && !IsAttacked(b, lifted, to, info.them) && !sink(info.king, to, 0))
             return false;
@@ -180,10 +182,10 @@ bool PieceMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sin
 
 // Returns false when the sink stopped the generation.
 template <typename Sink>
-bool Generate(const TChessboard& b, Sink& sink) {
+bool Generate(const TChessboard& b, Sink& sink, bool kingSteps = true) {
     CNodeInfo info;
     Analyse(b, info);
-    if (!KingMoves(b, info, sink)) return false;
+    if (!KingMoves(b, info, sink, kingSteps)) return false;
     if (info.doubleCheck) return true;
     for (int from = 0; from < 64; ++from)
         if (ColourOf(b.squares[from]) == info.us && !PieceMoves(b, info, from, sink)) return false;
@@ -227,6 +229,18 @@ int CountLegalMoves(const TChessboard& board) {
     };
     Generate(board, sink);
     return n;
+}
+
+void GenerateCheckingMoves(const TChessboard& board, TMoveList& list) {
+    list.count = 0;
+    auto sink = [&](int from, int to, uint8_t promotion) {
+        const TMove m{static_cast<Square>(from), static_cast<Square>(to), promotion};
+        if (GivesCheck(board, m)) list.moves[list.count++] = m;
+        return true;
+    };
+    // A king step can only check by uncovering a line to the other king, so it needs that line.
+    const int ours = board.KingSquare(board.ToMove()), theirs = board.KingSquare(Opponent(board.ToMove()));
+    Generate(board, sink, g_geometry.direction[theirs][ours] >= 0);
 }
 
 bool HasLegalMove(const TChessboard& board) {

@@ -24,6 +24,8 @@ struct TMoveList {
 void GenerateLegalMoves(const TChessboard& board, TMoveList& list);
 // The number of legal moves, without storing them.
 int CountLegalMoves(const TChessboard& board);
+// The legal moves that give check: the only candidates for a mate in one.
+void GenerateCheckingMoves(const TChessboard& board, TMoveList& list);
 // Whether the side to move has any legal move; stops at the first one found.
 bool HasLegalMove(const TChessboard& board);
 

@@ -147,7 +147,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     if (n < 1) return kNoMate;
     TMoveList moves;
     if (n == 1) {  // the most frequent node: only checks can mate, and no register look-up pays off
-        GenerateLegalMoves(node, moves);
+        GenerateCheckingMoves(node, moves);
         return MateInOne(node, moves);
     }
     const bool stored = m_env.store && SquaresTellAll(node);
