@@ -27,5 +27,6 @@ Runner AddPerftCommand(CLI::App& app);
 Runner AddFenCommand(CLI::App& app);
 Runner AddSolveCommand(CLI::App& app, TProgramContext& context);
 Runner AddBenchCommand(CLI::App& app, TProgramContext& context);
+Runner AddHeuristicsCommand(CLI::App& app);
 
 }  // namespace moremate::cli

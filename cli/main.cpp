@@ -23,6 +23,7 @@ int main(int argc, char** argv) {
     runners["fen"] = AddFenCommand(app);
     runners["solve"] = AddSolveCommand(app, context);
     runners["bench"] = AddBenchCommand(app, context);
+    runners["heuristics"] = AddHeuristicsCommand(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {

@@ -6,11 +6,17 @@
 
 #include "core/chess_exception.h"
 #include "core/notation.h"
-#include "engine/run_register.h"
-#include "engine/solver.h"
+#include "engine/heuristic_text.h"
+#include "engine/heuristics/special_heuristics.h"
+#include "engine/passes.h"
+#include "engine/position_type.h"
+#include "engine/predefined_heuristics.h"
+#include "problems/problem_heuristics.h"
+#include "problems/preferred_first_moves.h"
 #include "problems/problem_moves.h"
 #include "problems/solving_task.h"
 #include "progress_line.h"
+#include "solution_details.h"
 
 namespace moremate::cli {
 namespace {
@@ -21,10 +27,10 @@ bool MoveLess(const TMove& a, const TMove& b) {
 
 // Full answers must agree with every key found; in single-solution mode the key found must be
 // one of them. Expected move orders are not compared here.
-std::optional<bool> Matches(const ProblemEntry& entry, const TSolveResult& result, bool allSolutions) {
+std::optional<bool> Matches(const ProblemEntry& entry, const TPassRunResult& result, bool allSolutions) {
     if (entry.m_answerKind != AnswerKind::Full || result.stopped) return std::nullopt;
     std::vector<TMove> expected = entry.m_vAnswer, found;
-    for (const TKey& k : result.keys) found.push_back(k.move);
+    for (const TPassKey& k : result.keys) found.push_back(k.key.move);
     std::sort(expected.begin(), expected.end(), MoveLess);
     std::sort(found.begin(), found.end(), MoveLess);
     if (allSolutions) return found == expected;
@@ -32,21 +38,93 @@ std::optional<bool> Matches(const ProblemEntry& entry, const TSolveResult& resul
     return std::find(expected.begin(), expected.end(), found.front()) != expected.end();
 }
 
-std::string ResultWord(const TSolveResult& r) {
+std::string ResultWord(const TPassRunResult& r) {
     if (!r.keys.empty()) return "solved";
     if (r.stopped || r.result == kDoubtful) return "stopped";
     return "no solution";
 }
 
-void Describe(const TChessboard& root, const TSolveResult& result, TProblemReport& report) {
+void Describe(const TChessboard& root, const TPassRunResult& result, TProblemReport& report) {
     report.result = ResultWord(result);
-    for (const TKey& k : result.keys) {
-        report.keys.push_back(AnswerMoveText(root, k.move));
-        report.keysLong.push_back(MoveToText(root, k.move));
+    for (const TPassKey& k : result.keys) {
+        report.keys.push_back(AnswerMoveText(root, k.key.move));
+        report.keysLong.push_back(MoveToText(root, k.key.move));
+        report.found.push_back({report.keys.back(), k.pass, k.setText});
     }
-    if (!result.keys.empty()) report.mainLine = SolutionLine(root, result.keys.front().mainLine);
-    report.msec = result.msec;
-    report.nodes = result.nodes;
+    if (!result.keys.empty()) report.mainLine = SolutionLine(root, result.keys.front().key.mainLine);
+    for (const TPassSummary& p : result.passes) {
+        report.msec += p.msec;
+        report.nodes += p.nodes;
+    }
+}
+
+TSolutionCount SolutionCount(const ProblemEntry& entry, const TSolveSettings& settings) {
+    if (settings.allSolutions || entry.Has(kOptAllSolutions)) return TSolutionCount::All;
+    const int stopOn = settings.stopOn ? settings.stopOn
+                       : entry.Has(kOptStopOn4Sol) ? 4
+                       : entry.Has(kOptStopOn3Sol) ? 3
+                       : entry.Has(kOptStopOnDual) ? 2
+                                                   : 1;
+    return static_cast<TSolutionCount>(stopOn);
+}
+
+// Pass 1's set: the user's, or the engine's own choice from the position, then the record's
+// per-problem switches and parameters.
+THeuristicSet PassOneSet(const ProblemEntry& entry, const TChessboard& root, const TSolveSettings& settings) {
+    if (settings.noHeuristics) return {};
+    THeuristicSet set = settings.heuristics ? ReadHeuristicSetText(*settings.heuristics).m_set
+                                            : PositionTypeHeuristics(root);
+    return ApplyProblemHeuristics(entry, set);
+}
+
+TPassState PassState(const ProblemEntry& entry, const TChessboard& root, const TSolveSettings& settings,
+                     const TOptions& options) {
+    TPassState state;
+    state.set = PassOneSet(entry, root, settings);
+    state.relaxationAllowed = !entry.Has(kOptDontRelaxHeuristics);
+    state.pass2Allowed = !settings.noPassTwo && !entry.Has(kOptDontRunPassTwo);
+    state.stopRelaxOnFirstSolution = entry.m_bStopRelaxOnFirstSolution;
+    state.quickMode = options.m_bQuickMode;
+    state.safeMode = !options.m_bQuickMode || entry.Has(kOptSafeMode) || settings.bruteForce;
+    return state;
+}
+
+TBruteForce BruteForce(const ProblemEntry& entry, const TSolveSettings& settings) {
+    if (settings.bruteForce || entry.Has(kOptBruteForce)) return TBruteForce::Full;
+    if (settings.hybrid || entry.Has(kOptHybridBruteForce)) return TBruteForce::Hybrid;
+    return TBruteForce::Off;
+}
+
+TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, const TSolveSettings& settings,
+                          TProgramContext& context, CRunRegister& runRegister, std::atomic<uint64_t>& progress) {
+    TPassRunRequest request;
+    request.position = task.position;
+    request.state = PassState(entry, task.position, settings, context.options);
+    request.solutions = SolutionCount(entry, settings);
+    request.bruteForce = BruteForce(entry, settings);
+    request.timeLimitSeconds = settings.timeLimitSeconds;
+    request.environment.store = &runRegister;
+    request.environment.progressNodes = &progress;
+    request.runRegister = &runRegister;
+    request.preferredFirstMoves = PreferredFirstMoves(entry, context.options.m_nLanguageId);
+    const TChessboard root = task.position;
+    request.hooks = [root](const THeuristicSet& set) -> std::unique_ptr<CHeuristicHook> {
+        if (set.mask == 0) return nullptr;
+        return std::make_unique<CSpecialHeuristics>(set, root);
+    };
+    request.relaxation.log = context.options.m_bTryRelaxSpecialHeuristicsLog;
+    request.relaxation.engineLogPath = "engine.log";
+    if (settings.passStatus) request.output = [](const std::string& line) { fmt::print(stderr, "{}\n", line); };
+    std::optional<CSearchLog> moveLog;
+    if (context.options.m_bLogMoves) {
+        moveLog.emplace(".", entry.m_nNumber, 0);
+        request.environment.log = &*moveLog;
+        request.environment.logFolder = ".";
+    }
+    const TPassState firstState = request.state;
+    TPassRunResult result = RunPasses(std::move(request), nullptr);
+    if (settings.solutionDetails) WriteSolutionDetails(entry, task.position, firstState, SolutionCount(entry, settings), result);
+    return result;
 }
 
 }  // namespace
@@ -69,23 +147,11 @@ TProblemReport SolveProblem(const ProblemEntry& entry, const TSolveSettings& set
         if (!runRegister || context.options.m_bClearRegisterOnStartSolving)
             runRegister = std::make_unique<CRunRegister>(context.options);
         std::atomic<uint64_t> progress{0};
-        TSolveRequest request;
-        request.position = task.position;
-        request.allSolutions = settings.allSolutions || entry.Has(kOptAllSolutions);
-        request.timeLimitSeconds = settings.timeLimitSeconds;
-        request.environment.store = runRegister.get();
-        request.environment.progressNodes = &progress;
         const CProgressLine progressLine(progress, [&runRegister] { return runRegister->FillPercent(); });
-        std::optional<CSearchLog> moveLog;
-        if (context.options.m_bLogMoves) {
-            moveLog.emplace(".", entry.m_nNumber, 0);
-            request.environment.log = &*moveLog;
-            request.environment.logFolder = ".";
-        }
-        const TSolveResult result = Solve(request, nullptr);
+        const TPassRunResult result = RunProblem(entry, task, settings, context, *runRegister, progress);
         if (!result.error.empty()) throw ChessException(result.error);
         Describe(task.position, result, report);
-        report.match = Matches(entry, result, request.allSolutions);
+        report.match = Matches(entry, result, SolutionCount(entry, settings) == TSolutionCount::All);
     } catch (const ChessException& e) {
         report.result = "error";
         report.error = e.what();

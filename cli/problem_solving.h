@@ -1,5 +1,10 @@
-// Solving one record of a collection and comparing the keys with the record's answer.
+// Solving one record of a collection through the passes and comparing the keys with the
+// record's answer.
 #pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
 
 #include "commands.h"
 #include "engine/run_register.h"
@@ -10,7 +15,15 @@ namespace moremate::cli {
 
 struct TSolveSettings {
     bool allSolutions = false;
+    int stopOn = 0;  // 2, 3 or 4 solutions; 0: single, or every one with `allSolutions`
+    bool bruteForce = false;
+    bool hybrid = false;
+    std::optional<std::string> heuristics;  // the text of pass 1's set instead of the engine's choice
+    bool noHeuristics = false;
+    bool noPassTwo = false;
     int timeLimitSeconds = 0;
+    bool solutionDetails = false;
+    bool passStatus = false;  // pass status lines on stderr
 };
 
 // The register is kept from one problem to the next (its results hold for any problem) unless the

@@ -1,10 +1,12 @@
 #include <fmt/core.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <set>
 
 #include "commands.h"
 #include "core/notation.h"
+#include "engine/heuristic_text.h"
 #include "engine/solver.h"
 #include "problem_solving.h"
 #include "problems/collection_reader.h"
@@ -18,8 +20,8 @@ namespace {
 struct SolveArgs {
     std::string file;
     std::vector<unsigned> problems;
-    bool allSolutions = false;
-    int timeLimit = 0;
+    TSolveSettings settings;
+    std::string heuristics;
     bool json = false;
     bool registerStats = false;
 };
@@ -34,7 +36,16 @@ bool Selected(const SolveArgs& args, unsigned number) {
            std::find(args.problems.begin(), args.problems.end(), number) != args.problems.end();
 }
 
-int RunSolve(const SolveArgs& args, TProgramContext& context) {
+int RunSolve(SolveArgs& args, TProgramContext& context) {
+    if (!args.heuristics.empty()) {
+        try {
+            ReadHeuristicSetText(args.heuristics);
+            args.settings.heuristics = args.heuristics;
+        } catch (const ChessException& e) {
+            fmt::print(stderr, "{}\n", e.what());
+            return kExitBadInput;
+        }
+    }
     std::vector<ProblemEntry> entries;
     std::string readError;
     try {
@@ -49,7 +60,7 @@ int RunSolve(const SolveArgs& args, TProgramContext& context) {
     for (const ProblemEntry& entry : entries) {
         if (!Selected(args, entry.m_nNumber)) continue;
         const TProblemReport report =
-            SolveProblem(entry, {args.allSolutions, args.timeLimit}, context, runRegister);
+            SolveProblem(entry, args.settings, context, runRegister);
         fmt::print("{}", args.json ? ReportJson(report) : ReportText(report));
         std::fflush(stdout);
         if (report.match == false) allMatched = false;
@@ -66,10 +77,20 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     CLI::App* cmd = app.add_subcommand("solve", "Solve the directmates of a .cp collection");
     cmd->add_option("file", args->file, "Problem collection (.cp)")->required()->check(CLI::ExistingFile);
     cmd->add_option("--problem", args->problems, "Only these problem numbers (repeatable)");
-    cmd->add_flag("--all-solutions", args->allSolutions, "Find every key, cooks included");
-    cmd->add_option("--time-limit", args->timeLimit, "Seconds per problem (0 = none)")->check(CLI::NonNegativeNumber);
+    TSolveSettings& s = args->settings;
+    cmd->add_flag("--all-solutions", s.allSolutions, "Find every key, cooks included");
+    cmd->add_option("--stop-on", s.stopOn, "Stop after 2, 3 or 4 solutions")->check(CLI::Range(2, 4));
+    cmd->add_flag("--brute-force", s.bruteForce, "One pass without any heuristics, every solution");
+    cmd->add_flag("--hybrid", s.hybrid, "Heuristic passes for one solution, then brute force for the others");
+    cmd->add_option("--heuristics", args->heuristics, "Pass 1's heuristics as a set text, e.g. \"SH_KEEPKINGONTHEEDGE\"");
+    cmd->add_flag("--no-heuristics", s.noHeuristics, "No heuristic passes: pass 2 only");
+    cmd->add_flag("--no-pass2", s.noPassTwo, "No pass without heuristics after the heuristic passes");
+    cmd->add_option("--time-limit", s.timeLimitSeconds, "Seconds per problem (0 = none)")->check(CLI::NonNegativeNumber);
+    cmd->add_flag("--solution-details", s.solutionDetails, "Write SolutionDetails.log in the program folder");
     cmd->add_flag("--json", args->json, "One JSON object per problem per line");
     cmd->add_flag("--register-stats", args->registerStats, "Print the register's statistics on stderr at the end");
+    s.passStatus = isatty(STDERR_FILENO);
+    cmd->get_option("--heuristics")->excludes("--no-heuristics");
     return [args, &context] { return RunSolve(*args, context); };
 }
 

@@ -12,6 +12,11 @@ std::string ReportText(const TProblemReport& r) {
     if (r.error) text += fmt::format(" ({})", *r.error);
     text += '\n';
     if (!r.keysLong.empty()) text += fmt::format("  keys: {}\n", fmt::join(r.keysLong, ", "));
+    for (size_t i = 0; i < r.found.size(); ++i) {
+        const TFoundKey& f = r.found[i];
+        text += fmt::format("  {} found in pass {}{}\n", r.keysLong[i], f.pass,
+                            f.heuristics.empty() ? "" : " with " + f.heuristics);
+    }
     if (!r.mainLine.empty()) text += fmt::format("  main line: {}\n", r.mainLine);
     text += fmt::format("  {} ms, {} nodes\n", r.msec, r.nodes);
     if (r.match) {
@@ -27,6 +32,8 @@ std::string ReportJson(const TProblemReport& r) {
     j["stipulation"] = r.stipulation;
     j["result"] = r.result;
     j["keys"] = r.keys;
+    j["found"] = nlohmann::json::array();
+    for (const TFoundKey& f : r.found) j["found"].push_back({{"key", f.key}, {"pass", f.pass}, {"heuristics", f.heuristics}});
     j["expected"] = r.expected ? nlohmann::json(*r.expected) : nlohmann::json(nullptr);
     j["match"] = r.match ? nlohmann::json(*r.match) : nlohmann::json(nullptr);
     j["msec"] = r.msec;

@@ -7,12 +7,20 @@
 
 namespace moremate::cli {
 
+// A key with the pass that found it and that pass's heuristics.
+struct TFoundKey {
+    std::string key;
+    std::string pass;
+    std::string heuristics;
+};
+
 struct TProblemReport {
     unsigned problem = 0;
     std::string stipulation;  // "#3"
     std::string result;       // "solved", "no solution", "stopped" or "error"
     std::vector<std::string> keys;              // answer form: "e2-e4", "h7:g8Q"
     std::vector<std::string> keysLong;          // long notation: "Qa7-f2"
+    std::vector<TFoundKey> found;
     std::optional<std::vector<std::string>> expected;  // the record's answer, when it has one
     std::optional<bool> match;
     std::string mainLine;  // of the first key

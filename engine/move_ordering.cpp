@@ -67,4 +67,15 @@ void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMov
     SortByScore(list, score);
 }
 
+void PreferMoves(TMoveList& list, const std::vector<TMove>& preferred) {
+    int front = 0;
+    for (const TMove& wanted : preferred) {
+        TMove* const end = list.moves + list.count;
+        TMove* const found = std::find(list.moves + front, end, wanted);
+        if (found == end) continue;
+        std::rotate(list.moves + front, found, found + 1);
+        ++front;
+    }
+}
+
 }  // namespace moremate

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "core/movegen.h"
 
@@ -26,5 +27,9 @@ int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMove
 
 // Black's defences: killers (refutations of sibling lines), captures, king moves, the rest.
 void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers);
+
+// Moves `preferred` of the list to its front, in the order given; the other moves keep their
+// order behind them. Preferred moves that the list lacks are passed over.
+void PreferMoves(TMoveList& list, const std::vector<TMove>& preferred);
 
 }  // namespace moremate

@@ -1,7 +1,9 @@
 #include "solver.h"
 
+#include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <mutex>
 #include <new>
@@ -61,21 +63,39 @@ bool LongestDefence(TMateSearch& search, const TChessboard& node, TMove& defence
     return mateIn > 0;
 }
 
-void FindKeys(TMateSearch& search, const TChessboard& root, bool allSolutions, TSolveResult& out) {
+size_t KeyLimit(const TSolveRequest& request) {
+    if (request.maxKeys > 0) return static_cast<size_t>(request.maxKeys);
+    return request.allSolutions ? SIZE_MAX : 1;
+}
+
+bool Contains(const std::vector<TMove>& moves, const TMove& m) {
+    return std::find(moves.begin(), moves.end(), m) != moves.end();
+}
+
+bool Contains(const std::vector<TKey>& keys, const TMove& m) {
+    return std::any_of(keys.begin(), keys.end(), [&m](const TKey& key) { return key.move == m; });
+}
+
+void FindKeys(TMateSearch& search, const TSolveRequest& request, TSolveResult& out) {
+    const TChessboard& root = request.position;
+    const size_t limit = KeyLimit(request);
     TMoveList moves;
     GenerateLegalMoves(root, moves);
     OrderWhiteMoves(root, moves, TKillerMoves{}, false);
+    PreferMoves(moves, request.preferredFirstMoves);
     bool doubtful = false;
-    // Shortest mates first, so that a single solution is found as fast as possible.
-    for (int k = allSolutions ? root.movesLeft : 1; k <= root.movesLeft; k += 2) {
+    // With a limit, shortest mates first, so that the first keys are found as fast as possible.
+    for (int k = limit == SIZE_MAX ? root.movesLeft : 1; k <= root.movesLeft; k += 2) {
         for (const TMove& m : moves) {
+            if (Contains(request.knownKeys, m) || Contains(out.keys, m)) continue;
             const uint8_t r = search.FindForcedMate(After(root, m, k - 1));
             if (r == kMate) {
                 out.keys.push_back({m, {}});
-                if (!allSolutions) return;
+                if (out.keys.size() >= limit) break;
             }
             doubtful = doubtful || r == kDoubtful;
         }
+        if (out.keys.size() >= limit) break;
     }
     out.result = !out.keys.empty() ? kMate : (doubtful ? kDoubtful : kNoMate);
 }
@@ -113,7 +133,7 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
     {
         CDeadline deadline(request.timeLimitSeconds, flag);
         try {
-            FindKeys(search, request.position, request.allSolutions, out);
+            FindKeys(search, request, out);
             for (TKey& key : out.keys) key.mainLine = MainLine(search, request.position, key.move);
         } catch (const TSearchStopped&) {
             out.stopped = true;
@@ -124,7 +144,8 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
         }
     }
     out.nodes = search.Nodes();
-    out.msec = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
+    out.msec = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
+                   .count();
     return out;
 }
 

@@ -15,7 +15,10 @@ namespace moremate {
 struct TSolveRequest {
     TChessboard position;  // prepared for solving: movesLeft is the stipulation in half-moves
     bool allSolutions = false;
-    int timeLimitSeconds = 0;  // 0 = none
+    int maxKeys = 0;               // stop after this many keys; 0: one key, or every key with `allSolutions`
+    std::vector<TMove> knownKeys;  // keys found by earlier passes: not searched again
+    std::vector<TMove> preferredFirstMoves;  // tried first, in this order (the problem's sort indications)
+    int timeLimitSeconds = 0;      // 0 = none
     TSearchEnvironment environment;
 };
 
@@ -33,7 +36,8 @@ struct TSolveResult {
     std::string error;  // "Out of memory." when the search ran out of it
 };
 
-// Runs the search; `stop` (may be null) ends it early from another thread.
+// Runs the search (one pass: the heuristics in force are the environment's hook); `stop` (may be
+// null) ends it early from another thread.
 TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop);
 
 // The main line after `key`: Black picks the defence that delays mate longest, White the

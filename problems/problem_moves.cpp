@@ -89,7 +89,8 @@ std::string AnswerText(const TChessboard& board, const std::vector<TMove>& moves
     return text;
 }
 
-std::vector<TMove> ReadMoveSequence(const std::string& text, const TChessboard& start) {
+std::vector<TMove> ReadMoveSequence(const std::string& text, const TChessboard& start,
+                                    std::string_view invalidPrefix, std::string_view invalidSuffix) {
     std::vector<TChessboard> line;
     line.reserve(text.size() / 2 + 1);  // no more moves than half the characters: pointers stay valid
     line.push_back(start);
@@ -102,7 +103,7 @@ std::vector<TMove> ReadMoveSequence(const std::string& text, const TChessboard& 
         try {
             moves.push_back(MakeMove(line.back(), move, child));
         } catch (const ChessException&) {
-            throw ChessException("Invalid move in MakeMove() : " + move);
+            throw ChessException(std::string(invalidPrefix) + move + std::string(invalidSuffix));
         }
         line.push_back(child);
     }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/chessboard.h"
@@ -21,8 +22,10 @@ std::string AnswerMoveText(const TChessboard& board, const TMove& move);
 std::string AnswerText(const TChessboard& board, const std::vector<TMove>& moves);
 
 // Plays a sequence in long notation from `start`; move numbers and check marks are skipped.
-// Throws ChessException "Invalid move in MakeMove() : " with the move that fails.
-std::vector<TMove> ReadMoveSequence(const std::string& text, const TChessboard& start);
+// Throws ChessException `invalidPrefix`, the move that fails and `invalidSuffix`.
+std::vector<TMove> ReadMoveSequence(const std::string& text, const TChessboard& start,
+                                    std::string_view invalidPrefix = "Invalid move in MakeMove() : ",
+                                    std::string_view invalidSuffix = "");
 // The sequence as a numbered line of play from `start`.
 std::string MoveSequenceText(const TChessboard& start, const std::vector<TMove>& moves);
 

@@ -40,12 +40,19 @@ data=$(cd "$(dirname "$0")/../data" && pwd)
 check "solve prints keys and main line" 0 'main line: 1\. Qa7-f2 ' -- solve "$data/small.cp" --problem 1
 check "all solutions" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6|keys: .*Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions
 check "json fields" 0 '"keys":\["a7-f2"\],"match":true' -- solve "$data/small.cp" --problem 1 --json
-check "json without answer" 0 '"expected":null,"keys":\[\],"match":null.*"result":"no solution"' -- solve "$data/small.cp" --problem 3 --json
+check "json without answer" 0 '"expected":null,"found":\[\],"keys":\[\],"match":null.*"result":"no solution"' -- solve "$data/small.cp" --problem 3 --json
 check "selfmates are refused" 0 'Only mate problems \(type=1\) supported currently\.' -- solve "$data/small.cp" --problem 4
 check "a wrong answer gives status 1" 1 'DIFFERS from the answer: a7-a1' -- solve "$data/wrong_answer.cp"
 check "a broken collection names the fault" 2 'Opening bracket expected \{ or unrecognized option encountered: NOSUCHOPTION' -- solve "$data/broken.cp"
 check "records before the fault are solved" 2 'Problem 1 #2: solved' -- solve "$data/broken.cp"
 check "missing collection" 2 '' -- solve "$data/no_such_file.cp"
+check "json names the pass of each key" 0 '"found":\[\{"heuristics":"","key":"a7-f2","pass":"2"\}\]' -- solve "$data/small.cp" --problem 1 --json
+check "heuristics given for pass 1" 0 'Qa7-f2 found in pass 1 with SH_DONTLOSEANYFIGURES' -- solve "$data/small.cp" --problem 1 --heuristics "SH_DONTLOSEANYFIGURES"
+check "bad heuristics text" 2 'SH_NOSUCHTHING' -- solve "$data/small.cp" --heuristics "SH_NOSUCHTHING"
+check "brute force" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6|found in pass 2' -- solve "$data/small.cp" --problem 2 --brute-force
+check "stop on two solutions" 0 'keys: [^,]+, [^,]+$' -- solve "$data/small.cp" --problem 2 --stop-on 2
+check "relaxation path" 0 '^Pass 1b: ' -- heuristics --path "SH_AREKINGSNEAR, SH_DONTLOSEANYFIGURES"
+check "empty relaxation path" 0 'No heuristics selected.' -- heuristics --path ""
 check "bench prints its signature" 0 '^Nodes searched  : [0-9]+$' -- bench
 
 rm -f /tmp/moremate_cli_err.$$
