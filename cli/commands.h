@@ -28,5 +28,6 @@ Runner AddFenCommand(CLI::App& app);
 Runner AddSolveCommand(CLI::App& app, TProgramContext& context);
 Runner AddBenchCommand(CLI::App& app, TProgramContext& context);
 Runner AddHeuristicsCommand(CLI::App& app);
+Runner AddDefenceCommand(CLI::App& app, TProgramContext& context);
 
 }  // namespace moremate::cli

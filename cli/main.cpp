@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
     runners["solve"] = AddSolveCommand(app, context);
     runners["bench"] = AddBenchCommand(app, context);
     runners["heuristics"] = AddHeuristicsCommand(app);
+    runners["defence"] = AddDefenceCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {

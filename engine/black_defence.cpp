@@ -1,0 +1,54 @@
+#include "black_defence.h"
+
+#include "core/notation.h"
+
+namespace moremate {
+namespace {
+
+std::string MovesText(const TChessboard& node, const std::vector<TMove>& moves, size_t from) {
+    std::string text;
+    for (size_t i = from; i < moves.size(); ++i) text += (text.empty() ? "" : ", ") + MoveToText(node, moves[i]);
+    return text;
+}
+
+// The first move, then the others of equal value after "Equivalent moves: ".
+std::string WithEquivalents(const TChessboard& node, const std::vector<TMove>& moves) {
+    std::string text = MoveToText(node, moves.front());
+    if (moves.size() > 1) text += "\nEquivalent moves: " + MovesText(node, moves, 1);
+    return text;
+}
+
+}  // namespace
+
+TDefence FindBlackDefence(TMateSearch& search, const TChessboard& node) {
+    TDefence defence;
+    TMoveList moves;
+    GenerateLegalMoves(node, moves);
+    defence.replies = moves.count;
+    for (const TMove& m : moves) {
+        TChessboard child;
+        PlayMove(node, m, child);
+        const int mateIn = search.ShortestMate(child);
+        if (mateIn == 0) {
+            defence.refutations.push_back(m);
+        } else if (mateIn > defence.mateIn) {
+            defence.mateIn = mateIn;
+            defence.best = {m};
+        } else if (mateIn == defence.mateIn) {
+            defence.best.push_back(m);
+        }
+    }
+    return defence;
+}
+
+std::string DefenceText(const TChessboard& node, const TDefence& defence) {
+    if (defence.replies == 0) return "No valid move found";
+    if (!defence.refutations.empty()) {
+        if (defence.replies == 1) return "The only reply: " + MoveToText(node, defence.refutations.front());
+        return "Mate in the requested stipulation was refuted with: " + WithEquivalents(node, defence.refutations);
+    }
+    if (defence.replies == 1) return "The only reply (not a defence against mate) : " + MoveToText(node, defence.best.front());
+    return "Not found any defence against mate. The best looks: " + WithEquivalents(node, defence.best);
+}
+
+}  // namespace moremate

@@ -1,0 +1,27 @@
+// Black's defence: in a position with Black to move, the replies that refute the mate within the
+// half-moves left, or else those that put it off the longest, and the report text of the run.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "core/chessboard.h"
+#include "mate_search.h"
+
+namespace moremate {
+
+struct TDefence {
+    int replies = 0;                 // Black's legal moves
+    std::vector<TMove> refutations;  // replies after which White has no mate in the moves left
+    std::vector<TMove> best;         // without a refutation: the replies that put mate off longest
+    int mateIn = 0;                  // White's mate after the best replies, in half-moves
+};
+
+// `node` has Black to move and `node.movesLeft` half-moves to the end of the stipulation.
+TDefence FindBlackDefence(TMateSearch& search, const TChessboard& node);
+
+// "Mate in the requested stipulation was refuted with: ...", "Not found any defence against mate.
+// The best looks: ...", "The only reply: ...", "No valid move found", with equivalent moves.
+std::string DefenceText(const TChessboard& node, const TDefence& defence);
+
+}  // namespace moremate
