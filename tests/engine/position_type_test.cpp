@@ -4,16 +4,13 @@
 
 #include "core/fen.h"
 #include "core/validation.h"
+#include "tests/core/test_line.h"
 
 namespace moremate {
 namespace {
 
-TChessboard Root(const char* fen, int moves) {
-    TChessboard board;
-    EXPECT_TRUE(ReadFen(fen, board));
-    PrepareForSolving(board, 2 * moves - 1, true);
-    return board;
-}
+// The start of a "#moves" problem.
+TChessboard Root(const char* fen, int moves) { return test::Problem(fen, 2 * moves - 1); }
 
 TEST(PositionType, FactsOfMaterialAndBlackKing) {
     // Black: Kh8, Rg8, Bf8, pawns g7 (pinned by the queen) and h7; White: Ke1, Qa1, Bh1.
