@@ -103,6 +103,7 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
     request.solutions = SolutionCount(entry, settings);
     request.bruteForce = BruteForce(entry, settings);
     request.timeLimitSeconds = settings.timeLimitSeconds;
+    request.threads = entry.m_nThreads != kThreadsNotGiven ? entry.m_nThreads : settings.threads;
     request.environment.store = &runRegister;
     request.environment.progressNodes = &progress;
     request.runRegister = &runRegister;

@@ -22,6 +22,7 @@ struct TSolveSettings {
     bool noHeuristics = false;
     bool noPassTwo = false;
     int timeLimitSeconds = 0;
+    int threads = 1;
     bool solutionDetails = false;
     bool passStatus = false;  // pass status lines on stderr
 };

@@ -8,6 +8,7 @@
 #include "core/notation.h"
 #include "engine/heuristic_text.h"
 #include "engine/solver.h"
+#include "settings/machine.h"
 #include "problem_solving.h"
 #include "problems/collection_reader.h"
 #include "problems/problem_moves.h"
@@ -87,6 +88,9 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_flag("--no-pass2", s.noPassTwo, "No pass without heuristics after the heuristic passes");
     cmd->add_option("--time-limit", s.timeLimitSeconds, "Seconds per problem (0 = none)")->check(CLI::NonNegativeNumber);
     cmd->add_flag("--solution-details", s.solutionDetails, "Write SolutionDetails.log in the program folder");
+    s.threads = static_cast<int>(LogicalProcessorCount());
+    cmd->add_option("--threads", s.threads, "Threads on the first moves (default: the processors)")
+        ->check(CLI::Range(1, 64));
     cmd->add_flag("--json", args->json, "One JSON object per problem per line");
     cmd->add_flag("--register-stats", args->registerStats, "Print the register's statistics on stderr at the end");
     s.passStatus = isatty(STDERR_FILENO);

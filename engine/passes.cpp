@@ -77,6 +77,7 @@ class CPassSeries {
         pass.maxKeys = limit == SIZE_MAX ? 0 : static_cast<int>(limit - m_result.keys.size());
         pass.preferredFirstMoves = m_request.preferredFirstMoves;
         pass.timeLimitSeconds = RemainingSeconds();
+        pass.threads = m_request.threads;
         pass.environment = m_request.environment;
         pass.environment.heuristics = hook.get();
         for (const TPassKey& key : m_result.keys) pass.knownKeys.push_back(key.key.move);

@@ -33,6 +33,7 @@ struct TPassRunRequest {
     TBruteForce bruteForce = TBruteForce::Off;
     std::vector<TMove> preferredFirstMoves;  // tried first in every pass
     int timeLimitSeconds = 0;                // for the whole series; 0 = none
+    int threads = 1;                         // threads on the first moves of every pass
     TSearchEnvironment environment;          // shared by the passes; `heuristics` is set per pass
     CRunRegister* runRegister = nullptr;     // when set: configured per pass, relaxed sets' lines removed
     FHookFactory hooks;

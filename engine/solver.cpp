@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <exception>
 #include <mutex>
 #include <new>
 #include <thread>
@@ -76,26 +77,87 @@ bool Contains(const std::vector<TKey>& keys, const TMove& m) {
     return std::any_of(keys.begin(), keys.end(), [&m](const TKey& key) { return key.move == m; });
 }
 
-void FindKeys(TMateSearch& search, const TSolveRequest& request, TSolveResult& out) {
+// The first moves at one mate length, spread over the threads' searches (which share the
+// register). A thread takes the next move in order; with a key limit, moves after the last one
+// that can still count are skipped. Results are per move, so they do not depend on the threads.
+class CFirstMoves {
+  public:
+    CFirstMoves(std::vector<TMateSearch>& searches, const TChessboard& root, std::vector<TMove> moves)
+        : m_searches(searches), m_root(root), m_moves(std::move(moves)) {}
+
+    std::vector<uint8_t> Search(int halfMoves, size_t limit) {
+        m_results.assign(m_moves.size(), kNoMate);
+        m_next = 0;
+        m_nLastNeeded = m_moves.size();
+        m_limit = limit;
+        std::vector<std::exception_ptr> failures(m_searches.size());
+        std::vector<std::thread> threads;
+        for (size_t t = 1; t < m_searches.size(); ++t)
+            threads.emplace_back([&, t] { Work(m_searches[t], halfMoves, failures[t]); });
+        Work(m_searches[0], halfMoves, failures[0]);
+        for (std::thread& th : threads) th.join();
+        for (const std::exception_ptr& failure : failures)
+            if (failure) std::rethrow_exception(failure);
+        return m_results;
+    }
+    const std::vector<TMove>& Moves() const { return m_moves; }
+
+  private:
+    void Work(TMateSearch& search, int halfMoves, std::exception_ptr& failure) {
+        try {
+            for (size_t i = m_next++; i < m_moves.size() && i < m_nLastNeeded.load(); i = m_next++) {
+                m_results[i] = search.FindForcedMate(After(m_root, m_moves[i], halfMoves - 1));
+                if (m_results[i] == kMate) NoteMate(i);
+            }
+        } catch (...) {
+            failure = std::current_exception();
+        }
+    }
+    // Once `limit` mates stand among the first moves, no later move can be among the keys.
+    void NoteMate(size_t index) {
+        std::lock_guard lock(m_mutex);
+        m_mateIndices.push_back(index);
+        if (m_mateIndices.size() < m_limit) return;
+        std::nth_element(m_mateIndices.begin(), m_mateIndices.begin() + static_cast<long>(m_limit - 1),
+                         m_mateIndices.end());
+        m_nLastNeeded = std::min(m_nLastNeeded.load(), m_mateIndices[m_limit - 1] + 1);
+    }
+
+    std::vector<TMateSearch>& m_searches;
+    const TChessboard& m_root;
+    std::vector<TMove> m_moves;
+    std::vector<uint8_t> m_results;
+    std::atomic<size_t> m_next{0};
+    std::atomic<size_t> m_nLastNeeded{0};
+    size_t m_limit = 0;
+    std::mutex m_mutex;
+    std::vector<size_t> m_mateIndices;
+};
+
+std::vector<TMove> OrderedFirstMoves(const TSolveRequest& request) {
+    TMoveList list;
+    GenerateLegalMoves(request.position, list);
+    OrderWhiteMoves(request.position, list, TKillerMoves{}, false);
+    PreferMoves(list, request.preferredFirstMoves);
+    std::vector<TMove> moves;
+    for (const TMove& m : list)
+        if (!Contains(request.knownKeys, m)) moves.push_back(m);
+    return moves;
+}
+
+void FindKeys(std::vector<TMateSearch>& searches, const TSolveRequest& request, TSolveResult& out) {
     const TChessboard& root = request.position;
     const size_t limit = KeyLimit(request);
-    TMoveList moves;
-    GenerateLegalMoves(root, moves);
-    OrderWhiteMoves(root, moves, TKillerMoves{}, false);
-    PreferMoves(moves, request.preferredFirstMoves);
+    CFirstMoves firstMoves(searches, root, OrderedFirstMoves(request));
     bool doubtful = false;
     // With a limit, shortest mates first, so that the first keys are found as fast as possible.
-    for (int k = limit == SIZE_MAX ? root.movesLeft : 1; k <= root.movesLeft; k += 2) {
-        for (const TMove& m : moves) {
-            if (Contains(request.knownKeys, m) || Contains(out.keys, m)) continue;
-            const uint8_t r = search.FindForcedMate(After(root, m, k - 1));
-            if (r == kMate) {
-                out.keys.push_back({m, {}});
-                if (out.keys.size() >= limit) break;
-            }
-            doubtful = doubtful || r == kDoubtful;
+    for (int k = limit == SIZE_MAX ? root.movesLeft : 1; k <= root.movesLeft && out.keys.size() < limit; k += 2) {
+        const std::vector<uint8_t> results = firstMoves.Search(k, limit - out.keys.size());
+        for (size_t i = 0; i < results.size() && out.keys.size() < limit; ++i) {
+            const TMove& m = firstMoves.Moves()[i];
+            if (results[i] == kMate && !Contains(out.keys, m)) out.keys.push_back({m, {}});
+            doubtful = doubtful || results[i] == kDoubtful;
         }
-        if (out.keys.size() >= limit) break;
     }
     out.result = !out.keys.empty() ? kMate : (doubtful ? kDoubtful : kNoMate);
 }
@@ -129,12 +191,12 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
     TSolveResult out;
     TSearchEnvironment env = request.environment;
     env.stop = &flag;
-    TMateSearch search(env);
+    std::vector<TMateSearch> searches(static_cast<size_t>(std::max(request.threads, 1)), TMateSearch(env));
     {
         CDeadline deadline(request.timeLimitSeconds, flag);
         try {
-            FindKeys(search, request, out);
-            for (TKey& key : out.keys) key.mainLine = MainLine(search, request.position, key.move);
+            FindKeys(searches, request, out);
+            for (TKey& key : out.keys) key.mainLine = MainLine(searches[0], request.position, key.move);
         } catch (const TSearchStopped&) {
             out.stopped = true;
             out.result = out.keys.empty() ? kDoubtful : kMate;
@@ -143,7 +205,7 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
             out.result = out.keys.empty() ? kDoubtful : kMate;
         }
     }
-    out.nodes = search.Nodes();
+    for (const TMateSearch& search : searches) out.nodes += search.Nodes();
     out.msec = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
                    .count();
     return out;

@@ -56,6 +56,8 @@ check "empty relaxation path" 0 'No heuristics selected.' -- heuristics --path "
 check "defence after the key" 0 'Not found any defence against mate. The best looks: Kc2-d3' -- defence "$data/../../samples/sample_problems.cp" --problem 3
 check "refutations with equivalents" 0 'Equivalent moves: Kc2-d3, a6:b5' -- defence "$data/../../samples/sample_problems.cp" --problem 3 --after Qb6-b5
 check "defence of a missing problem" 2 'Problem 99 not found' -- defence "$data/small.cp" --problem 99
+check "two threads" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions --threads 2
+check "bad thread count" 2 '' -- solve "$data/small.cp" --threads 0
 check "bench prints its signature" 0 '^Nodes searched  : [0-9]+$' -- bench
 
 rm -f /tmp/moremate_cli_err.$$

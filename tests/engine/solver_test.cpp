@@ -63,6 +63,22 @@ TEST(Solve, AllSolutionsFindsEveryKeyWithAMainLineEndingInMate) {
     }
 }
 
+TEST(Solve, ThreadsOnTheFirstMovesChangeNoResult) {
+    for (const SolveCase& c : kCases) {
+        for (const bool all : {true, false}) {
+            std::vector<std::string> keys[2];
+            for (int threads = 1; threads <= 2; ++threads) {
+                test::CMapStore store;
+                TSolveRequest request = Request(c.fen, c.moves, &store);
+                request.allSolutions = all;
+                request.threads = threads;
+                keys[threads - 1] = KeyTexts(request.position, Solve(request, nullptr));
+            }
+            EXPECT_EQ(keys[0], keys[1]) << c.fen;
+        }
+    }
+}
+
 TEST(Solve, TimeLimitAndStopEndTheRun) {
     std::atomic<bool> stop{true};
     const TSolveResult r = Solve(Request(kCases[2].fen, 3, nullptr), &stop);
