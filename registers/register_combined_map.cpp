@@ -9,17 +9,20 @@
 #include <new>
 #include <utility>
 
+#include "chunk_allocator.h"
+
 namespace moremate {
 
 namespace {
 
 constexpr size_t kMinSortedCapacity = 16;
 
-// Entries are trivially copyable, so buckets live in malloc'ed memory that realloc can resize.
+// Entries are trivially copyable: the chunk allocator may move them when an array is resized.
 void* Allocate(size_t nBytes) {
-    void* p = std::malloc(nBytes);
-    if (!p) throw std::bad_alloc();
-    return p;
+    return RegisterChunkAllocator().Allocate(nBytes);
+}
+void Free(void* p) {
+    RegisterChunkAllocator().Free(p);
 }
 
 TChessboardRegisterEntry* AllocateEntries(size_t nEntries) {
@@ -54,15 +57,15 @@ TChessboardRegisterEntry* LowerBound(const TSortedBucket& sorted, const TChessbo
 }
 
 void FreeSorted(TSortedBucket* sorted) {
-    std::free(sorted->pEntries);
-    std::free(sorted);
+    Free(sorted->pEntries);
+    Free(sorted);
 }
 
 void FreeBucket(void* pointer, bool bSorted) {
     if (bSorted) {
         FreeSorted(static_cast<TSortedBucket*>(pointer));
     } else {
-        std::free(pointer);
+        Free(pointer);
     }
 }
 
@@ -80,7 +83,7 @@ TSortedBucket& ConvertToSorted(CBucketLock& bucket, TBucketNode& node) {
     try {
         sorted->pEntries = AllocateEntries(kMinSortedCapacity);
     } catch (...) {
-        std::free(sorted);
+        Free(sorted);
         throw;
     }
     std::copy(node.entries, node.entries + kBucketNodeEntries, sorted->pEntries);
@@ -88,7 +91,7 @@ TSortedBucket& ConvertToSorted(CBucketLock& bucket, TBucketNode& node) {
     std::sort(
         sorted->pEntries, sorted->pEntries + kBucketNodeEntries,
         [](const TChessboardRegisterEntry& a, const TChessboardRegisterEntry& b) { return a.key < b.key; });
-    std::free(&node);
+    Free(&node);
     bucket.Set(sorted, true);
     return *sorted;
 }
@@ -96,9 +99,8 @@ TSortedBucket& ConvertToSorted(CBucketLock& bucket, TBucketNode& node) {
 TChessboardRegisterEntry& InsertSorted(TSortedBucket& sorted, const TChessboardRegisterItem& item) {
     size_t index = LowerBound(sorted, item) - sorted.pEntries;
     if (sorted.nCount == SortedBucketCapacity(sorted.nCount)) {
-        void* grown = std::realloc(sorted.pEntries, 2 * sorted.nCount * sizeof(TChessboardRegisterEntry));
-        if (!grown) throw std::bad_alloc();
-        sorted.pEntries = static_cast<TChessboardRegisterEntry*>(grown);
+        sorted.pEntries = static_cast<TChessboardRegisterEntry*>(RegisterChunkAllocator().Reallocate(
+            sorted.pEntries, 2 * sorted.nCount * sizeof(TChessboardRegisterEntry)));
     }
     TChessboardRegisterEntry* place = sorted.pEntries + index;
     std::copy_backward(place, sorted.pEntries + sorted.nCount, sorted.pEntries + sorted.nCount + 1);
@@ -113,8 +115,12 @@ void ShrinkSorted(CBucketLock& bucket, TSortedBucket& sorted, size_t nCount) {
     const size_t nOldCapacity = SortedBucketCapacity(sorted.nCount);
     sorted.nCount = nCount;
     if (nCount <= kBucketNodeEntries) {
-        auto* node = static_cast<TBucketNode*>(std::malloc(sizeof(TBucketNode)));
-        if (!node) return;
+        TBucketNode* node;
+        try {
+            node = static_cast<TBucketNode*>(Allocate(sizeof(TBucketNode)));
+        } catch (const std::bad_alloc&) {
+            return;
+        }
         std::copy(sorted.pEntries, sorted.pEntries + nCount, node->entries);
         node->nCount = nCount;
         FreeSorted(&sorted);
@@ -123,9 +129,11 @@ void ShrinkSorted(CBucketLock& bucket, TSortedBucket& sorted, size_t nCount) {
     }
     const size_t nCapacity = SortedBucketCapacity(nCount);
     if (nCapacity == nOldCapacity) return;
-    // Shrinking in place: realloc failing leaves the larger array, which is still valid.
-    if (void* p = std::realloc(sorted.pEntries, nCapacity * sizeof(TChessboardRegisterEntry))) {
-        sorted.pEntries = static_cast<TChessboardRegisterEntry*>(p);
+    // Failing, the larger array stays, which is still valid.
+    try {
+        sorted.pEntries = static_cast<TChessboardRegisterEntry*>(RegisterChunkAllocator().Reallocate(
+            sorted.pEntries, nCapacity * sizeof(TChessboardRegisterEntry)));
+    } catch (const std::bad_alloc&) {
     }
 }
 

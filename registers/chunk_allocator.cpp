@@ -1,0 +1,227 @@
+#include "chunk_allocator.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <new>
+#include <vector>
+
+#include "register_combined_map.h"
+
+namespace moremate {
+namespace {
+
+// A chunk of units starts with its header; its units follow, handed out first from the free
+// list, then from the part never used. A chunk of one large block has no size class and holds
+// the block's size.
+struct TChunk {
+    void* pClass = nullptr;   // the CChunkAllocator::TSizeClass; null for a large block
+    TChunk* pNext = nullptr;  // in the list of chunks with free units
+    TChunk* pPrev = nullptr;
+    TChunk* pNextOfAll = nullptr;  // in the list of all chunks of the class
+    TChunk* pPrevOfAll = nullptr;
+    void* pFree = nullptr;  // freed units, linked through their first bytes
+    uint8_t* pFresh = nullptr;
+    size_t nUsed = 0;  // units in use; the block's size for a large block
+};
+
+constexpr size_t kHeaderSize = (sizeof(TChunk) + 63) / 64 * 64;
+constexpr size_t kChunkSize = CChunkAllocator::kChunkSize;
+
+TChunk* ChunkOf(void* p) {
+    return reinterpret_cast<TChunk*>(reinterpret_cast<uintptr_t>(p) & ~(kChunkSize - 1));
+}
+uint8_t* UnitsOf(TChunk* pChunk) {
+    return reinterpret_cast<uint8_t*>(pChunk) + kHeaderSize;
+}
+
+TChunk* NewChunk(size_t nBytes) {
+    void* p = std::aligned_alloc(kChunkSize, (nBytes + kChunkSize - 1) / kChunkSize * kChunkSize);
+    if (!p) throw std::bad_alloc();
+    return new (p) TChunk;
+}
+
+}  // namespace
+
+struct CChunkAllocator::TSizeClass {
+    size_t nUnitSize = 0;
+    size_t nUnitsPerChunk = 0;
+    mutable std::mutex mutex;
+    TChunk* pPartial = nullptr;  // chunks with a free unit and one in use at least
+    TChunk* pAll = nullptr;
+    std::vector<TChunk*> unused;
+    size_t nChunks = 0;
+    size_t nFreeUnits = 0;
+
+    ~TSizeClass() {
+        while (pAll) Release(pAll);
+    }
+
+    void Link(TChunk* pChunk) {
+        pChunk->pPrev = nullptr;
+        pChunk->pNext = pPartial;
+        if (pPartial) pPartial->pPrev = pChunk;
+        pPartial = pChunk;
+    }
+    void Unlink(TChunk* pChunk) {
+        (pChunk->pPrev ? pChunk->pPrev->pNext : pPartial) = pChunk->pNext;
+        if (pChunk->pNext) pChunk->pNext->pPrev = pChunk->pPrev;
+    }
+
+    // An unused chunk when one waits, else a new one; empty and in the list of free units.
+    void AddChunk() {
+        TChunk* pChunk;
+        if (unused.empty()) {
+            pChunk = NewChunk(kChunkSize);
+            pChunk->pClass = this;
+            pChunk->pNextOfAll = pAll;
+            if (pAll) pAll->pPrevOfAll = pChunk;
+            pAll = pChunk;
+            ++nChunks;
+            nFreeUnits += nUnitsPerChunk;
+        } else {
+            pChunk = unused.back();
+            unused.pop_back();
+            pChunk->pFree = nullptr;
+        }
+        pChunk->pFresh = UnitsOf(pChunk);
+        Link(pChunk);
+    }
+
+    void* Allocate() {
+        std::lock_guard lock(mutex);
+        if (!pPartial) AddChunk();
+        TChunk* pChunk = pPartial;
+        void* p = pChunk->pFree;
+        if (p) {
+            std::memcpy(&pChunk->pFree, p, sizeof(void*));
+        } else {
+            p = pChunk->pFresh;
+            pChunk->pFresh += nUnitSize;
+        }
+        if (++pChunk->nUsed == nUnitsPerChunk) Unlink(pChunk);
+        --nFreeUnits;
+        return p;
+    }
+
+    void Free(TChunk* pChunk, void* p) {
+        std::lock_guard lock(mutex);
+        std::memcpy(p, &pChunk->pFree, sizeof(void*));
+        pChunk->pFree = p;
+        if (pChunk->nUsed-- == nUnitsPerChunk) Link(pChunk);
+        ++nFreeUnits;
+        if (pChunk->nUsed > 0) return;
+        Unlink(pChunk);
+        if (unused.size() < kMaxUnusedChunks) {
+            unused.push_back(pChunk);
+        } else {
+            Release(pChunk);
+        }
+    }
+
+    // Returns a chunk with no unit in use (or any chunk, when the allocator dies) to the system.
+    void Release(TChunk* pChunk) {
+        (pChunk->pPrevOfAll ? pChunk->pPrevOfAll->pNextOfAll : pAll) = pChunk->pNextOfAll;
+        if (pChunk->pNextOfAll) pChunk->pNextOfAll->pPrevOfAll = pChunk->pPrevOfAll;
+        --nChunks;
+        nFreeUnits -= nUnitsPerChunk - pChunk->nUsed;
+        std::free(pChunk);
+    }
+    void ReleaseUnused() {
+        std::lock_guard lock(mutex);
+        for (TChunk* pChunk : unused) Release(pChunk);
+        unused.clear();
+    }
+};
+
+CChunkAllocator::CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitSizes)
+    : m_pClasses(new TSizeClass[kUnitSizeCount]) {
+    for (size_t i = 0; i < kUnitSizeCount; ++i) {
+        m_pClasses[i].nUnitSize = unitSizes[i];
+        m_pClasses[i].nUnitsPerChunk = (kChunkSize - kHeaderSize) / unitSizes[i];
+    }
+}
+
+CChunkAllocator::~CChunkAllocator() = default;
+
+CChunkAllocator::TSizeClass* CChunkAllocator::ClassFor(size_t nBytes) const {
+    for (size_t i = 0; i < kUnitSizeCount; ++i) {
+        if (nBytes <= m_pClasses[i].nUnitSize) return &m_pClasses[i];
+    }
+    return nullptr;
+}
+
+size_t CChunkAllocator::BlockSize(void* p) {
+    const TChunk* pChunk = ChunkOf(p);
+    return pChunk->pClass ? static_cast<const TSizeClass*>(pChunk->pClass)->nUnitSize : pChunk->nUsed;
+}
+
+void* CChunkAllocator::Allocate(size_t nBytes) {
+    if (TSizeClass* pClass = ClassFor(nBytes)) return pClass->Allocate();
+    TChunk* pChunk = NewChunk(kHeaderSize + nBytes);
+    pChunk->nUsed = nBytes;
+    return UnitsOf(pChunk);
+}
+
+void CChunkAllocator::Free(void* p) {
+    if (!p) return;
+    TChunk* pChunk = ChunkOf(p);
+    if (pChunk->pClass) {
+        static_cast<TSizeClass*>(pChunk->pClass)->Free(pChunk, p);
+    } else {
+        std::free(pChunk);
+    }
+}
+
+void* CChunkAllocator::Reallocate(void* p, size_t nNewBytes) {
+    const size_t nOldBytes = BlockSize(p);
+    if (ChunkOf(p)->pClass && ClassFor(nNewBytes) == ChunkOf(p)->pClass) return p;
+    void* pMoved = Allocate(nNewBytes);
+    std::memcpy(pMoved, p, std::min(nOldBytes, nNewBytes));
+    Free(p);
+    return pMoved;
+}
+
+void CChunkAllocator::ReleaseUnusedChunks() {
+    for (size_t i = 0; i < kUnitSizeCount; ++i) m_pClasses[i].ReleaseUnused();
+}
+
+TChunkStatistics CChunkAllocator::Statistics() const {
+    TChunkStatistics statistics;
+    for (size_t i = 0; i < kUnitSizeCount; ++i) {
+        const TSizeClass& sizeClass = m_pClasses[i];
+        std::lock_guard lock(sizeClass.mutex);
+        statistics.nChunks += sizeClass.nChunks;
+        statistics.nUnits += sizeClass.nChunks * sizeClass.nUnitsPerChunk;
+        statistics.nFreeUnits += sizeClass.nFreeUnits;
+        statistics.nUnusedChunks += sizeClass.unused.size();
+    }
+    return statistics;
+}
+
+CChunkAllocator& RegisterChunkAllocator() {
+    // Sorted-bucket headers, nodes, and sorted arrays of 16 to 2,048 entries.
+    constexpr size_t kEntry = sizeof(TChessboardRegisterEntry);
+    // Never destroyed: registers may outlive any static object.
+    static CChunkAllocator* const pAllocator = new CChunkAllocator(
+        {sizeof(TSortedBucket), sizeof(TBucketNode), 16 * kEntry, 32 * kEntry, 64 * kEntry, 128 * kEntry,
+         256 * kEntry, 512 * kEntry, 1024 * kEntry, 2048 * kEntry});
+    return *pAllocator;
+}
+
+std::string ChunkAllocatorReport(const TChunkStatistics& s) {
+    const size_t nUsage = s.nUnits ? (s.nUnits - s.nFreeUnits) * 100 / s.nUnits : 0;
+    char text[512];
+    std::snprintf(text, sizeof text,
+                  "%zd. Number of allocated chunks = %zu (%zu MB)\n"
+                  "%zd. Total allocation units      = %zu\n"
+                  "%zd. Total free allocation units = %zu (usage=%zu%%)\n"
+                  "%zd. Number of unused chunks waiting to deallocate = %zu\n",
+                  ptrdiff_t{1}, s.nChunks, s.nChunks * kChunkSize >> 20, ptrdiff_t{2}, s.nUnits, ptrdiff_t{3},
+                  s.nFreeUnits, nUsage, ptrdiff_t{4}, s.nUnusedChunks);
+    return text;
+}
+
+}  // namespace moremate

@@ -1,0 +1,68 @@
+// The allocator of the register's buckets: nodes, sorted-bucket headers and sorted arrays come
+// in a few fixed sizes, each served from 1 MiB chunks cut into units of that size. A freed unit
+// goes back to its chunk; a chunk left without used units waits among the unused chunks of its
+// size for reuse, and goes back to the system only when more than kMaxUnusedChunks wait or when
+// ReleaseUnusedChunks is called. A block above the largest unit (a sorted bucket of more than
+// 2,048 entries, which only a degenerate hash gives) gets a chunk of its own, rounded up to 1 MiB.
+//
+// Chunks are aligned to 1 MiB and start with a header, so a block finds its chunk and its size
+// from its address: Free and Reallocate need no size.
+//
+// Thread-safe: one lock per unit size, held for a few instructions per call.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace moremate {
+
+struct TChunkStatistics {
+    size_t nChunks = 0;        // allocated from the system, used or not
+    size_t nUnits = 0;         // units in those chunks
+    size_t nFreeUnits = 0;     // of which not in use
+    size_t nUnusedChunks = 0;  // chunks with no unit in use, waiting to be reused or released
+};
+
+class CChunkAllocator {
+  public:
+    static constexpr size_t kChunkSize = size_t{1} << 20;
+    static constexpr size_t kMaxUnusedChunks = 8;  // per unit size
+    static constexpr size_t kUnitSizeCount = 10;
+
+    // Unit sizes in ascending order, each a multiple of 8 and at most a seventh of a chunk.
+    explicit CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitSizes);
+    // Every chunk goes back to the system; units still in use become invalid.
+    ~CChunkAllocator();
+    CChunkAllocator(const CChunkAllocator&) = delete;
+    CChunkAllocator& operator=(const CChunkAllocator&) = delete;
+
+    // Throws std::bad_alloc when the system has no memory.
+    void* Allocate(size_t nBytes);
+    // Null is ignored.
+    void Free(void* p);
+    // Moves the contents to a block of `nNewBytes` unless the block's unit fits that size. On
+    // std::bad_alloc `p` stays valid and unchanged.
+    void* Reallocate(void* p, size_t nNewBytes);
+
+    void ReleaseUnusedChunks();
+    TChunkStatistics Statistics() const;
+
+  private:
+    struct TSizeClass;
+    static size_t BlockSize(void* p);
+    TSizeClass* ClassFor(size_t nBytes) const;
+
+    std::unique_ptr<TSizeClass[]> m_pClasses;
+};
+
+// The allocator of all temporary registers, sized for their nodes and arrays.
+CChunkAllocator& RegisterChunkAllocator();
+
+// "1. Number of allocated chunks = n (size MB)", the allocation units, the free units with the
+// share in use, and the unused chunks waiting to be deallocated, one numbered item per line.
+std::string ChunkAllocatorReport(const TChunkStatistics& statistics);
+
+}  // namespace moremate

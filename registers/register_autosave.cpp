@@ -1,0 +1,69 @@
+#include "register_autosave.h"
+
+#include <chrono>
+
+#include "core/chess_exception.h"
+#include "register_file.h"
+
+namespace moremate {
+namespace {
+
+constexpr int64_t kMsPerMinute = 60'000;
+
+int64_t SteadyClockMs() {
+    using namespace std::chrono;
+    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+}  // namespace
+
+CRegisterAutoSave::CRegisterAutoSave(TAutoSaveSettings settings, TAutoSaveDescriptor descriptor, CClock clock)
+    : m_settings(std::move(settings)),
+      m_descriptor(std::move(descriptor)),
+      m_clock(clock ? std::move(clock) : CClock(SteadyClockMs)),
+      m_nLastSaveMs(m_clock()) {}
+
+CRegisterAutoSave::~CRegisterAutoSave() {
+    if (m_pWhite) m_pWhite->SetAutosave({});
+    if (m_pBlack) m_pBlack->SetAutosave({});
+}
+
+void CRegisterAutoSave::Attach(TAggregatedTemporaryChessboardRegister& white,
+                               TAggregatedTemporaryChessboardRegister* pBlack) {
+    m_pWhite = &white;
+    m_pBlack = pBlack;
+    white.SetAutosave([this] { SaveFromHook(); });
+    if (pBlack) pBlack->SetAutosave([this] { SaveFromHook(); });
+}
+
+bool CRegisterAutoSave::SaveIfDue() {
+    std::lock_guard lock(m_mutex);
+    const int64_t nNow = m_clock();
+    if (!m_pWhite || !m_settings.bEnabled || m_settings.nMinutes <= 0 ||
+        nNow - m_nLastSaveMs < m_settings.nMinutes * kMsPerMinute)
+        return false;
+    std::filesystem::create_directories(m_settings.folder);
+    TRegisterSaveOptions options;
+    options.form = TRegisterFileForm::Lz4Container;
+    if (m_settings.nMegabytes > 0) options.nByteLimit = static_cast<uint64_t>(m_settings.nMegabytes) << 20;
+    SaveRegisterFile(FilePath(), *m_pWhite, m_pBlack, options);
+    WriteAutoSaveDescriptor(FilePath().string() + ".ini", m_descriptor);
+    m_nLastSaveMs = nNow;
+    return true;
+}
+
+std::string CRegisterAutoSave::LastError() const {
+    std::lock_guard lock(m_mutex);
+    return m_sLastError;
+}
+
+void CRegisterAutoSave::SaveFromHook() {
+    try {
+        SaveIfDue();
+    } catch (const std::exception& exception) {
+        std::lock_guard lock(m_mutex);
+        m_sLastError = exception.what();
+    }
+}
+
+}  // namespace moremate

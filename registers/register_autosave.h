@@ -1,0 +1,63 @@
+// The automatic save of a solving run's registers: every AutoSaveMinutes minutes, asked by the
+// register's emptying (its autosave hook) and by the solving run, the registers are written to
+// "AutoSave.tmpReg" in the folder of saved registers, replacing the previous automatic save, and
+// the descriptor "AutoSave.tmpReg.ini" is written beside them. AutoSaveMB bounds the file: the
+// save keeps the shortest levels that fit (before packing). The file is a "lz4 " container.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <string>
+
+#include "aggregated_register.h"
+#include "settings/autosave_descriptor.h"
+
+namespace moremate {
+
+inline constexpr const char* kAutoSaveFileName = "AutoSave.tmpReg";
+
+struct TAutoSaveSettings {
+    int nMinutes = 0;              // AutoSaveMinutes; 0 or less: never
+    int nMegabytes = 0;            // AutoSaveMB; 0 or less: no bound
+    bool bEnabled = false;         // automatic saving enabled for this run
+    std::filesystem::path folder;  // the folder of saved registers
+};
+
+class CRegisterAutoSave {
+  public:
+    using CClock = std::function<int64_t()>;  // milliseconds of a monotonic clock
+
+    // The interval starts now. Without a clock the steady clock is used.
+    CRegisterAutoSave(TAutoSaveSettings settings, TAutoSaveDescriptor descriptor, CClock clock = {});
+    // Removes the hooks it installed.
+    ~CRegisterAutoSave();
+    CRegisterAutoSave(const CRegisterAutoSave&) = delete;
+    CRegisterAutoSave& operator=(const CRegisterAutoSave&) = delete;
+
+    // Saves `white` (and `*pBlack` beside it) and installs the hook on both. A failure inside a
+    // hook does not reach the search: it is kept for LastError.
+    void Attach(TAggregatedTemporaryChessboardRegister& white,
+                TAggregatedTemporaryChessboardRegister* pBlack);
+
+    // Saves when enabled and due; true when it saved. Throws ChessException when writing fails.
+    bool SaveIfDue();
+
+    std::filesystem::path FilePath() const { return m_settings.folder / kAutoSaveFileName; }
+    std::string LastError() const;
+
+  private:
+    void SaveFromHook();
+
+    const TAutoSaveSettings m_settings;
+    const TAutoSaveDescriptor m_descriptor;
+    const CClock m_clock;
+    mutable std::mutex m_mutex;
+    int64_t m_nLastSaveMs;
+    TAggregatedTemporaryChessboardRegister* m_pWhite = nullptr;
+    TAggregatedTemporaryChessboardRegister* m_pBlack = nullptr;
+    std::string m_sLastError;
+};
+
+}  // namespace moremate

@@ -1,0 +1,125 @@
+// Register files: the contents of a temporary register written to disk and read back.
+//
+// The data are a stream of groups. A group is a 12-byte marker (u32 0xFFFFFFFF, u64
+// configuration key: 0 for the mate / no-mate entries, else the doubtfulness configuration)
+// followed by 68-byte entry records (u16 MovesMate, u16 MovesNoMate, the 64 piece bytes of the
+// position key). A marker is told from a record by its first two u16 values both being 0xFFFF.
+// The stream is stored plain or in one of the packed forms of register_packing.h.
+//
+// A save writes level by level, shortest first (see SaveExact), so that a file cut at a byte
+// limit keeps the most valuable results. A level's marker of key 0 is always written; the marker
+// of a doubtfulness configuration only before its first record of the level. Saving reads the
+// live register bucket by bucket, each under its lock: consistent per bucket, not as a whole.
+//
+// A solving run keeps positions with White to move and those with Black to move in two
+// registers. The White register is the file itself, compatible with single-register files; the
+// Black register goes to a companion file beside it (BlackToMoveFilePath), read back when present.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <limits>
+#include <string>
+
+#include "aggregated_register.h"
+
+namespace moremate {
+
+class CRegisterLevels;
+class CRegisterStream;
+
+enum class TRegisterFileForm { Plain, Lz4, Lz4e, Lz4Container, Lz4eContainer };
+
+inline constexpr uint64_t kNoByteLimit = std::numeric_limits<uint64_t>::max();
+inline constexpr size_t kRegisterMarkerSize = 12;
+inline constexpr size_t kRegisterRecordSize = 68;
+inline constexpr const char* kSavedRegisterFolder = "SavedTmpRegisterData";
+inline constexpr const char* kRegisterFileExtension = ".tmpReg";
+inline constexpr const char* kLoadScratchFile = "UncompressedTmpRegLoadData.tmpReg";
+inline constexpr const char* kLoadLogFile = "TmpRegLoad.log";
+
+struct TRegisterSaveOptions {
+    TRegisterFileForm form = TRegisterFileForm::Plain;
+    uint64_t nByteLimit = kNoByteLimit;  // on the stream before packing
+    unsigned nCompressionThreads = 0;    // for the containers; 0: one per processor
+    bool bLogCompression = false;        // one line per block into the file's name + ".log"
+};
+
+struct TRegisterSaveResult {
+    uint64_t nStreamBytes = 0;  // markers and records written
+    bool bComplete = true;      // false when the byte limit cut the save short
+};
+
+// Where and how loading reports what it read.
+struct TRegisterLoadOptions {
+    std::filesystem::path workingFolder = ".";  // for the scratch copy and the load log
+    bool bLogToFile = false;                    // the LogToFileTmpRegLoad option
+    bool bBlackToMove = false;                  // the side to move of the positions, for checking them
+};
+
+struct TRegisterLoadReport {
+    uint64_t nRecords = 0;           // entries stored
+    uint64_t nInvalidPositions = 0;  // entries skipped, their position breaking the rules
+};
+
+struct TRegisterLoadResult {
+    bool bRead = false;      // the file was read, possibly with errors
+    bool bComplete = false;  // every record was read
+    TRegisterLoadReport report;
+    std::string sError;  // the failure's message when not read
+};
+
+// Writes the marker of key 0 and the records of level n (see register_levels.h), then frees
+// them. Adds 12 per marker and 68 per record to `nCount` and returns false once a further
+// record would take the count beyond `nByteLimit`. Throws ChessException when the file cannot
+// be written.
+bool SaveExact(CRegisterLevels& levels, CRegisterStream& out, uint64_t nByteLimit, uint64_t& nCount,
+               uint16_t n);
+
+// Every level with records in ascending order, until the byte limit stops it.
+TRegisterSaveResult SaveLevels(const TAggregatedTemporaryChessboardRegister& reg, CRegisterStream& out,
+                               uint64_t nByteLimit);
+
+// Writes the file under a temporary name and renames it. Throws ChessException on failure.
+TRegisterSaveResult SaveRegisterFile(const std::filesystem::path& path,
+                                     const TAggregatedTemporaryChessboardRegister& reg,
+                                     const TRegisterSaveOptions& options);
+// The White register to `path`, the Black one, when given, to its companion file.
+TRegisterSaveResult SaveRegisterFile(const std::filesystem::path& path,
+                                     const TAggregatedTemporaryChessboardRegister& white,
+                                     const TAggregatedTemporaryChessboardRegister* pBlack,
+                                     const TRegisterSaveOptions& options);
+
+// "AutoSave.tmpReg" -> "AutoSave.black.tmpReg".
+std::filesystem::path BlackToMoveFilePath(const std::filesystem::path& path);
+// "<program folder>/SavedTmpRegisterData/<name>.tmpReg".
+std::filesystem::path SavedRegisterFilePath(const std::string& sName);
+
+// Sets the bucket count and reads the open file of `nFileSize` bytes into the register; true
+// when every record was read. Throws ChessException with the failure's message; what was stored
+// before a failure stays.
+bool Load(std::FILE* pFile, TAggregatedTemporaryChessboardRegister& reg, size_t nBuckets, uint64_t nFileSize,
+          const TRegisterLoadOptions& options, TRegisterLoadReport& report);
+
+// Opens and loads the file, catching the failure into the result ("Error reading file" when it
+// cannot be opened).
+TRegisterLoadResult LoadRegisterFile(const std::filesystem::path& path,
+                                     TAggregatedTemporaryChessboardRegister& reg, size_t nBuckets,
+                                     const TRegisterLoadOptions& options);
+// The White file into `white`; the companion file, when present, into `*pBlack`. The counts are
+// those of both; an error of either makes the result's.
+TRegisterLoadResult LoadRegisterFile(const std::filesystem::path& path,
+                                     TAggregatedTemporaryChessboardRegister& white,
+                                     TAggregatedTemporaryChessboardRegister* pBlack, size_t nBuckets,
+                                     const TRegisterLoadOptions& options);
+
+// The bucket count for loading a file while a problem of `nMoves` moves is open: 16,384 below
+// 15 moves; 4,194,304 from 23 moves on with a register memory (MB) of at least 8,193; else 524,288.
+size_t LoadBucketCount(int nMoves, uint64_t nRegisterMemoryMB);
+
+// The text of the interface's "Information" box about a load.
+std::string LoadReportText(const TRegisterLoadResult& result, const std::filesystem::path& path,
+                           int languageId, bool bClearRegisterOnStartSolving);
+
+}  // namespace moremate

@@ -1,0 +1,176 @@
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <new>
+
+#include "core/chess_exception.h"
+#include "core/fen.h"
+#include "core/validation.h"
+#include "register_file.h"
+#include "register_levels.h"
+#include "register_packing.h"
+
+namespace moremate {
+namespace {
+
+constexpr const char* kEmptyFile = "Error - data file is empty.";
+constexpr const char* kAllocationError = "Error allocating memory";
+constexpr const char* kReadError = "Error reading file";
+constexpr const char* kDecompressionError = "An error occurred during LZ4 decompression.";
+constexpr const char* kRecordReadError = "Error reading file in TAggregatedTemporaryChessboardRegister::Load";
+constexpr const char* kLoadLogHeader =
+    "nMovesMate/Doubtful,nMovesNoMate/NotDoubtful,Heuristics,HeurParams,FEN\n";
+
+class CFileSource {
+  public:
+    explicit CFileSource(std::FILE* pFile) : m_pFile(pFile) {}
+    size_t Read(uint8_t* p, size_t size) {
+        const size_t nRead = std::fread(p, 1, size, m_pFile);
+        if (nRead < size && std::ferror(m_pFile)) throw ChessException(kRecordReadError);
+        return nRead;
+    }
+
+  private:
+    std::FILE* m_pFile;
+};
+
+class CMemorySource {
+  public:
+    explicit CMemorySource(const std::vector<uint8_t>& data) : m_data(data) {}
+    size_t Read(uint8_t* p, size_t size) {
+        const size_t nRead = std::min(size, m_data.size() - m_nOffset);
+        std::memcpy(p, m_data.data() + m_nOffset, nRead);
+        m_nOffset += nRead;
+        return nRead;
+    }
+
+  private:
+    const std::vector<uint8_t>& m_data;
+    size_t m_nOffset = 0;
+};
+
+uint16_t ReadU16(const uint8_t* p) {
+    return static_cast<uint16_t>(p[0] | p[1] << 8);
+}
+uint64_t ReadU64(const uint8_t* p) {
+    uint64_t value = 0;
+    for (int i = 7; i >= 0; --i) value = value << 8 | p[i];
+    return value;
+}
+
+// Checks each record's position and stores the valid ones, logging them when asked.
+class CRecordStore {
+  public:
+    CRecordStore(TAggregatedTemporaryChessboardRegister& reg, const TRegisterLoadOptions& options,
+                 TRegisterLoadReport& report)
+        : m_reg(reg), m_options(options), m_report(report) {
+        if (!options.bLogToFile) return;
+        m_log.open(options.workingFolder / kLoadLogFile, std::ios::app);
+        m_log << kLoadLogHeader;
+    }
+
+    void Store(uint64_t nConfiguration, const uint8_t* pRecord) {
+        TChessboardRegisterEntry entry;
+        entry.MovesMate = ReadU16(pRecord);
+        entry.MovesNoMate = ReadU16(pRecord + 2);
+        std::memcpy(entry.key.squares, pRecord + 4, sizeof entry.key.squares);
+        TChessboard board;
+        std::memcpy(board.squares, entry.key.squares, sizeof board.squares);
+        board.movesLeft = board.movesAtStart = m_options.bBlackToMove ? 2 : 1;
+        try {
+            Validate(board, true);
+        } catch (const ChessException&) {
+            ++m_report.nInvalidPositions;
+            return;
+        }
+        m_reg.Merge(nConfiguration, entry);
+        ++m_report.nRecords;
+        if (m_log.is_open()) Log(nConfiguration, entry, board);
+    }
+
+  private:
+    void Log(uint64_t nConfiguration, const TChessboardRegisterEntry& entry, const TChessboard& board) {
+        char line[64];
+        std::snprintf(line, sizeof line, "%d,%d,%d,%d,", entry.MovesMate, entry.MovesNoMate,
+                      static_cast<int>(static_cast<uint32_t>(nConfiguration)),
+                      static_cast<int>(static_cast<uint32_t>(nConfiguration >> 32)));
+        m_log << line << WriteFen(board) << '\n';
+    }
+
+    TAggregatedTemporaryChessboardRegister& m_reg;
+    const TRegisterLoadOptions& m_options;
+    TRegisterLoadReport& m_report;
+    std::ofstream m_log;
+};
+
+// Reads 68-byte units; a marker inside a unit switches the group and is replaced by the next
+// 12 bytes. True when the data end at a record (or marker) boundary.
+template <class TSource>
+bool ReadRecords(TSource& source, CRecordStore& store) {
+    uint8_t unit[kRegisterRecordSize];
+    size_t nFilled = 0;
+    uint64_t nConfiguration = 0;
+    for (;;) {
+        const size_t nWanted = kRegisterRecordSize - nFilled;
+        const size_t nRead = source.Read(unit + nFilled, nWanted);
+        nFilled += nRead;
+        if (nFilled >= kRegisterMarkerSize && IsGroupMarker(unit)) {
+            nConfiguration = ReadU64(unit + 4);
+            nFilled -= kRegisterMarkerSize;
+            std::memmove(unit, unit + kRegisterMarkerSize, nFilled);
+            if (nFilled == 0 && nRead < nWanted) return true;
+            continue;
+        }
+        if (nFilled < kRegisterRecordSize) return nFilled == 0;
+        store.Store(nConfiguration, unit);
+        nFilled = 0;
+    }
+}
+
+// The packed file whole in memory, then decoded.
+std::vector<uint8_t> UnpackFile(std::FILE* pFile, const uint8_t* pMagic, uint64_t nFileSize) {
+    std::vector<uint8_t> packed;
+    try {
+        packed.resize(nFileSize + 16);
+    } catch (const std::exception&) {
+        throw ChessException(kAllocationError);
+    }
+    std::memcpy(packed.data(), pMagic, kPackedMagicSize);
+    const size_t nRest = nFileSize - kPackedMagicSize;
+    if (std::fread(packed.data() + kPackedMagicSize, 1, nRest, pFile) != nRest)
+        throw ChessException(kReadError);
+    std::optional<std::vector<uint8_t>> data;
+    try {
+        data = DecompressPacked(packed.data(), nFileSize);
+    } catch (const std::bad_alloc&) {
+        throw ChessException(kAllocationError);
+    }
+    if (!data) throw ChessException(kDecompressionError);
+    return std::move(*data);
+}
+
+void WriteScratchCopy(const std::filesystem::path& path, const std::vector<uint8_t>& data) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
+}
+
+}  // namespace
+
+bool Load(std::FILE* pFile, TAggregatedTemporaryChessboardRegister& reg, size_t nBuckets, uint64_t nFileSize,
+          const TRegisterLoadOptions& options, TRegisterLoadReport& report) {
+    reg.SetBucketCount(nBuckets);
+    uint8_t magic[kPackedMagicSize];
+    if (std::fread(magic, 1, sizeof magic, pFile) != sizeof magic) throw ChessException(kEmptyFile);
+    CRecordStore store(reg, options, report);
+    if (IsPackedMagic(magic)) {
+        std::vector<uint8_t> data = UnpackFile(pFile, magic, nFileSize);
+        WriteScratchCopy(options.workingFolder / kLoadScratchFile, data);
+        CMemorySource source(data);
+        return ReadRecords(source, store);
+    }
+    std::rewind(pFile);
+    CFileSource source(pFile);
+    return ReadRecords(source, store);
+}
+
+}  // namespace moremate

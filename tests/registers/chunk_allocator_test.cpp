@@ -1,0 +1,113 @@
+// The chunk allocator: units are distinct and reused, empty chunks wait for reuse up to a limit,
+// resizing keeps the contents, and the statistics report counts it all.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <set>
+#include <thread>
+#include <vector>
+
+#include "registers/chunk_allocator.h"
+
+namespace moremate {
+namespace {
+
+constexpr std::array<size_t, CChunkAllocator::kUnitSizeCount> kSizes = {16,   64,    256,   1024,  4096,
+                                                                        8192, 16384, 32768, 65536, 131072};
+constexpr size_t kUnitsOf4096 = (CChunkAllocator::kChunkSize - 64) / 4096;  // 255
+
+TEST(RegisterChunkAllocator, UnitsAreDistinctAndReused) {
+    CChunkAllocator allocator(kSizes);
+    std::vector<void*> blocks;
+    for (size_t i = 0; i < kUnitsOf4096 + 1; ++i) {
+        blocks.push_back(allocator.Allocate(3000 + i));
+        std::memset(blocks.back(), static_cast<int>(i), 3000);
+    }
+    EXPECT_EQ(std::set<void*>(blocks.begin(), blocks.end()).size(), blocks.size());
+    TChunkStatistics s = allocator.Statistics();
+    EXPECT_EQ(s.nChunks, 2u);
+    EXPECT_EQ(s.nUnits, 2 * kUnitsOf4096);
+    EXPECT_EQ(s.nFreeUnits, kUnitsOf4096 - 1);
+
+    allocator.Free(blocks[7]);
+    EXPECT_EQ(allocator.Allocate(4096), blocks[7]);
+    for (size_t i = 0; i < kUnitsOf4096; ++i) allocator.Free(blocks[i]);
+    s = allocator.Statistics();
+    EXPECT_EQ(s.nUnusedChunks, 1u);
+    EXPECT_EQ(s.nFreeUnits, 2 * kUnitsOf4096 - 1);
+    // The chunk still in use serves first; an empty one waits.
+    allocator.Free(allocator.Allocate(4000));
+    allocator.Free(blocks.back());
+    s = allocator.Statistics();
+    EXPECT_EQ(s.nChunks, 2u);
+    EXPECT_EQ(s.nUnusedChunks, 2u);
+    EXPECT_EQ(s.nFreeUnits, s.nUnits);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(allocator.Allocate(4000)) & (CChunkAllocator::kChunkSize - 1), 64u);
+    EXPECT_EQ(allocator.Statistics().nUnusedChunks, 1u);  // a waiting chunk was taken
+    EXPECT_EQ(allocator.Statistics().nChunks, 2u);
+}
+
+TEST(RegisterChunkAllocator, EmptyChunksWaitUpToTheLimit) {
+    CChunkAllocator allocator(kSizes);
+    const size_t nChunks = CChunkAllocator::kMaxUnusedChunks + 3;
+    std::vector<void*> blocks;
+    for (size_t i = 0; i < nChunks * kUnitsOf4096; ++i) blocks.push_back(allocator.Allocate(4096));
+    EXPECT_EQ(allocator.Statistics().nChunks, nChunks);
+    EXPECT_EQ(allocator.Statistics().nFreeUnits, 0u);
+    for (void* p : blocks) allocator.Free(p);
+    TChunkStatistics s = allocator.Statistics();
+    EXPECT_EQ(s.nChunks, CChunkAllocator::kMaxUnusedChunks);
+    EXPECT_EQ(s.nUnusedChunks, CChunkAllocator::kMaxUnusedChunks);
+    EXPECT_EQ(s.nFreeUnits, s.nUnits);
+    allocator.ReleaseUnusedChunks();
+    s = allocator.Statistics();
+    EXPECT_EQ(s.nChunks, 0u);
+    EXPECT_EQ(s.nUnits, 0u);
+    EXPECT_EQ(s.nFreeUnits, 0u);
+}
+
+TEST(RegisterChunkAllocator, ReallocationKeepsTheContents) {
+    CChunkAllocator allocator(kSizes);
+    auto* p = static_cast<uint8_t*>(allocator.Allocate(100));
+    for (int i = 0; i < 100; ++i) p[i] = static_cast<uint8_t>(i);
+    EXPECT_EQ(allocator.Reallocate(p, 200), p);  // the unit of 256 holds it
+    for (size_t nSize : {size_t{5'000}, size_t{1} << 21, size_t{3} << 20, size_t{60}}) {
+        p = static_cast<uint8_t*>(allocator.Reallocate(p, nSize));
+        for (int i = 0; i < 60; ++i) ASSERT_EQ(p[i], i) << nSize;
+        if (nSize > 100) std::memset(p + 100, 0xAB, nSize - 100);
+    }
+    allocator.Free(p);
+    allocator.Free(nullptr);
+    EXPECT_EQ(allocator.Statistics().nFreeUnits, allocator.Statistics().nUnits);
+}
+
+TEST(RegisterChunkAllocator, ThreadsShareTheAllocator) {
+    CChunkAllocator allocator(kSizes);
+    auto work = [&allocator](int nSeed) {
+        std::vector<void*> blocks;
+        for (int round = 0; round < 2'000; ++round) {
+            blocks.push_back(allocator.Allocate(static_cast<size_t>(16 + (round * nSeed) % 5'000)));
+            if (round % 3 == 0) {
+                allocator.Free(blocks.front());
+                blocks.erase(blocks.begin());
+            }
+        }
+        for (void* p : blocks) allocator.Free(p);
+    };
+    std::thread first(work, 7), second(work, 13);
+    first.join();
+    second.join();
+    const TChunkStatistics s = allocator.Statistics();
+    EXPECT_EQ(s.nFreeUnits, s.nUnits);
+}
+
+TEST(RegisterChunkAllocator, Report) {
+    EXPECT_EQ(ChunkAllocatorReport({3, 1'000, 250, 1}),
+              "1. Number of allocated chunks = 3 (3 MB)\n"
+              "2. Total allocation units      = 1000\n"
+              "3. Total free allocation units = 250 (usage=75%)\n"
+              "4. Number of unused chunks waiting to deallocate = 1\n");
+}
+
+}  // namespace
+}  // namespace moremate

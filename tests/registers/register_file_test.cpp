@@ -1,0 +1,261 @@
+// Register files: every form saves and loads back the same contents, a byte limit keeps the
+// shortest levels, and damaged or odd files give their messages.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "register_file_support.h"
+#include "registers/register_file.h"
+#include "tests/support/temp_folder.h"
+
+namespace moremate {
+namespace {
+
+using testing::Contents;
+using testing::CTempFolder;
+using testing::FillRegister;
+using testing::LegalKeys;
+
+constexpr size_t kBuckets = 256;
+
+std::string Marker(uint64_t nConfiguration) {
+    std::string marker(4, '\xFF');
+    for (int i = 0; i < 8; ++i) marker += static_cast<char>(nConfiguration >> (8 * i));
+    return marker;
+}
+std::string Record(uint16_t nMate, uint16_t nNoMate, const TChessboardRegisterItem& key) {
+    std::string record = {static_cast<char>(nMate), static_cast<char>(nMate >> 8), static_cast<char>(nNoMate),
+                          static_cast<char>(nNoMate >> 8)};
+    return record + std::string(key.squares, key.squares + 64);
+}
+uint16_t Level(const testing::TContent& content) {
+    return std::max(std::get<2>(content), std::get<3>(content));
+}
+
+class RegisterFile : public ::testing::Test {
+  protected:
+    RegisterFile() : reg(100'000, kBuckets) {
+        FillRegister(reg, 2'000);
+        options.workingFolder = folder.Path();
+    }
+    TRegisterLoadResult LoadInto(TAggregatedTemporaryChessboardRegister& target, const std::string& name) {
+        return LoadRegisterFile(folder.File(name), target, kBuckets, options);
+    }
+    TRegisterLoadResult LoadText(const std::string& content) {
+        TAggregatedTemporaryChessboardRegister target(1'000, 16);
+        return LoadRegisterFile(folder.Write("file.tmpReg", content), target, kBuckets, options);
+    }
+
+    CTempFolder folder;
+    TAggregatedTemporaryChessboardRegister reg;
+    TRegisterLoadOptions options;
+};
+
+class RegisterFileForms : public RegisterFile, public ::testing::WithParamInterface<TRegisterFileForm> {};
+
+TEST_P(RegisterFileForms, SavedRegisterLoadsBackWhole) {
+    TRegisterSaveOptions save;
+    save.form = GetParam();
+    save.nCompressionThreads = 3;
+    const TRegisterSaveResult saved = SaveRegisterFile(folder.File("r.tmpReg"), reg, save);
+    EXPECT_TRUE(saved.bComplete);
+    EXPECT_FALSE(std::filesystem::exists(folder.File("r.tmpReg.saving")));
+
+    TAggregatedTemporaryChessboardRegister loaded(100'000, 16);
+    const TRegisterLoadResult result = LoadInto(loaded, "r.tmpReg");
+    EXPECT_TRUE(result.bRead && result.bComplete) << result.sError;
+    EXPECT_EQ(result.report.nRecords, reg.ElementCount());
+    EXPECT_EQ(result.report.nInvalidPositions, 0u);
+    EXPECT_EQ(loaded.BucketCount(), kBuckets);
+    EXPECT_EQ(Contents(loaded), Contents(reg));
+
+    const std::string magic = folder.Read("r.tmpReg").substr(0, 4);
+    const char* expected[] = {"\xFF\xFF\xFF\xFF", "LZ4 ", "LZ4e", "lz4 ", "lz4e"};
+    EXPECT_EQ(magic, expected[static_cast<int>(GetParam())]);
+    // A packed file leaves its decoded stream in the working folder.
+    const std::filesystem::path scratch = folder.File(kLoadScratchFile);
+    EXPECT_EQ(std::filesystem::exists(scratch), GetParam() != TRegisterFileForm::Plain);
+    if (GetParam() != TRegisterFileForm::Plain) {
+        EXPECT_EQ(std::filesystem::file_size(scratch), saved.nStreamBytes);
+    }
+}
+
+TEST_P(RegisterFileForms, ByteLimitKeepsTheShortestLevels) {
+    TRegisterSaveOptions save;
+    save.form = GetParam();
+    save.nByteLimit = 40'000;
+    const TRegisterSaveResult saved = SaveRegisterFile(folder.File("r.tmpReg"), reg, save);
+    EXPECT_FALSE(saved.bComplete);
+    EXPECT_LE(saved.nStreamBytes, save.nByteLimit);
+    EXPECT_GT(saved.nStreamBytes, save.nByteLimit - kRegisterMarkerSize - 2 * kRegisterRecordSize);
+
+    TAggregatedTemporaryChessboardRegister loaded(100'000, 16);
+    const TRegisterLoadResult result = LoadInto(loaded, "r.tmpReg");
+    EXPECT_TRUE(result.bComplete);  // the file ends at a record
+    const auto all = Contents(reg);
+    const auto kept = Contents(loaded);
+    ASSERT_FALSE(kept.empty());
+    EXPECT_TRUE(std::includes(all.begin(), all.end(), kept.begin(), kept.end()));
+    uint16_t nHighestKept = 0;
+    for (const auto& content : kept) nHighestKept = std::max(nHighestKept, Level(content));
+    for (const auto& content : all) {
+        if (Level(content) < nHighestKept) {
+            EXPECT_TRUE(std::binary_search(kept.begin(), kept.end(), content));
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Register, RegisterFileForms,
+                         ::testing::Values(TRegisterFileForm::Plain, TRegisterFileForm::Lz4,
+                                           TRegisterFileForm::Lz4e, TRegisterFileForm::Lz4Container,
+                                           TRegisterFileForm::Lz4eContainer));
+
+TEST_F(RegisterFile, PlainFileIsWrittenLevelByLevel) {
+    TAggregatedTemporaryChessboardRegister small(1'000, 16);
+    const auto keys = LegalKeys(3);
+    small.Insert(7, keys[0], true);
+    small.Insert(5, keys[1], false);
+    small.Insert(9, keys[1], true);  // mate 9, no mate 5: saved at level 9
+    small.InsertDoubtful(ConfigurationKey(6, 1), 7, keys[2], true);
+    SaveRegisterFile(folder.File("r.tmpReg"), small, {});
+    // Levels 7 to 9; level 5 holds nothing (the no mate in 5 is saved with the mate in 9).
+    const std::string expected = Marker(0) + Record(7, 0, keys[0]) + Marker(ConfigurationKey(6, 1)) +
+                                 Record(7, 0, keys[2]) + Marker(0) + Marker(0) + Record(9, 5, keys[1]);
+    EXPECT_EQ(folder.Read("r.tmpReg"), expected);
+}
+
+TEST_F(RegisterFile, MarkersSwitchGroupsAnywhere) {
+    const auto keys = LegalKeys(3);
+    const uint64_t nFirst = ConfigurationKey(6, 1), nSecond = ConfigurationKey(0x40, 3);
+    const std::string content = Marker(nFirst) + Marker(0) + Record(5, 0, keys[0]) + Marker(nFirst) +
+                                Record(7, 0, keys[1]) + Marker(nSecond) + Record(0, 9, keys[2]) + Marker(0);
+    TAggregatedTemporaryChessboardRegister target(1'000, 16);
+    const TRegisterLoadResult result =
+        LoadRegisterFile(folder.Write("m.tmpReg", content), target, 64, options);
+    EXPECT_TRUE(result.bComplete);
+    EXPECT_EQ(result.report.nRecords, 3u);
+    EXPECT_EQ(target.Find(keys[0])->MovesMate, 5);
+    EXPECT_EQ(target.FindDoubtful(nFirst, keys[1])->MovesMate, 7);
+    EXPECT_EQ(target.FindDoubtful(nSecond, keys[2])->MovesNoMate, 9);
+    EXPECT_FALSE(target.Find(keys[1]));
+}
+
+TEST_F(RegisterFile, PlainFileEndsAtTheLastWholeRecord) {
+    const auto keys = LegalKeys(3);
+    const std::string whole = Marker(0) + Record(5, 0, keys[0]) + Record(0, 6, keys[1]);
+    const TRegisterLoadResult result = LoadText(whole + Record(3, 0, keys[2]).substr(0, 30));
+    EXPECT_TRUE(result.bRead);
+    EXPECT_FALSE(result.bComplete);
+    EXPECT_EQ(result.report.nRecords, 2u);
+    EXPECT_FALSE(LoadText(whole + Marker(0).substr(0, 7)).bComplete);
+}
+
+TEST_F(RegisterFile, InvalidPositionsAreCountedAndSkipped) {
+    TChessboardRegisterItem noKings;
+    noKings.squares[0] = MakePiece(kWhite, kRook);
+    const TRegisterLoadResult result =
+        LoadText(Marker(0) + Record(5, 0, noKings) + Record(5, 0, LegalKeys(1)[0]));
+    EXPECT_TRUE(result.bComplete);
+    EXPECT_EQ(result.report.nRecords, 1u);
+    EXPECT_EQ(result.report.nInvalidPositions, 1u);
+    EXPECT_EQ(LoadReportText(result, "x.tmpReg", kEnglish, false),
+              "File has been read: x.tmpReg\n\nNOTE: invalid positions were detected - invalid data?");
+}
+
+TEST_F(RegisterFile, LoadErrorsGiveTheirMessages) {
+    EXPECT_EQ(LoadText("").sError, "Error - data file is empty.");
+    EXPECT_EQ(LoadText("LZ4").sError, "Error - data file is empty.");
+    EXPECT_EQ(LoadText("LZ4 \x10").sError, "An error occurred during LZ4 decompression.");
+    TAggregatedTemporaryChessboardRegister target(1'000, 16);
+    const TRegisterLoadResult missing = LoadRegisterFile(folder.File("none.tmpReg"), target, 16, options);
+    EXPECT_FALSE(missing.bRead);
+    EXPECT_EQ(missing.sError, "Error reading file");
+    EXPECT_EQ(LoadReportText(missing, "none.tmpReg", kEnglish, true),
+              "Error reading file none.tmpReg\n\nNote: Option to clear temporary data on start of analysis "
+              "(first move) is on");
+}
+
+TEST_F(RegisterFile, DamagedPackedFilesGiveTheDecompressionMessage) {
+    for (TRegisterFileForm form : {TRegisterFileForm::Lz4, TRegisterFileForm::Lz4e,
+                                   TRegisterFileForm::Lz4Container, TRegisterFileForm::Lz4eContainer}) {
+        TRegisterSaveOptions save;
+        save.form = form;
+        save.nCompressionThreads = 2;
+        SaveRegisterFile(folder.File("p.tmpReg"), reg, save);
+        const std::string packed = folder.Read("p.tmpReg");
+        std::string flipped = packed;
+        for (size_t i = 40; i < flipped.size(); i += 97) flipped[i] = static_cast<char>(flipped[i] ^ 0x5A);
+        for (const std::string& damaged :
+             {packed.substr(0, packed.size() - 1), packed.substr(0, 20), flipped}) {
+            TAggregatedTemporaryChessboardRegister target(100'000, 16);
+            const TRegisterLoadResult result =
+                LoadRegisterFile(folder.Write("d.tmpReg", damaged), target, 16, options);
+            EXPECT_EQ(result.sError, "An error occurred during LZ4 decompression.") << static_cast<int>(form);
+            EXPECT_EQ(target.ElementCount(), 0u);
+        }
+    }
+}
+
+TEST_F(RegisterFile, BlackToMoveRegisterGoesToTheCompanionFile) {
+    TAggregatedTemporaryChessboardRegister black(1'000, 16);
+    const auto keys = LegalKeys(2);
+    black.Insert(6, keys[1], false);
+    TRegisterSaveOptions save;
+    save.form = TRegisterFileForm::Lz4Container;
+    SaveRegisterFile(folder.File("AutoSave.tmpReg"), reg, &black, save);
+    EXPECT_TRUE(std::filesystem::exists(folder.File("AutoSave.black.tmpReg")));
+
+    TAggregatedTemporaryChessboardRegister white2(100'000, 16), black2(1'000, 16);
+    const TRegisterLoadResult result =
+        LoadRegisterFile(folder.File("AutoSave.tmpReg"), white2, &black2, kBuckets, options);
+    EXPECT_TRUE(result.bComplete);
+    EXPECT_EQ(result.report.nRecords, reg.ElementCount() + 1);
+    EXPECT_EQ(Contents(white2), Contents(reg));
+    EXPECT_EQ(Contents(black2), Contents(black));
+}
+
+TEST_F(RegisterFile, LoadLogListsEveryEntry) {
+    options.bLogToFile = true;
+    const auto keys = LegalKeys(2);
+    LoadText(Marker(0) + Record(5, 3, keys[0]) + Marker(ConfigurationKey(6, 1)) + Record(7, 0, keys[1]));
+    const std::string log = folder.Read(kLoadLogFile);
+    EXPECT_EQ(
+        log.rfind("nMovesMate/Doubtful,nMovesNoMate/NotDoubtful,Heuristics,HeurParams,FEN\n5,3,0,0,", 0), 0u);
+    EXPECT_NE(log.find("\n7,0,6,1,"), std::string::npos);
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 3);
+}
+
+TEST_F(RegisterFile, CompressionLogHasALinePerBlock) {
+    TRegisterSaveOptions save;
+    save.form = TRegisterFileForm::Lz4eContainer;
+    save.nCompressionThreads = 2;
+    save.bLogCompression = true;
+    SaveRegisterFile(folder.File("c.tmpReg"), reg, save);
+    const std::string log = folder.Read("c.tmpReg.log");
+    EXPECT_EQ(log.rfind("Compressed bucket 0. Packed ", 0), 0u);
+    EXPECT_NE(log.find("\nCompressed bucket 1. Packed "), std::string::npos);
+}
+
+TEST(RegisterFileNames, BucketCountAndPaths) {
+    EXPECT_EQ(LoadBucketCount(14, 100'000), 16'384u);
+    EXPECT_EQ(LoadBucketCount(15, 100'000), 524'288u);
+    EXPECT_EQ(LoadBucketCount(23, 8'192), 524'288u);
+    EXPECT_EQ(LoadBucketCount(23, 8'193), 4'194'304u);
+    EXPECT_EQ(BlackToMoveFilePath("dir/AutoSave.tmpReg"), std::filesystem::path("dir/AutoSave.black.tmpReg"));
+    EXPECT_EQ(SavedRegisterFilePath("p12").filename(), "p12.tmpReg");
+    EXPECT_EQ(SavedRegisterFilePath("p12").parent_path().filename(), kSavedRegisterFolder);
+}
+
+TEST(RegisterFileNames, ReportTexts) {
+    TRegisterLoadResult result;
+    result.bRead = true;
+    EXPECT_EQ(LoadReportText(result, "a", kEnglish, false), "File has been read with errors: a");
+    result.bComplete = true;
+    EXPECT_EQ(LoadReportText(result, "a", kPolish, false), "Plik wczytany: a");
+}
+
+}  // namespace
+}  // namespace moremate
