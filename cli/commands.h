@@ -29,5 +29,6 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context);
 Runner AddBenchCommand(CLI::App& app, TProgramContext& context);
 Runner AddHeuristicsCommand(CLI::App& app);
 Runner AddDefenceCommand(CLI::App& app, TProgramContext& context);
+Runner AddRegisterCommand(CLI::App& app, TProgramContext& context);
 
 }  // namespace moremate::cli

@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
     runners["bench"] = AddBenchCommand(app, context);
     runners["heuristics"] = AddHeuristicsCommand(app);
     runners["defence"] = AddDefenceCommand(app, context);
+    runners["register"] = AddRegisterCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {

@@ -12,6 +12,7 @@
 #include "problem_solving.h"
 #include "problems/collection_reader.h"
 #include "problems/problem_moves.h"
+#include "registers/register_file.h"
 #include "registers/register_statistics.h"
 #include "solve_report.h"
 
@@ -25,7 +26,16 @@ struct SolveArgs {
     std::string heuristics;
     bool json = false;
     bool registerStats = false;
+    std::string saveRegister, loadRegister;
 };
+
+// The form of a register file from its name: ".lz4e.tmpReg" and ".lz4.tmpReg" are packed
+// containers, anything else is plain.
+TRegisterFileForm FormOf(const std::string& file) {
+    if (file.ends_with(".lz4e.tmpReg")) return TRegisterFileForm::Lz4eContainer;
+    if (file.ends_with(".lz4.tmpReg")) return TRegisterFileForm::Lz4Container;
+    return TRegisterFileForm::Plain;
+}
 
 void PrintRegisterStatistics(CRunRegister& runRegister) {
     fmt::print(stderr, "Register of positions with White to move:\n{}\n\n", RegisterStatistics(runRegister.WhiteToMove()));
@@ -58,6 +68,17 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
     }
     bool allMatched = true;
     std::unique_ptr<CRunRegister> runRegister;
+    if (!args.loadRegister.empty()) {
+        runRegister = std::make_unique<CRunRegister>(context.options);
+        const TRegisterLoadResult loaded =
+            LoadRegisterFile(args.loadRegister, runRegister->WhiteToMove(), &runRegister->BlackToMove(),
+                             runRegister->WhiteToMove().BucketCount(), TRegisterLoadOptions{});
+        if (!loaded.bRead) {
+            fmt::print(stderr, "{}: {}\n", args.loadRegister, loaded.sError);
+            return kExitBadInput;
+        }
+        fmt::print(stderr, "{}\n", LoadReportText(loaded, args.loadRegister, context.options.m_nLanguageId, false));
+    }
     for (const ProblemEntry& entry : entries) {
         if (!Selected(args, entry.m_nNumber)) continue;
         const TProblemReport report =
@@ -67,6 +88,11 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
         if (report.match == false) allMatched = false;
     }
     if (args.registerStats && runRegister) PrintRegisterStatistics(*runRegister);
+    if (!args.saveRegister.empty() && runRegister) {
+        TRegisterSaveOptions options;
+        options.form = FormOf(args.saveRegister);
+        SaveRegisterFile(args.saveRegister, runRegister->WhiteToMove(), &runRegister->BlackToMove(), options);
+    }
     if (!readError.empty()) return kExitBadInput;
     return allMatched ? kExitOk : kExitMismatch;
 }
@@ -89,6 +115,10 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_option("--time-limit", s.timeLimitSeconds, "Seconds per problem (0 = none)")->check(CLI::NonNegativeNumber);
     cmd->add_flag("--solution-details", s.solutionDetails, "Write SolutionDetails.log in the program folder");
     s.threads = static_cast<int>(LogicalProcessorCount());
+    cmd->add_option("--save-register", args->saveRegister,
+                    "Save the register at the end (.lz4.tmpReg / .lz4e.tmpReg: packed, else plain)");
+    cmd->add_option("--load-register", args->loadRegister, "Load a saved register before the first problem")
+        ->check(CLI::ExistingFile);
     cmd->add_option("--threads", s.threads, "Threads on the first moves (default: the processors)")
         ->check(CLI::Range(1, 64));
     cmd->add_flag("--json", args->json, "One JSON object per problem per line");

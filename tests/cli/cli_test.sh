@@ -58,6 +58,14 @@ check "refutations with equivalents" 0 'Equivalent moves: Kc2-d3, a6:b5' -- defe
 check "defence of a missing problem" 2 'Problem 99 not found' -- defence "$data/small.cp" --problem 99
 check "two threads" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions --threads 2
 check "bad thread count" 2 '' -- solve "$data/small.cp" --threads 0
+work=$(mktemp -d)
+check "save the register" 0 'agrees with the answer' -- solve "$data/small.cp" --problem 2 --save-register "$work/r.lz4.tmpReg"
+check "register statistics" 0 'No mate elements = [1-9]' -- register stats "$work/r.lz4.tmpReg"
+check "register dump" 0 '^w	00000000	00000000	[0-9]+	[0-9]+	[^	]+/' -- register dump "$work/r.lz4.tmpReg" --limit 5
+check "load the register" 0 'agrees with the answer' -- solve "$data/small.cp" --problem 2 --load-register "$work/r.lz4.tmpReg"
+printf 'LZ4 garbage' > "$work/bad.lz4.tmpReg"
+check "damaged register file" 2 'An error occurred during LZ4 decompression.' -- register stats "$work/bad.lz4.tmpReg"
+rm -rf "$work"
 check "bench prints its signature" 0 '^Nodes searched  : [0-9]+$' -- bench
 
 rm -f /tmp/moremate_cli_err.$$
