@@ -26,7 +26,8 @@ BENCHMARK_CAPTURE(BM_Perft, initial_6, "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQK
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_Perft, kiwipete_5, "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -", 5)
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_Perft, endgame_6, "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -", 6)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Perft, endgame_6, "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -", 6)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace moremate

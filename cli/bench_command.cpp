@@ -44,7 +44,8 @@ int RunBench(TProgramContext& context) {
                    result.msec);
         nodes += result.nodes;
     }
-    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+    const auto ms =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
     fmt::print("Total time (ms) : {}\nNodes searched  : {}\nNodes/second    : {}\n", ms.count(), nodes,
                nodes * 1000 / static_cast<uint64_t>(std::max<int64_t>(ms.count(), 1)));
     return kExitOk;

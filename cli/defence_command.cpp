@@ -58,7 +58,8 @@ Runner AddDefenceCommand(CLI::App& app, TProgramContext& context) {
     CLI::App* cmd = app.add_subcommand("defence", "Find Black's best defence after White's first move");
     cmd->add_option("file", args->file, "Problem collection (.cp)")->required()->check(CLI::ExistingFile);
     cmd->add_option("--problem", args->problem, "Problem number")->required();
-    cmd->add_option("--after", args->after, "White's first move in long notation (default: the answer's first)");
+    cmd->add_option("--after", args->after,
+                    "White's first move in long notation (default: the answer's first)");
     return [args, &context] { return RunDefence(*args, context); };
 }
 

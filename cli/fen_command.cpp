@@ -38,7 +38,8 @@ int RunFen(const std::string& fen) {
 
 Runner AddFenCommand(CLI::App& app) {
     auto fen = std::make_shared<std::string>();
-    CLI::App* cmd = app.add_subcommand("fen", "Validate a position and print its normalised FEN and identifier");
+    CLI::App* cmd =
+        app.add_subcommand("fen", "Validate a position and print its normalised FEN and identifier");
     cmd->add_option("fen", *fen, "Position in FEN")->required();
     return [fen] { return RunFen(*fen); };
 }

@@ -1,6 +1,6 @@
 // moremate: the command-line front end of the solver.
-#include <CLI/CLI.hpp>
 #include <fmt/core.h>
+#include <CLI/CLI.hpp>
 #include <map>
 
 #include "commands.h"

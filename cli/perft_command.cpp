@@ -1,5 +1,5 @@
-#include <chrono>
 #include <fmt/core.h>
+#include <chrono>
 
 #include "commands.h"
 #include "core/chess_exception.h"
@@ -34,7 +34,8 @@ int RunPerft(const PerftArgs& args) {
     } else {
         total = Perft(board, args.depth);
     }
-    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+    const auto ms =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
     fmt::print(stderr, "{} ms, {:.1f} Mnodes/s\n", ms.count(),
                static_cast<double>(total) / 1000.0 / static_cast<double>(std::max<int64_t>(ms.count(), 1)));
     fmt::print("{}\n", total);
@@ -45,7 +46,8 @@ int RunPerft(const PerftArgs& args) {
 
 Runner AddPerftCommand(CLI::App& app) {
     auto args = std::make_shared<PerftArgs>();
-    CLI::App* cmd = app.add_subcommand("perft", "Count the legal move sequences of DEPTH half-moves from FEN");
+    CLI::App* cmd =
+        app.add_subcommand("perft", "Count the legal move sequences of DEPTH half-moves from FEN");
     cmd->add_option("fen", args->fen, "Position in FEN (the side-to-move field is honoured)")->required();
     cmd->add_option("depth", args->depth, "Half-moves to count")->required()->check(CLI::Range(1, 32));
     cmd->add_flag("--divide", args->divide, "One line per root move with its count");

@@ -26,7 +26,8 @@ void CProgressLine::Run() {
     const auto start = std::chrono::steady_clock::now();
     std::unique_lock lock(m_mutex);
     while (!m_cv.wait_for(lock, std::chrono::seconds(1), [this] { return m_bDone; })) {
-        const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        const double seconds =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         const uint64_t nodes = m_nodes.load(std::memory_order_relaxed);
         fmt::print(stderr, "\r{:.0f} s  {} nodes  {:.0f} nodes/s  register {}%\033[K", seconds, nodes,
                    static_cast<double>(nodes) / seconds, m_registerFill());

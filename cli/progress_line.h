@@ -12,12 +12,12 @@
 namespace moremate::cli {
 
 class CProgressLine {
-public:
+  public:
     // `registerFill` answers the register's fill in percent.
     CProgressLine(const std::atomic<uint64_t>& nodes, std::function<int()> registerFill);
     ~CProgressLine();
 
-private:
+  private:
     void Run();
 
     const std::atomic<uint64_t>& m_nodes;

@@ -22,11 +22,13 @@ std::unique_ptr<CRunRegister> Loaded(const std::string& file, TProgramContext& c
     auto runRegister = std::make_unique<CRunRegister>(context.options);
     TRegisterLoadOptions options;
     options.bLogToFile = context.options.m_bLogToFileTmpRegLoad;
-    const TRegisterLoadResult result = LoadRegisterFile(file, runRegister->WhiteToMove(), &runRegister->BlackToMove(),
-                                                        runRegister->WhiteToMove().BucketCount(), options);
+    const TRegisterLoadResult result =
+        LoadRegisterFile(file, runRegister->WhiteToMove(), &runRegister->BlackToMove(),
+                         runRegister->WhiteToMove().BucketCount(), options);
     if (!result.bRead) throw ChessException(result.sError);
-    fmt::print(stderr, "{}\n", LoadReportText(result, file, context.options.m_nLanguageId,
-                                               context.options.m_bClearRegisterOnStartSolving));
+    fmt::print(stderr, "{}\n",
+               LoadReportText(result, file, context.options.m_nLanguageId,
+                              context.options.m_bClearRegisterOnStartSolving));
     return runRegister;
 }
 
@@ -53,7 +55,8 @@ int RunDump(const RegisterArgs& args, TProgramContext& context) {
         reg.ForEachConfigurationEntry([&](uint64_t configuration, const TChessboardRegisterEntry& entry) {
             if (rows++ >= args.limit) return;
             fmt::print("{}\t{:08x}\t{:08x}\t{}\t{}\t{}\n", side, static_cast<uint32_t>(configuration),
-                       static_cast<uint32_t>(configuration >> 32), entry.MovesMate, entry.MovesNoMate, Placement(entry));
+                       static_cast<uint32_t>(configuration >> 32), entry.MovesMate, entry.MovesNoMate,
+                       Placement(entry));
         });
     };
     dump("w", r->WhiteToMove());

@@ -8,13 +8,14 @@
 #include "core/notation.h"
 #include "engine/heuristic_text.h"
 #include "engine/solver.h"
-#include "settings/machine.h"
-#include "problem_solving.h"
 #include "problems/collection_reader.h"
 #include "problems/problem_moves.h"
+#include "problems/problem_solving.h"
+#include "problems/solve_report.h"
+#include "progress_line.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
-#include "solve_report.h"
+#include "settings/machine.h"
 
 namespace moremate::cli {
 namespace {
@@ -38,8 +39,10 @@ TRegisterFileForm FormOf(const std::string& file) {
 }
 
 void PrintRegisterStatistics(CRunRegister& runRegister) {
-    fmt::print(stderr, "Register of positions with White to move:\n{}\n\n", RegisterStatistics(runRegister.WhiteToMove()));
-    fmt::print(stderr, "Register of positions with Black to move:\n{}\n", RegisterStatistics(runRegister.BlackToMove()));
+    fmt::print(stderr, "Register of positions with White to move:\n{}\n\n",
+               RegisterStatistics(runRegister.WhiteToMove()));
+    fmt::print(stderr, "Register of positions with Black to move:\n{}\n",
+               RegisterStatistics(runRegister.BlackToMove()));
 }
 
 bool Selected(const SolveArgs& args, unsigned number) {
@@ -77,12 +80,19 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
             fmt::print(stderr, "{}: {}\n", args.loadRegister, loaded.sError);
             return kExitBadInput;
         }
-        fmt::print(stderr, "{}\n", LoadReportText(loaded, args.loadRegister, context.options.m_nLanguageId, false));
+        fmt::print(stderr, "{}\n",
+                   LoadReportText(loaded, args.loadRegister, context.options.m_nLanguageId, false));
     }
     for (const ProblemEntry& entry : entries) {
         if (!Selected(args, entry.m_nNumber)) continue;
-        const TProblemReport report =
-            SolveProblem(entry, args.settings, context, runRegister);
+        std::atomic<uint64_t> progress{0};
+        if (!runRegister || context.options.m_bClearRegisterOnStartSolving)
+            runRegister = std::make_unique<CRunRegister>(context.options);
+        TProblemReport report;
+        {
+            const CProgressLine progressLine(progress, [&runRegister] { return runRegister->FillPercent(); });
+            report = SolveProblem(entry, args.settings, context.options, runRegister, &progress);
+        }
         fmt::print("{}", args.json ? ReportJson(report) : ReportText(report));
         std::fflush(stdout);
         if (report.match == false) allMatched = false;
@@ -109,10 +119,12 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_option("--stop-on", s.stopOn, "Stop after 2, 3 or 4 solutions")->check(CLI::Range(2, 4));
     cmd->add_flag("--brute-force", s.bruteForce, "One pass without any heuristics, every solution");
     cmd->add_flag("--hybrid", s.hybrid, "Heuristic passes for one solution, then brute force for the others");
-    cmd->add_option("--heuristics", args->heuristics, "Pass 1's heuristics as a set text, e.g. \"SH_KEEPKINGONTHEEDGE\"");
+    cmd->add_option("--heuristics", args->heuristics,
+                    "Pass 1's heuristics as a set text, e.g. \"SH_KEEPKINGONTHEEDGE\"");
     cmd->add_flag("--no-heuristics", s.noHeuristics, "No heuristic passes: pass 2 only");
     cmd->add_flag("--no-pass2", s.noPassTwo, "No pass without heuristics after the heuristic passes");
-    cmd->add_option("--time-limit", s.timeLimitSeconds, "Seconds per problem (0 = none)")->check(CLI::NonNegativeNumber);
+    cmd->add_option("--time-limit", s.timeLimitSeconds, "Seconds per problem (0 = none)")
+        ->check(CLI::NonNegativeNumber);
     cmd->add_flag("--solution-details", s.solutionDetails, "Write SolutionDetails.log in the program folder");
     s.threads = static_cast<int>(LogicalProcessorCount());
     cmd->add_option("--save-register", args->saveRegister,
@@ -122,7 +134,8 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_option("--threads", s.threads, "Threads on the first moves (default: the processors)")
         ->check(CLI::Range(1, 64));
     cmd->add_flag("--json", args->json, "One JSON object per problem per line");
-    cmd->add_flag("--register-stats", args->registerStats, "Print the register's statistics on stderr at the end");
+    cmd->add_flag("--register-stats", args->registerStats,
+                  "Print the register's statistics on stderr at the end");
     s.passStatus = isatty(STDERR_FILENO);
     cmd->get_option("--heuristics")->excludes("--no-heuristics");
     return [args, &context] { return RunSolve(*args, context); };

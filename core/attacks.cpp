@@ -36,8 +36,10 @@ uint8_t Scan(const TChessboard& board, const uint8_t* sq, int target, uint8_t co
     const int pawnRank = white ? tr - 1 : tr + 1;
     if (pawnRank >= 0 && pawnRank < 8) {
         const Piece pawn = MakePiece(colour, kPawn);
-        if (tf > 0 && sq[MakeSquare(tf - 1, pawnRank)] == pawn && found(MakeSquare(tf - 1, pawnRank))) return answer;
-        if (tf < 7 && sq[MakeSquare(tf + 1, pawnRank)] == pawn && found(MakeSquare(tf + 1, pawnRank))) return answer;
+        if (tf > 0 && sq[MakeSquare(tf - 1, pawnRank)] == pawn && found(MakeSquare(tf - 1, pawnRank)))
+            return answer;
+        if (tf < 7 && sq[MakeSquare(tf + 1, pawnRank)] == pawn && found(MakeSquare(tf + 1, pawnRank)))
+            return answer;
     }
     if (white ? board.whiteKnights : board.blackKnights) {
         const Piece knight = MakePiece(colour, kKnight);

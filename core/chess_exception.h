@@ -7,7 +7,7 @@
 namespace moremate {
 
 class ChessException : public std::runtime_error {
-public:
+  public:
     explicit ChessException(const std::string& message) : std::runtime_error(message) {}
 };
 

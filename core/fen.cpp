@@ -42,7 +42,8 @@ bool ReadPlacement(const std::string& placement, uint8_t* squares) {
 
 uint8_t FenCastlingFlags(const std::string& text) {
     const size_t blank = text.find(' ');
-    if (blank == std::string::npos) return kWhiteKingside | kWhiteQueenside | kBlackKingside | kBlackQueenside;
+    if (blank == std::string::npos)
+        return kWhiteKingside | kWhiteQueenside | kBlackKingside | kBlackQueenside;
     uint8_t flags = 0;
     for (char c : text.substr(blank)) {
         if (c == 'K') flags |= kWhiteKingside;

@@ -10,8 +10,8 @@
 namespace moremate {
 
 struct TFenWarnings {
-    bool castling = false;    // the FEN withholds a castling right the position has
-    bool enPassant = false;   // the FEN names an en passant square
+    bool castling = false;   // the FEN withholds a castling right the position has
+    bool enPassant = false;  // the FEN names an en passant square
 };
 
 // Fills `board` from `text` and validates it (ChessException on a rule broken, or on an unknown

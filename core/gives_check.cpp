@@ -26,7 +26,8 @@ bool DirectCheck(const TChessboard& b, uint8_t type, uint8_t colour, int from, i
             return df * dr == 2;
         }
         case kPawn:
-            return std::abs(FileOf(to) - FileOf(king)) == 1 && RankOf(king) - RankOf(to) == (colour == kWhite ? 1 : -1);
+            return std::abs(FileOf(to) - FileOf(king)) == 1 &&
+                   RankOf(king) - RankOf(to) == (colour == kWhite ? 1 : -1);
         case kKing:
             return false;
         default: {

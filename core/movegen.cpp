@@ -29,7 +29,7 @@ struct CNodeInfo {
     uint8_t us, them;
     int king;
     uint64_t pinned = 0;
-    int8_t pinDir[64];        // valid only for pinned squares
+    int8_t pinDir[64];         // valid only for pinned squares
     uint64_t targets = ~0ull;  // squares a non-king move may go to (check evasion)
     bool doubleCheck = false;
 };
@@ -126,7 +126,8 @@ bool KingMoves(const TChessboard& b, const CNodeInfo& info, Sink& sink, bool ste
     const CJumps& around = g_geometry.king[info.king];
     for (int i = 0; steps && i < around.count; ++i) {
         const int to = around.squares[i];
-        if (ColourOf(b.squares[to]) != info.us && !IsAttacked(b, lifted, to, info.them) && !sink(info.king, to, 0))
+        if (ColourOf(b.squares[to]) != info.us && !IsAttacked(b, lifted, to, info.them) &&
+            !sink(info.king, to, 0))
             return false;
     }
     if (b.InCheck()) return true;
@@ -143,7 +144,8 @@ bool KingMoves(const TChessboard& b, const CNodeInfo& info, Sink& sink, bool ste
 }
 
 template <typename Sink>
-bool SliderMoves(const TChessboard& b, const CNodeInfo& info, int from, int firstDir, int lastDir, Sink& sink) {
+bool SliderMoves(const TChessboard& b, const CNodeInfo& info, int from, int firstDir, int lastDir,
+                 Sink& sink) {
     for (int d = firstDir; d <= lastDir; ++d) {
         const CRay& ray = g_geometry.rays[from][d];
         for (int i = 0; i < ray.length; ++i) {
@@ -163,7 +165,8 @@ bool KnightMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& si
     const CJumps& jumps = g_geometry.knight[from];
     for (int i = 0; i < jumps.count; ++i) {
         const int to = jumps.squares[i];
-        if (ColourOf(b.squares[to]) != info.us && ((info.targets >> to) & 1) && !sink(from, to, 0)) return false;
+        if (ColourOf(b.squares[to]) != info.us && ((info.targets >> to) & 1) && !sink(from, to, 0))
+            return false;
     }
     return true;
 }
@@ -171,12 +174,18 @@ bool KnightMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& si
 template <typename Sink>
 bool PieceMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sink) {
     switch (TypeOf(b.squares[from])) {
-        case kPawn: return PawnMoves(b, info, from, sink);
-        case kKnight: return KnightMoves(b, info, from, sink);
-        case kBishop: return SliderMoves(b, info, from, kNorthEast, kSouthWest, sink);
-        case kRook: return SliderMoves(b, info, from, kNorth, kWest, sink);
-        case kQueen: return SliderMoves(b, info, from, kNorth, kSouthWest, sink);
-        default: return true;
+        case kPawn:
+            return PawnMoves(b, info, from, sink);
+        case kKnight:
+            return KnightMoves(b, info, from, sink);
+        case kBishop:
+            return SliderMoves(b, info, from, kNorthEast, kSouthWest, sink);
+        case kRook:
+            return SliderMoves(b, info, from, kNorth, kWest, sink);
+        case kQueen:
+            return SliderMoves(b, info, from, kNorth, kSouthWest, sink);
+        default:
+            return true;
     }
 }
 
@@ -195,12 +204,18 @@ bool Generate(const TChessboard& b, Sink& sink, bool kingSteps = true) {
 uint8_t* MaterialCount(TChessboard& b, Piece p) {
     const bool white = ColourOf(p) == kWhite;
     switch (TypeOf(p)) {
-        case kQueen: return white ? &b.whiteQueens : &b.blackQueens;
-        case kRook: return white ? &b.whiteRooks : &b.blackRooks;
-        case kBishop: return white ? &b.whiteBishops : &b.blackBishops;
-        case kKnight: return white ? &b.whiteKnights : &b.blackKnights;
-        case kPawn: return white ? &b.whitePawns : &b.blackPawns;
-        default: return nullptr;
+        case kQueen:
+            return white ? &b.whiteQueens : &b.blackQueens;
+        case kRook:
+            return white ? &b.whiteRooks : &b.blackRooks;
+        case kBishop:
+            return white ? &b.whiteBishops : &b.blackBishops;
+        case kKnight:
+            return white ? &b.whiteKnights : &b.blackKnights;
+        case kPawn:
+            return white ? &b.whitePawns : &b.blackPawns;
+        default:
+            return nullptr;
     }
 }
 
@@ -304,9 +319,13 @@ void PlayMove(const TChessboard& parent, const TMove& move, TChessboard& child) 
     }
 }
 
-bool IsMate(const TChessboard& board) { return board.InCheck() && !HasLegalMove(board); }
+bool IsMate(const TChessboard& board) {
+    return board.InCheck() && !HasLegalMove(board);
+}
 
-bool IsStalemate(const TChessboard& board) { return !board.InCheck() && !HasLegalMove(board); }
+bool IsStalemate(const TChessboard& board) {
+    return !board.InCheck() && !HasLegalMove(board);
+}
 
 uint8_t HomeCastlingRights(const uint8_t* squares) {
     uint8_t rights = 0;
@@ -318,6 +337,8 @@ uint8_t HomeCastlingRights(const uint8_t* squares) {
     return rights;
 }
 
-uint8_t CastlingRights(const TChessboard& board) { return board.castling & HomeCastlingRights(board.squares); }
+uint8_t CastlingRights(const TChessboard& board) {
+    return board.castling & HomeCastlingRights(board.squares);
+}
 
 }  // namespace moremate

@@ -36,7 +36,9 @@ void PlayMove(const TChessboard& parent, const TMove& move, TChessboard& child);
 bool IsMate(const TChessboard& board);
 bool IsStalemate(const TChessboard& board);
 // Whether the move played into `board` left the side to move in check.
-inline bool GivesCheck(const TChessboard& after) { return after.InCheck(); }
+inline bool GivesCheck(const TChessboard& after) {
+    return after.InCheck();
+}
 
 // Castling rights the position holds now: the remembered rights whose king and rook still stand
 // on their home squares.

@@ -17,8 +17,10 @@ void AddJumps(CJumps& jumps, int sq, const int (*offsets)[2], int n) {
 }
 
 CGeometry Build() {
-    static constexpr int kKnightOffsets[8][2] = {{1, 2}, {2, 1}, {2, -1}, {1, -2}, {-1, -2}, {-2, -1}, {-2, 1}, {-1, 2}};
-    static constexpr int kKingOffsets[8][2] = {{0, 1}, {1, 1}, {1, 0}, {1, -1}, {0, -1}, {-1, -1}, {-1, 0}, {-1, 1}};
+    static constexpr int kKnightOffsets[8][2] = {{1, 2},   {2, 1},   {2, -1}, {1, -2},
+                                                 {-1, -2}, {-2, -1}, {-2, 1}, {-1, 2}};
+    static constexpr int kKingOffsets[8][2] = {{0, 1},  {1, 1},   {1, 0},  {1, -1},
+                                               {0, -1}, {-1, -1}, {-1, 0}, {-1, 1}};
     CGeometry g{};
     for (int sq = 0; sq < 64; ++sq) {
         for (int to = 0; to < 64; ++to) g.direction[sq][to] = -1;

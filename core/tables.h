@@ -33,7 +33,11 @@ struct CGeometry {
 
 extern const CGeometry& g_geometry;
 
-constexpr bool IsDiagonal(int dir) { return dir >= kNorthEast; }
-constexpr uint64_t Bit(int sq) { return uint64_t{1} << sq; }
+constexpr bool IsDiagonal(int dir) {
+    return dir >= kNorthEast;
+}
+constexpr uint64_t Bit(int sq) {
+    return uint64_t{1} << sq;
+}
 
 }  // namespace moremate

@@ -9,12 +9,22 @@ namespace moremate {
 using Square = uint8_t;
 inline constexpr Square kNoSquare = 255;
 
-constexpr int FileOf(int sq) { return sq & 7; }
-constexpr int RankOf(int sq) { return sq >> 3; }
-constexpr int MakeSquare(int file, int rank) { return 8 * rank + file; }
-constexpr bool OnBoard(int file, int rank) { return file >= 0 && file < 8 && rank >= 0 && rank < 8; }
+constexpr int FileOf(int sq) {
+    return sq & 7;
+}
+constexpr int RankOf(int sq) {
+    return sq >> 3;
+}
+constexpr int MakeSquare(int file, int rank) {
+    return 8 * rank + file;
+}
+constexpr bool OnBoard(int file, int rank) {
+    return file >= 0 && file < 8 && rank >= 0 && rank < 8;
+}
 // Square colour parity: a1 has parity 0.
-constexpr int SquareColour(int sq) { return ((sq >> 3) + sq) & 1; }
+constexpr int SquareColour(int sq) {
+    return ((sq >> 3) + sq) & 1;
+}
 
 // Piece byte: colour bit 0x40 (White) or 0x80 (Black) plus the type in the low five bits.
 // The queen's type is the union of the rook's and the bishop's, so a slider test is one mask.
@@ -26,12 +36,22 @@ inline constexpr uint8_t kBlack = 0x80;
 inline constexpr uint8_t kColourMask = 0xC0;
 inline constexpr Piece kEmpty = 0;
 
-constexpr uint8_t TypeOf(Piece p) { return p & kTypeMask; }
-constexpr uint8_t ColourOf(Piece p) { return p & kColourMask; }
-constexpr uint8_t Opponent(uint8_t colour) { return colour ^ kColourMask; }
-constexpr Piece MakePiece(uint8_t colour, uint8_t type) { return colour | type; }
+constexpr uint8_t TypeOf(Piece p) {
+    return p & kTypeMask;
+}
+constexpr uint8_t ColourOf(Piece p) {
+    return p & kColourMask;
+}
+constexpr uint8_t Opponent(uint8_t colour) {
+    return colour ^ kColourMask;
+}
+constexpr Piece MakePiece(uint8_t colour, uint8_t type) {
+    return colour | type;
+}
 // Colour of the side to move from the parity of the remaining half-moves: odd is White.
-constexpr uint8_t SideToMove(int movesLeft) { return static_cast<uint8_t>((2 - (movesLeft & 1)) << 6); }
+constexpr uint8_t SideToMove(int movesLeft) {
+    return static_cast<uint8_t>((2 - (movesLeft & 1)) << 6);
+}
 
 // A move: from, to and a promotion byte whose low five bits are the promoted type (0 = none).
 // from == to is the null move.

@@ -41,7 +41,8 @@ void CountWhiteBishop(TChessboard& b, int sq) {
 void ResetDerived(TChessboard& b) {
     b.whiteQueens = b.blackQueens = b.whiteRooks = b.blackRooks = b.whiteBishops = b.blackBishops = 0;
     b.whiteKnights = b.blackKnights = b.whitePawns = b.blackPawns = 0;
-    for (uint8_t* slots : {b.whiteRookSquares, b.whiteBishopSquares, b.whiteKnightSquares}) slots[0] = slots[1] = kNoSquare;
+    for (uint8_t* slots : {b.whiteRookSquares, b.whiteBishopSquares, b.whiteKnightSquares})
+        slots[0] = slots[1] = kNoSquare;
     b.whiteQueenSquare[0] = kNoSquare;
     b.whiteMaterialIndexable = true;
 }
@@ -55,19 +56,46 @@ void CheckRules(TChessboard& b) {
         if (TypeOf(p) == kPawn && (sq < 8 || RankOf(sq) == 7))
             throw ChessException("Pawns cannot occupy 1st nor 8th line of the chessboard.");
         switch (p) {
-            case kWhite | kKing: StoreWhiteKing(b, sq); ++whiteKings; break;
-            case kBlack | kKing: StoreBlackKing(b, sq); ++blackKings; break;
-            case kWhite | kPawn: ++b.whitePawns; break;
-            case kWhite | kBishop: CountWhiteBishop(b, sq); break;
-            case kWhite | kRook: CountIndexable(b, b.whiteRooks, b.whiteRookSquares, 2, sq); break;
-            case kWhite | kKnight: CountIndexable(b, b.whiteKnights, b.whiteKnightSquares, 2, sq); break;
-            case kWhite | kQueen: CountIndexable(b, b.whiteQueens, b.whiteQueenSquare, 1, sq); break;
-            case kBlack | kPawn: ++b.blackPawns; break;
-            case kBlack | kBishop: ++b.blackBishops; break;
-            case kBlack | kRook: ++b.blackRooks; break;
-            case kBlack | kKnight: ++b.blackKnights; break;
-            case kBlack | kQueen: ++b.blackQueens; break;
-            default: break;
+            case kWhite | kKing:
+                StoreWhiteKing(b, sq);
+                ++whiteKings;
+                break;
+            case kBlack | kKing:
+                StoreBlackKing(b, sq);
+                ++blackKings;
+                break;
+            case kWhite | kPawn:
+                ++b.whitePawns;
+                break;
+            case kWhite | kBishop:
+                CountWhiteBishop(b, sq);
+                break;
+            case kWhite | kRook:
+                CountIndexable(b, b.whiteRooks, b.whiteRookSquares, 2, sq);
+                break;
+            case kWhite | kKnight:
+                CountIndexable(b, b.whiteKnights, b.whiteKnightSquares, 2, sq);
+                break;
+            case kWhite | kQueen:
+                CountIndexable(b, b.whiteQueens, b.whiteQueenSquare, 1, sq);
+                break;
+            case kBlack | kPawn:
+                ++b.blackPawns;
+                break;
+            case kBlack | kBishop:
+                ++b.blackBishops;
+                break;
+            case kBlack | kRook:
+                ++b.blackRooks;
+                break;
+            case kBlack | kKnight:
+                ++b.blackKnights;
+                break;
+            case kBlack | kQueen:
+                ++b.blackQueens;
+                break;
+            default:
+                break;
         }
     }
     if (whiteKings != 1 || blackKings != 1) throw ChessException("Illegal number of kings.");

@@ -7,7 +7,8 @@ namespace {
 
 std::string MovesText(const TChessboard& node, const std::vector<TMove>& moves, size_t from) {
     std::string text;
-    for (size_t i = from; i < moves.size(); ++i) text += (text.empty() ? "" : ", ") + MoveToText(node, moves[i]);
+    for (size_t i = from; i < moves.size(); ++i)
+        text += (text.empty() ? "" : ", ") + MoveToText(node, moves[i]);
     return text;
 }
 
@@ -45,9 +46,11 @@ std::string DefenceText(const TChessboard& node, const TDefence& defence) {
     if (defence.replies == 0) return "No valid move found";
     if (!defence.refutations.empty()) {
         if (defence.replies == 1) return "The only reply: " + MoveToText(node, defence.refutations.front());
-        return "Mate in the requested stipulation was refuted with: " + WithEquivalents(node, defence.refutations);
+        return "Mate in the requested stipulation was refuted with: " +
+               WithEquivalents(node, defence.refutations);
     }
-    if (defence.replies == 1) return "The only reply (not a defence against mate) : " + MoveToText(node, defence.best.front());
+    if (defence.replies == 1)
+        return "The only reply (not a defence against mate) : " + MoveToText(node, defence.best.front());
     return "Not found any defence against mate. The best looks: " + WithEquivalents(node, defence.best);
 }
 

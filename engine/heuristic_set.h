@@ -16,9 +16,9 @@ enum class TKingMode : uint8_t { Off, Strict, AlmostStrict };
 // Modes of SH_FINDFORCEDMATE, stored as the dialog's radio buttons number them.
 enum TFindForcedMateMode : uint8_t {
     kFfmCheckOnly = 2,
-    kFfmThreat1 = 3,   // "#1"
+    kFfmThreat1 = 3,      // "#1"
     kFfmThreat1Plus = 4,  // "#1+"
-    kFfmThreat2 = 5,   // "#2"
+    kFfmThreat2 = 5,      // "#2"
     kFfmThreat2Plus = 6,  // "#2+"
     kFfmThreat3 = 7,
     kFfmThreat4 = 8,
@@ -26,19 +26,24 @@ enum TFindForcedMateMode : uint8_t {
 };
 
 // Colour mode of SH_ONECOLORPLAYPOSSIBLE.
-enum class TColourMode : uint8_t { None = 0, WhiteSquaresOnly = 1, BlackSquaresOnly = 2, SeparatedBlackBishop = 3 };
+enum class TColourMode : uint8_t {
+    None = 0,
+    WhiteSquaresOnly = 1,
+    BlackSquaresOnly = 2,
+    SeparatedBlackBishop = 3
+};
 
 // Dynamic relaxation of the edge and ext.edge heuristics.
 struct TEdgeRelaxation {
-    bool onAdvancedPawn = false;       // "A"
-    uint8_t figuresToCapture = 0;      // "C<n>", 0 = off
-    bool alsoPawns = false;            // without it "f" follows the count
-    bool deferCheck = false;           // "D<n>,M<m>"
+    bool onAdvancedPawn = false;   // "A"
+    uint8_t figuresToCapture = 0;  // "C<n>", 0 = off
+    bool alsoPawns = false;        // without it "f" follows the count
+    bool deferCheck = false;       // "D<n>,M<m>"
     uint8_t deferMoves = 0;
-    uint8_t deferSecondCount = 0;      // printed after ",M"
-    bool extEdgeOnly = false;          // "applicable for ext.edge version ONLY"
+    uint8_t deferSecondCount = 0;  // printed after ",M"
+    bool extEdgeOnly = false;      // "applicable for ext.edge version ONLY"
     bool skipDeferIfNoBalanceChange = false;
-    bool automatic = false;            // "let program automatically dyn.relax heuristics"
+    bool automatic = false;  // "let program automatically dyn.relax heuristics"
     friend bool operator==(const TEdgeRelaxation&, const TEdgeRelaxation&) = default;
 };
 
@@ -64,31 +69,32 @@ struct TFindForcedMate {
 
 struct THeuristicParameters {
     TKingMode kingMode = TKingMode::Off;
-    bool inclCorner = false;         // b2, b7, g2, g7 count as edge squares
-    bool edgeStrict = false;         // "strict" of the edge / ext.edge pair
+    bool inclCorner = false;  // b2, b7, g2, g7 count as edge squares
+    bool edgeStrict = false;  // "strict" of the edge / ext.edge pair
     TEdgeRelaxation edgeRelaxation;
-    int8_t cornerDistance = 0;       // > 0: squares ("3S"); <= 0: |value| king moves ("2M")
-    bool surroundedStrict = false;   // SH_ASSERTBLACKKINGSURROUNDED "strict (max 2 free sqrs)"
-    uint8_t loseFiguresPawns = 0;    // SH_DONTLOSEANYFIGURES: 0 none, 1 "incl.pawns", 2+ "incl.pawnsBeforePromo"
+    int8_t cornerDistance = 0;      // > 0: squares ("3S"); <= 0: |value| king moves ("2M")
+    bool surroundedStrict = false;  // SH_ASSERTBLACKKINGSURROUNDED "strict (max 2 free sqrs)"
+    uint8_t loseFiguresPawns =
+        0;  // SH_DONTLOSEANYFIGURES: 0 none, 1 "incl.pawns", 2+ "incl.pawnsBeforePromo"
     Square mainDiagonalFigure = kNoSquare;  // black piece that may not leave the main diagonal
-    bool promotedStrict = false;     // "strict (fewer exceptions)" of the promoted-piece rules
+    bool promotedStrict = false;            // "strict (fewer exceptions)" of the promoted-piece rules
     Square blockedFigures[8] = {kNoSquare, kNoSquare, kNoSquare, kNoSquare,
                                 kNoSquare, kNoSquare, kNoSquare, kNoSquare};  // DLFU
     uint8_t blockedCount = 0;
-    bool dlfuEff = false;            // "EFF"
-    bool dlfuDynamic = true;         // "let program apply this heuristics dynamically"
+    bool dlfuEff = false;     // "EFF"
+    bool dlfuDynamic = true;  // "let program apply this heuristics dynamically"
     Square keyWhiteFigure = kNoSquare;
     Square keySquare = kNoSquare;
-    uint8_t keyLine = 0xFF;          // file 0..7
+    uint8_t keyLine = 0xFF;  // file 0..7
     uint8_t keyDiagonal[2] = {0xFF, 0xFF};
     TColourMode colourMode = TColourMode::None;
     uint8_t zugzwangSquares[64] = {};  // the position to return to (piece bytes), when set
     bool zugzwangSet = false;
     uint8_t zugzwangAfterMove = 0;
-    bool skipPassive = false;        // SH_SKIPWORSTWHITEMOVES "SkipPassive"
+    bool skipPassive = false;  // SH_SKIPWORSTWHITEMOVES "SkipPassive"
     TSeaSnake seaSnake;
     TFindForcedMate ffm;
-    uint8_t quickMateDepth = 0;      // "LFQMDepth(#n)": 0 = the engine's default
+    uint8_t quickMateDepth = 0;  // "LFQMDepth(#n)": 0 = the engine's default
     friend bool operator==(const THeuristicParameters&, const THeuristicParameters&) = default;
 };
 

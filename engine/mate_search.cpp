@@ -20,7 +20,8 @@ bool EnPassantPossible(const TChessboard& node) {
     const int pawnSquare = us == kWhite ? node.epSquare - 8 : node.epSquare + 8;  // the pawn that passed
     const int file = FileOf(pawnSquare);
     const Piece ours = MakePiece(us, kPawn);
-    return (file > 0 && node.squares[pawnSquare - 1] == ours) || (file < 7 && node.squares[pawnSquare + 1] == ours);
+    return (file > 0 && node.squares[pawnSquare - 1] == ours) ||
+           (file < 7 && node.squares[pawnSquare + 1] == ours);
 }
 
 bool SamePosition(const TChessboard& a, const TChessboard& b) {
@@ -41,7 +42,9 @@ void TMateSearch::CountNode() {
     if (m_env.stop && m_env.stop->load(std::memory_order_relaxed)) throw TSearchStopped{};
 }
 
-uint8_t TMateSearch::FindForcedMate(const TChessboard& node) { return Node(node, 0); }
+uint8_t TMateSearch::FindForcedMate(const TChessboard& node) {
+    return Node(node, 0);
+}
 
 int TMateSearch::ShortestMate(const TChessboard& node) {
     for (int k = 1; k <= node.movesLeft; k += 2) {

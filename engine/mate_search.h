@@ -21,18 +21,18 @@ namespace moremate {
 struct TSearchStopped {};
 
 struct TSearchEnvironment {
-    CPositionStore* store = nullptr;          // the registers of the pass, or none
-    CHeuristicHook* heuristics = nullptr;     // heuristics in force, or none
+    CPositionStore* store = nullptr;       // the registers of the pass, or none
+    CHeuristicHook* heuristics = nullptr;  // heuristics in force, or none
     CGlobalRegisterHook* globalRegister = nullptr;
-    const std::atomic<bool>* stop = nullptr;  // polled at every node
+    const std::atomic<bool>* stop = nullptr;         // polled at every node
     std::atomic<uint64_t>* progressNodes = nullptr;  // nodes searched, updated every few thousand
-    CSearchLog* log = nullptr;                // per-thread move log, or none
-    std::string logFolder;                    // where "PoorSWM.log" goes
-    int quickerMateDepth = 7;                 // "LFQMDepth": 0 switches the quicker-mate log off
+    CSearchLog* log = nullptr;                       // per-thread move log, or none
+    std::string logFolder;                           // where "PoorSWM.log" goes
+    int quickerMateDepth = 7;                        // "LFQMDepth": 0 switches the quicker-mate log off
 };
 
 class TMateSearch {
-public:
+  public:
     explicit TMateSearch(const TSearchEnvironment& env) : m_env(env) {}
 
     // The result code for `node` with `node.movesLeft` half-moves left.
@@ -46,7 +46,7 @@ public:
     uint64_t Nodes() const { return m_nNodes; }
     uint32_t DoubtReason() const { return m_nDoubtReason; }
 
-private:
+  private:
     uint8_t Node(const TChessboard& node, int ply);
     uint8_t WhiteNode(const TChessboard& node, int ply);
     uint8_t WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply);

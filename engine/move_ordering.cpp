@@ -10,15 +10,23 @@ namespace {
 
 int PieceValue(Piece p) {
     switch (TypeOf(p)) {
-        case kQueen: return 9;
-        case kRook: return 5;
-        case kBishop: case kKnight: return 3;
-        case kPawn: return 1;
-        default: return 0;
+        case kQueen:
+            return 9;
+        case kRook:
+            return 5;
+        case kBishop:
+        case kKnight:
+            return 3;
+        case kPawn:
+            return 1;
+        default:
+            return 0;
     }
 }
 
-int KingDistance(int a, int b) { return std::max(std::abs(FileOf(a) - FileOf(b)), std::abs(RankOf(a) - RankOf(b))); }
+int KingDistance(int a, int b) {
+    return std::max(std::abs(FileOf(a) - FileOf(b)), std::abs(RankOf(a) - RankOf(b)));
+}
 
 // Stable sort of the list by descending score; lists are short, so insertion sort.
 void SortByScore(TMoveList& list, int* score) {
@@ -47,7 +55,8 @@ int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMove
         if (checksOnly && !check) continue;
         checks += check;
         const int victim = PieceValue(board.squares[m.to]);
-        int s = killers.Rank(m) * 10000 + (check ? 1000 : 0) + victim * 50 + (m.PromotedType() == kQueen ? 300 : 0);
+        int s = killers.Rank(m) * 10000 + (check ? 1000 : 0) + victim * 50 +
+                (m.PromotedType() == kQueen ? 300 : 0);
         s += 8 - KingDistance(m.to, blackKing);
         list.moves[kept] = m;
         score[kept++] = s;

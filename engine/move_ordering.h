@@ -17,7 +17,9 @@ struct TKillerMoves {
         moves[1] = moves[0];
         moves[0] = m;
     }
-    int Rank(const TMove& m) const { return moves[0] == m && !m.IsNull() ? 2 : (moves[1] == m && !m.IsNull() ? 1 : 0); }
+    int Rank(const TMove& m) const {
+        return moves[0] == m && !m.IsNull() ? 2 : (moves[1] == m && !m.IsNull() ? 1 : 0);
+    }
 };
 
 // White's moves: killers, then checks, then captures (most valuable victim first), then moves

@@ -9,7 +9,7 @@
 namespace moremate {
 
 class CPositionStore {
-public:
+  public:
     virtual ~CPositionStore() = default;
     // kMate when a mate within `halfMoves` is known, kNoMate when none is, kDoubtful when the
     // line was found doubtful under the pass's heuristics, else kUnknownResult.

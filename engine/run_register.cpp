@@ -19,10 +19,12 @@ std::unique_ptr<TAggregatedTemporaryChessboardRegister> Make(const TRegisterSize
 
 }  // namespace
 
-CRunRegister::CRunRegister(const TOptions& options) : CRunRegister(RegisterSizeForMemory(options.TempRegQuotaMB()).nCapacity) {}
+CRunRegister::CRunRegister(const TOptions& options)
+    : CRunRegister(RegisterSizeForMemory(options.TempRegQuotaMB()).nCapacity) {}
 
 CRunRegister::CRunRegister(uint32_t capacity)
-    : m_white(Make(RegisterSizeForCapacity(capacity / 2))), m_black(Make(RegisterSizeForCapacity(capacity / 2))) {}
+    : m_white(Make(RegisterSizeForCapacity(capacity / 2))),
+      m_black(Make(RegisterSizeForCapacity(capacity / 2))) {}
 
 void CRunRegister::SetConfiguration(uint32_t heuristics, uint32_t parameters) {
     m_nConfiguration = ConfigurationKey(heuristics, parameters);
@@ -33,11 +35,15 @@ uint8_t CRunRegister::Lookup(const uint8_t* squares, int halfMoves) {
     const uint16_t n = static_cast<uint16_t>(halfMoves);
     TAggregatedTemporaryChessboardRegister& reg = For(halfMoves);
     switch (reg.Answer(n, item)) {
-        case TRegisterAnswer::Mate: return kMate;
-        case TRegisterAnswer::NoMate: return kNoMate;
-        case TRegisterAnswer::Unknown: break;
+        case TRegisterAnswer::Mate:
+            return kMate;
+        case TRegisterAnswer::NoMate:
+            return kNoMate;
+        case TRegisterAnswer::Unknown:
+            break;
     }
-    if (m_nConfiguration != 0 && AnswerFor(reg.FindDoubtful(m_nConfiguration, item), n) == TRegisterAnswer::Mate)
+    if (m_nConfiguration != 0 &&
+        AnswerFor(reg.FindDoubtful(m_nConfiguration, item), n) == TRegisterAnswer::Mate)
         return kDoubtful;
     return kUnknownResult;
 }

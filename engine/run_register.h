@@ -15,7 +15,7 @@
 namespace moremate {
 
 class CRunRegister : public CPositionStore {
-public:
+  public:
     // Sized from the memory share of the options (MaxMemRatioForTempReg).
     explicit CRunRegister(const TOptions& options);
     // Sized for a given element count (scripts and tests).
@@ -32,8 +32,10 @@ public:
     TAggregatedTemporaryChessboardRegister& WhiteToMove() { return *m_white; }
     TAggregatedTemporaryChessboardRegister& BlackToMove() { return *m_black; }
 
-private:
-    TAggregatedTemporaryChessboardRegister& For(int halfMoves) const { return halfMoves & 1 ? *m_white : *m_black; }
+  private:
+    TAggregatedTemporaryChessboardRegister& For(int halfMoves) const {
+        return halfMoves & 1 ? *m_white : *m_black;
+    }
 
     std::unique_ptr<TAggregatedTemporaryChessboardRegister> m_white, m_black;
     uint64_t m_nConfiguration = 0;

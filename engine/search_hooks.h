@@ -10,7 +10,7 @@
 namespace moremate {
 
 class CHeuristicHook {
-public:
+  public:
     virtual ~CHeuristicHook() = default;
     // Asked after each move: 0 lets the line go on, otherwise the bit of the heuristic that
     // makes the line "mate doubtful". Never consulted for a move that mates at once.
@@ -26,7 +26,7 @@ public:
 };
 
 class CGlobalRegisterHook {
-public:
+  public:
     virtual ~CGlobalRegisterHook() = default;
     // Settles a node from precalculated data: true with `result` set (kMate or kNoMate), or
     // false when the position is not of a precalculated type.

@@ -25,7 +25,8 @@ std::string Path(const std::string& folder, const std::string& name) {
 }  // namespace
 
 std::string DoubtReasonText(uint32_t reason) {
-    if (reason == 0 || reason == 0xFFFFFFFFu) return fmt::format("{} ({} (temp.reg.))", SearchResultWord(kDoubtful), reason);
+    if (reason == 0 || reason == 0xFFFFFFFFu)
+        return fmt::format("{} ({} (temp.reg.))", SearchResultWord(kDoubtful), reason);
     if (reason >= 0xFFFFFFE0u) return fmt::format("{}/impossible ({})", SearchResultWord(kDoubtful), reason);
     return fmt::format("{} ({})", SearchResultWord(kDoubtful), HeuristicName(reason));
 }
@@ -37,7 +38,8 @@ void CSearchLog::Result(int played, const TMove& move, uint8_t result, uint32_t 
     if (m_bSuppressed || played >= kMaxLoggedHalfMoves + 1 || !m_file.is_open()) return;
     std::string line(static_cast<size_t>(std::max(played, 0)), '\t');
     const int number = (std::max(played, 1) - 1) / 2 + 1;
-    line += fmt::format("{}{} {}-{} ", number, played % 2 == 1 ? "." : " ...", SquareText(move.from), SquareText(move.to));
+    line += fmt::format("{}{} {}-{} ", number, played % 2 == 1 ? "." : " ...", SquareText(move.from),
+                        SquareText(move.to));
     line += result == kDoubtful ? DoubtReasonText(doubtReason) : SearchResultWord(result);
     std::lock_guard lock(g_moveLogLock);
     m_file << line << '\n';
@@ -54,7 +56,8 @@ void CSearchLog::NextMultithreadingLevel() {
     Line("NextMultithreadingLevel analysis...");
 }
 
-void CSearchLog::PoorlySortedMove(const std::string& folder, const TChessboard& board, const TMove& move, int index) {
+void CSearchLog::PoorlySortedMove(const std::string& folder, const TChessboard& board, const TMove& move,
+                                  int index) {
     std::lock_guard lock(g_poorSortLock);
     std::ofstream out(Path(folder, "PoorSWM.log"), std::ios::app);
     out << fmt::format("\n{} #{}, move {} sorted as {}th", WriteFenPlacement(board), board.movesLeft / 2 + 1,

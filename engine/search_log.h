@@ -12,7 +12,7 @@
 namespace moremate {
 
 class CSearchLog {
-public:
+  public:
     // Opens ".../MovesLogger_problem<N>_thr<T>.log" in `folder` for appending.
     CSearchLog(const std::string& folder, unsigned problem, unsigned thread);
 
@@ -26,9 +26,10 @@ public:
     void Suppress(bool suppressed) { m_bSuppressed = suppressed; }
 
     // Appends "\n<placement> #<n>, move <move> sorted as <index>th" to "PoorSWM.log" in `folder`.
-    static void PoorlySortedMove(const std::string& folder, const TChessboard& board, const TMove& move, int index);
+    static void PoorlySortedMove(const std::string& folder, const TChessboard& board, const TMove& move,
+                                 int index);
 
-private:
+  private:
     std::ofstream m_file;
     bool m_bSuppressed = false;
 };

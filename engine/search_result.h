@@ -16,12 +16,18 @@ enum SearchResult : uint8_t {
 
 inline const char* SearchResultWord(uint8_t result) {
     switch (result) {
-        case kNoMate: return "no mate";
-        case kMate: return "mate";
-        case kDepthLimit: return "end of FindForcedMate depth";
-        case kRepetition: return "position repetition";
-        case kDoubtful: return "doubtful";
-        default: return "result error";
+        case kNoMate:
+            return "no mate";
+        case kMate:
+            return "mate";
+        case kDepthLimit:
+            return "end of FindForcedMate depth";
+        case kRepetition:
+            return "position repetition";
+        case kDoubtful:
+            return "doubtful";
+        default:
+            return "result error";
     }
 }
 

@@ -17,7 +17,7 @@ namespace {
 
 // Raises the stop flag when the time limit runs out, unless the solve ends first.
 class CDeadline {
-public:
+  public:
     CDeadline(int seconds, std::atomic<bool>& flag) {
         if (seconds <= 0) return;
         m_thread = std::thread([this, seconds, &flag] {
@@ -34,7 +34,7 @@ public:
         if (m_thread.joinable()) m_thread.join();
     }
 
-private:
+  private:
     std::mutex m_mutex;
     std::condition_variable m_cv;
     bool m_bDone = false;
@@ -151,7 +151,8 @@ void FindKeys(std::vector<TMateSearch>& searches, const TSolveRequest& request, 
     CFirstMoves firstMoves(searches, root, OrderedFirstMoves(request));
     bool doubtful = false;
     // With a limit, shortest mates first, so that the first keys are found as fast as possible.
-    for (int k = limit == SIZE_MAX ? root.movesLeft : 1; k <= root.movesLeft && out.keys.size() < limit; k += 2) {
+    for (int k = limit == SIZE_MAX ? root.movesLeft : 1; k <= root.movesLeft && out.keys.size() < limit;
+         k += 2) {
         const std::vector<uint8_t> results = firstMoves.Search(k, limit - out.keys.size());
         for (size_t i = 0; i < results.size() && out.keys.size() < limit; ++i) {
             const TMove& m = firstMoves.Moves()[i];

@@ -18,8 +18,8 @@ struct TSolveRequest {
     int maxKeys = 0;               // stop after this many keys; 0: one key, or every key with `allSolutions`
     std::vector<TMove> knownKeys;  // keys found by earlier passes: not searched again
     std::vector<TMove> preferredFirstMoves;  // tried first, in this order (the problem's sort indications)
-    int timeLimitSeconds = 0;      // 0 = none
-    int threads = 1;               // threads searching the first moves; results do not depend on it
+    int timeLimitSeconds = 0;                // 0 = none
+    int threads = 1;                         // threads searching the first moves; results do not depend on it
     TSearchEnvironment environment;
 };
 

@@ -29,8 +29,8 @@ TEST(GivesCheck, AgreesWithThePlayedPosition) {
         "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -",
         "r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq - 0 1",
         "rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ - 1 8",
-        "1k6/1P6/8/8/8/8/8/1R2K3 w - -",   // promotion uncovering the file behind it
-        "5k2/8/8/8/8/8/8/4K2R w K -",      // check by the castling rook
+        "1k6/1P6/8/8/8/8/8/1R2K3 w - -",  // promotion uncovering the file behind it
+        "5k2/8/8/8/8/8/8/4K2R w K -",     // check by the castling rook
     };
     int compared = 0;
     for (const char* fen : fens) CompareAlongTree(test::Board(fen), 3, compared);

@@ -11,7 +11,7 @@
 namespace moremate::test {
 
 class CMapStore : public CPositionStore {
-public:
+  public:
     uint8_t Lookup(const uint8_t* squares, int halfMoves) override {
         std::lock_guard lock(m_mutex);
         const auto it = m_entries.find(Key(squares, halfMoves & 1));
@@ -33,7 +33,7 @@ public:
     size_t Size() const { return m_entries.size(); }
     size_t Stores() const { return m_nStores; }
 
-private:
+  private:
     struct Entry {
         int mate = 0, noMate = 0, doubtful = 0;
     };

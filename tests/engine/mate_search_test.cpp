@@ -92,13 +92,13 @@ TEST(FindForcedMate, RepetitionIsOnlyLookedForInLongProblems) {
 
 // A trivial rule: every move of the king of one colour makes the line doubtful.
 class CKingMustNotMove : public CHeuristicHook {
-public:
+  public:
     explicit CKingMustNotMove(uint8_t colour) : m_nColour(colour) {}
     uint32_t Check(const TChessboard& after) override {
         return after.squares[after.lastMove.to] == (m_nColour | kKing) ? 0x4u : 0u;
     }
 
-private:
+  private:
     uint8_t m_nColour;
 };
 
@@ -134,10 +134,11 @@ TEST(FindForcedMate, DoubtfulResultsAreStoredApartFromProofs) {
 
 // Precalculated data stand-in: settles every position where White has only the king left.
 class CBareKingHasNoMate : public CGlobalRegisterHook {
-public:
+  public:
     bool Settle(const TChessboard& node, uint8_t& result) override {
         ++m_nAsked;
-        if (node.whiteQueens + node.whiteRooks + node.whiteBishops + node.whiteKnights + node.whitePawns) return false;
+        if (node.whiteQueens + node.whiteRooks + node.whiteBishops + node.whiteKnights + node.whitePawns)
+            return false;
         result = kNoMate;
         return true;
     }

@@ -10,7 +10,9 @@ namespace moremate {
 namespace {
 
 // The start of a "#moves" problem.
-TChessboard Root(const char* fen, int moves) { return test::Problem(fen, 2 * moves - 1); }
+TChessboard Root(const char* fen, int moves) {
+    return test::Problem(fen, 2 * moves - 1);
+}
 
 TEST(PositionType, FactsOfMaterialAndBlackKing) {
     // Black: Kh8, Rg8, Bf8, pawns g7 (pinned by the queen) and h7; White: Ke1, Qa1, Bh1.

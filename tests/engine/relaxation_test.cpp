@@ -19,7 +19,9 @@ namespace moremate {
 namespace {
 
 // The start of a "#moves" problem.
-TChessboard Root(const char* fen, int moves) { return test::Problem(fen, 2 * moves - 1); }
+TChessboard Root(const char* fen, int moves) {
+    return test::Problem(fen, 2 * moves - 1);
+}
 
 // Black Kh8 walled in by Rg8 (immobile), Bf8 and pawns g7 (pinned), h7; White Ke1, Qa1, Bh1. #5.
 const TChessboard kCornered = Root("5brk/6pp/8/8/8/8/8/Q3K2B w - - 0 1", 8);

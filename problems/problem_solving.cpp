@@ -11,14 +11,13 @@
 #include "engine/passes.h"
 #include "engine/position_type.h"
 #include "engine/predefined_heuristics.h"
-#include "problems/problem_heuristics.h"
-#include "problems/preferred_first_moves.h"
-#include "problems/problem_moves.h"
-#include "problems/solving_task.h"
-#include "progress_line.h"
+#include "preferred_first_moves.h"
+#include "problem_heuristics.h"
+#include "problem_moves.h"
 #include "solution_details.h"
+#include "solving_task.h"
 
-namespace moremate::cli {
+namespace moremate {
 namespace {
 
 bool MoveLess(const TMove& a, const TMove& b) {
@@ -60,7 +59,7 @@ void Describe(const TChessboard& root, const TPassRunResult& result, TProblemRep
 
 TSolutionCount SolutionCount(const ProblemEntry& entry, const TSolveSettings& settings) {
     if (settings.allSolutions || entry.Has(kOptAllSolutions)) return TSolutionCount::All;
-    const int stopOn = settings.stopOn ? settings.stopOn
+    const int stopOn = settings.stopOn             ? settings.stopOn
                        : entry.Has(kOptStopOn4Sol) ? 4
                        : entry.Has(kOptStopOn3Sol) ? 3
                        : entry.Has(kOptStopOnDual) ? 2
@@ -72,8 +71,8 @@ TSolutionCount SolutionCount(const ProblemEntry& entry, const TSolveSettings& se
 // per-problem switches and parameters.
 THeuristicSet PassOneSet(const ProblemEntry& entry, const TChessboard& root, const TSolveSettings& settings) {
     if (settings.noHeuristics) return {};
-    THeuristicSet set = settings.heuristics ? ReadHeuristicSetText(*settings.heuristics).m_set
-                                            : PositionTypeHeuristics(root);
+    THeuristicSet set =
+        settings.heuristics ? ReadHeuristicSetText(*settings.heuristics).m_set : PositionTypeHeuristics(root);
     return ApplyProblemHeuristics(entry, set);
 }
 
@@ -96,60 +95,63 @@ TBruteForce BruteForce(const ProblemEntry& entry, const TSolveSettings& settings
 }
 
 TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, const TSolveSettings& settings,
-                          TProgramContext& context, CRunRegister& runRegister, std::atomic<uint64_t>& progress) {
+                          const TOptions& options, CRunRegister& runRegister,
+                          std::atomic<uint64_t>* progress) {
     TPassRunRequest request;
     request.position = task.position;
-    request.state = PassState(entry, task.position, settings, context.options);
+    request.state = PassState(entry, task.position, settings, options);
     request.solutions = SolutionCount(entry, settings);
     request.bruteForce = BruteForce(entry, settings);
     request.timeLimitSeconds = settings.timeLimitSeconds;
     request.threads = entry.m_nThreads != kThreadsNotGiven ? entry.m_nThreads : settings.threads;
     request.environment.store = &runRegister;
-    request.environment.progressNodes = &progress;
+    request.environment.progressNodes = progress;
     request.runRegister = &runRegister;
-    request.preferredFirstMoves = PreferredFirstMoves(entry, context.options.m_nLanguageId);
+    request.preferredFirstMoves = PreferredFirstMoves(entry, options.m_nLanguageId);
     const TChessboard root = task.position;
     request.hooks = [root](const THeuristicSet& set) -> std::unique_ptr<CHeuristicHook> {
         if (set.mask == 0) return nullptr;
         return std::make_unique<CSpecialHeuristics>(set, root);
     };
-    request.relaxation.log = context.options.m_bTryRelaxSpecialHeuristicsLog;
+    request.relaxation.log = options.m_bTryRelaxSpecialHeuristicsLog;
     request.relaxation.engineLogPath = "engine.log";
-    if (settings.passStatus) request.output = [](const std::string& line) { fmt::print(stderr, "{}\n", line); };
+    if (settings.passStatus)
+        request.output = [](const std::string& line) { fmt::print(stderr, "{}\n", line); };
     std::optional<CSearchLog> moveLog;
-    if (context.options.m_bLogMoves) {
+    if (options.m_bLogMoves) {
         moveLog.emplace(".", entry.m_nNumber, 0);
         request.environment.log = &*moveLog;
-        request.environment.logFolder = ".";
+        request.environment.logFolder.assign(1, '.');  // the working folder
     }
     const TPassState firstState = request.state;
     TPassRunResult result = RunPasses(std::move(request), nullptr);
-    if (settings.solutionDetails) WriteSolutionDetails(entry, task.position, firstState, SolutionCount(entry, settings), result);
+    if (settings.solutionDetails)
+        WriteSolutionDetails(entry, task.position, firstState, SolutionCount(entry, settings), result);
     return result;
 }
 
 }  // namespace
 
-TProblemReport SolveProblem(const ProblemEntry& entry, const TSolveSettings& settings, TProgramContext& context,
-                            std::unique_ptr<CRunRegister>& runRegister) {
+TProblemReport SolveProblem(const ProblemEntry& entry, const TSolveSettings& settings,
+                            const TOptions& options, std::unique_ptr<CRunRegister>& runRegister,
+                            std::atomic<uint64_t>* progress) {
     TProblemReport report;
     report.problem = entry.m_nNumber;
-    report.stipulation = fmt::format("{}#{}", entry.m_type == ProblemType::Selfmate ? "s" : "",
-                                     entry.StipulationMoves());
+    report.stipulation =
+        fmt::format("{}#{}", entry.m_type == ProblemType::Selfmate ? "s" : "", entry.StipulationMoves());
     if (entry.m_answerKind == AnswerKind::Full) {
         report.expected.emplace();
-        for (const TMove& m : entry.m_vAnswer) report.expected->push_back(AnswerMoveText(entry.m_position.board, m));
+        for (const TMove& m : entry.m_vAnswer)
+            report.expected->push_back(AnswerMoveText(entry.m_position.board, m));
     }
     try {
         if (entry.m_type != ProblemType::Directmate)
             throw ChessException("Only mate problems (type=1) supported currently.");
         TSolvingTask task = MakeSolvingTask(entry);
         task.position.problem = &task.root;
-        if (!runRegister || context.options.m_bClearRegisterOnStartSolving)
-            runRegister = std::make_unique<CRunRegister>(context.options);
-        std::atomic<uint64_t> progress{0};
-        const CProgressLine progressLine(progress, [&runRegister] { return runRegister->FillPercent(); });
-        const TPassRunResult result = RunProblem(entry, task, settings, context, *runRegister, progress);
+        if (!runRegister || options.m_bClearRegisterOnStartSolving)
+            runRegister = std::make_unique<CRunRegister>(options);
+        const TPassRunResult result = RunProblem(entry, task, settings, options, *runRegister, progress);
         if (!result.error.empty()) throw ChessException(result.error);
         Describe(task.position, result, report);
         report.match = Matches(entry, result, SolutionCount(entry, settings) == TSolutionCount::All);
@@ -160,4 +162,4 @@ TProblemReport SolveProblem(const ProblemEntry& entry, const TSolveSettings& set
     return report;
 }
 
-}  // namespace moremate::cli
+}  // namespace moremate

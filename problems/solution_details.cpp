@@ -9,29 +9,31 @@
 #include "core/notation.h"
 #include "settings/program_folder.h"
 
-namespace moremate::cli {
+namespace moremate {
 namespace {
 
 std::string SettingsLines(const TChessboard& root, const TPassState& firstPass, TSolutionCount solutions) {
     std::string text = "Main settings of current analysis\n";
     text += SolutionCountText(solutions) + "\n";
-    text += firstPass.safeMode ? "* Safe mode is on (implicit quick mode heuristics is off)\n"
-                               : "* Quick mode implicit heuristics is on, but it does not affect second pass (without "
-                                 "heuristics), which is/will be run in safe mode\n";
+    text += firstPass.safeMode
+                ? "* Safe mode is on (implicit quick mode heuristics is off)\n"
+                : "* Quick mode implicit heuristics is on, but it does not affect second pass (without "
+                  "heuristics), which is/will be run in safe mode\n";
     const uint8_t depth = firstPass.set.params.quickMateDepth;
     text += depth ? fmt::format("* Custom depth of search for short mate: #{}\n", depth)
                   : "* Default depth of search for short mate (typically #7, sometimes #6 or #8)\n";
     text += "* Threads = 1\n* Effective number of main threads = 1\n* Multithreading levels = 0\n";
     text += "* Scheduler is off\n* Custom scheduler is off\n";
-    text += "* Initial set of heuristics: " + (firstPass.set.mask ? PassSetText(firstPass, &root) : std::string("none")) + "\n";
+    text += "* Initial set of heuristics: " +
+            (firstPass.set.mask ? PassSetText(firstPass, &root) : std::string("none")) + "\n";
     return text;
 }
 
 std::string FoundLines(const TChessboard& root, const TPassRunResult& result) {
     std::string text;
     for (const TPassSummary& p : result.passes)
-        text += fmt::format("Pass {} ({}): {} nodes, {} ms\n", p.pass, p.setText.empty() ? "no heuristics" : p.setText,
-                            p.nodes, p.msec);
+        text += fmt::format("Pass {} ({}): {} nodes, {} ms\n", p.pass,
+                            p.setText.empty() ? "no heuristics" : p.setText, p.nodes, p.msec);
     if (result.keys.empty()) text += "No solution found\n";
     for (const TPassKey& k : result.keys)
         text += fmt::format("Key {} (pass {}): {}\n", MoveToText(root, k.key.move), k.pass,
@@ -44,15 +46,18 @@ std::string Notes(TSolutionCount solutions) {
         "\nNotes:\n * in order to stop generating and/or displaying solution details select the menu item "
         "Advanced->Options and uncheck radio box 'Create solution details' and click 'Save settings'";
     if (solutions == TSolutionCount::Single)
-        text += "\n * duals are not searched for in the single solution mode (use right click for all solutions or "
-                "from menu: brute force, hybrid brute force or all solutions)";
+        text +=
+            "\n * duals are not searched for in the single solution mode (use right click for all solutions "
+            "or "
+            "from menu: brute force, hybrid brute force or all solutions)";
     return text + "\n * late duals not always will be found/displayed\n\n";
 }
 
 }  // namespace
 
-std::string SolutionDetailsText(const ProblemEntry& entry, const TChessboard& root, const TPassState& firstPass,
-                                TSolutionCount solutions, const TPassRunResult& result) {
+std::string SolutionDetailsText(const ProblemEntry& entry, const TChessboard& root,
+                                const TPassState& firstPass, TSolutionCount solutions,
+                                const TPassRunResult& result) {
     return fmt::format("Problem {} #{}\n", entry.m_nNumber, entry.StipulationMoves()) +
            SettingsLines(root, firstPass, solutions) + "\n" + FoundLines(root, result) + Notes(solutions);
 }
@@ -69,4 +74,4 @@ void WriteSolutionDetails(const ProblemEntry& entry, const TChessboard& root, co
     std::filesystem::rename(temporary, file);
 }
 
-}  // namespace moremate::cli
+}  // namespace moremate

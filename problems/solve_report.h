@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace moremate::cli {
+namespace moremate {
 
 // A key with the pass that found it and that pass's heuristics.
 struct TFoundKey {
@@ -16,10 +16,10 @@ struct TFoundKey {
 
 struct TProblemReport {
     unsigned problem = 0;
-    std::string stipulation;  // "#3"
-    std::string result;       // "solved", "no solution", "stopped" or "error"
-    std::vector<std::string> keys;              // answer form: "e2-e4", "h7:g8Q"
-    std::vector<std::string> keysLong;          // long notation: "Qa7-f2"
+    std::string stipulation;            // "#3"
+    std::string result;                 // "solved", "no solution", "stopped" or "error"
+    std::vector<std::string> keys;      // answer form: "e2-e4", "h7:g8Q"
+    std::vector<std::string> keysLong;  // long notation: "Qa7-f2"
     std::vector<TFoundKey> found;
     std::optional<std::vector<std::string>> expected;  // the record's answer, when it has one
     std::optional<bool> match;
@@ -32,4 +32,4 @@ struct TProblemReport {
 std::string ReportText(const TProblemReport& report);
 std::string ReportJson(const TProblemReport& report);
 
-}  // namespace moremate::cli
+}  // namespace moremate

@@ -6,12 +6,14 @@
 #include <optional>
 #include <string>
 
-#include "commands.h"
+#include <atomic>
+
 #include "engine/run_register.h"
-#include "problems/problem_entry.h"
+#include "problem_entry.h"
+#include "settings/options.h"
 #include "solve_report.h"
 
-namespace moremate::cli {
+namespace moremate {
 
 struct TSolveSettings {
     bool allSolutions = false;
@@ -29,7 +31,9 @@ struct TSolveSettings {
 
 // The register is kept from one problem to the next (its results hold for any problem) unless the
 // options ask to clear it whenever solving starts.
-TProblemReport SolveProblem(const ProblemEntry& entry, const TSolveSettings& settings, TProgramContext& context,
-                            std::unique_ptr<CRunRegister>& runRegister);
+// `progress` (may be null) counts the nodes searched while the problem runs.
+TProblemReport SolveProblem(const ProblemEntry& entry, const TSolveSettings& settings,
+                            const TOptions& options, std::unique_ptr<CRunRegister>& runRegister,
+                            std::atomic<uint64_t>* progress);
 
-}  // namespace moremate::cli
+}  // namespace moremate

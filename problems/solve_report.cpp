@@ -5,7 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
-namespace moremate::cli {
+namespace moremate {
 
 std::string ReportText(const TProblemReport& r) {
     std::string text = fmt::format("Problem {} {}: {}", r.problem, r.stipulation, r.result);
@@ -33,7 +33,8 @@ std::string ReportJson(const TProblemReport& r) {
     j["result"] = r.result;
     j["keys"] = r.keys;
     j["found"] = nlohmann::json::array();
-    for (const TFoundKey& f : r.found) j["found"].push_back({{"key", f.key}, {"pass", f.pass}, {"heuristics", f.heuristics}});
+    for (const TFoundKey& f : r.found)
+        j["found"].push_back({{"key", f.key}, {"pass", f.pass}, {"heuristics", f.heuristics}});
     j["expected"] = r.expected ? nlohmann::json(*r.expected) : nlohmann::json(nullptr);
     j["match"] = r.match ? nlohmann::json(*r.match) : nlohmann::json(nullptr);
     j["msec"] = r.msec;
@@ -42,4 +43,4 @@ std::string ReportJson(const TProblemReport& r) {
     return j.dump() + '\n';
 }
 
-}  // namespace moremate::cli
+}  // namespace moremate

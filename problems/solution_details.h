@@ -3,16 +3,17 @@
 #pragma once
 
 #include "engine/passes.h"
-#include "problems/problem_entry.h"
+#include "problem_entry.h"
 
-namespace moremate::cli {
+namespace moremate {
 
 // Writes "SolutionDetails.log" in the program folder (temporary file, then rename).
 void WriteSolutionDetails(const ProblemEntry& entry, const TChessboard& root, const TPassState& firstPass,
                           TSolutionCount solutions, const TPassRunResult& result);
 
 // The text of that file.
-std::string SolutionDetailsText(const ProblemEntry& entry, const TChessboard& root, const TPassState& firstPass,
-                                TSolutionCount solutions, const TPassRunResult& result);
+std::string SolutionDetailsText(const ProblemEntry& entry, const TChessboard& root,
+                                const TPassState& firstPass, TSolutionCount solutions,
+                                const TPassRunResult& result);
 
-}  // namespace moremate::cli
+}  // namespace moremate
