@@ -35,7 +35,7 @@ CSearchLog::CSearchLog(const std::string& folder, unsigned problem, unsigned thr
     : m_file(Path(folder, fmt::format("MovesLogger_problem{}_thr{}.log", problem, thread)), std::ios::app) {}
 
 void CSearchLog::Result(int played, const TMove& move, uint8_t result, uint32_t doubtReason) {
-    if (m_bSuppressed || played >= kMaxLoggedHalfMoves + 1 || !m_file.is_open()) return;
+    if (played > kMaxLoggedHalfMoves || !m_file.is_open()) return;
     std::string line(static_cast<size_t>(std::max(played, 0)), '\t');
     const int number = (std::max(played, 1) - 1) / 2 + 1;
     line += fmt::format("{}{} {}-{} ", number, played % 2 == 1 ? "." : " ...", SquareText(move.from),
@@ -49,11 +49,6 @@ void CSearchLog::Line(const std::string& text) {
     if (!m_file.is_open()) return;
     std::lock_guard lock(g_moveLogLock);
     m_file << text << '\n';
-}
-
-void CSearchLog::NextMultithreadingLevel() {
-    Line("----------------------------------------");
-    Line("NextMultithreadingLevel analysis...");
 }
 
 void CSearchLog::PoorlySortedMove(const std::string& folder, const TChessboard& board, const TMove& move,

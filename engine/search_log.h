@@ -18,12 +18,9 @@ class CSearchLog {
 
     // One tab per half-move played, the move number with "." (White) or " ..." (Black), the
     // move, and the result's word; doubtful lines carry the reason. Lines stop after 600
-    // half-moves played. `suppressed` is set by a pass that does not want node lines.
+    // half-moves played.
     void Result(int played, const TMove& move, uint8_t result, uint32_t doubtReason);
     void Line(const std::string& text);
-    void NextMultithreadingLevel();
-    bool IsOpen() const { return m_file.is_open(); }
-    void Suppress(bool suppressed) { m_bSuppressed = suppressed; }
 
     // Appends "\n<placement> #<n>, move <move> sorted as <index>th" to "PoorSWM.log" in `folder`.
     static void PoorlySortedMove(const std::string& folder, const TChessboard& board, const TMove& move,
@@ -31,7 +28,6 @@ class CSearchLog {
 
   private:
     std::ofstream m_file;
-    bool m_bSuppressed = false;
 };
 
 // The doubt reason as the logs print it: the heuristic's name for a heuristic bit, the
