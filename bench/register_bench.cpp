@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/types.h"
+#include "bench/split_mix.h"
 #include "registers/aggregated_register.h"
 #include "registers/register_size.h"
 
@@ -20,13 +21,6 @@ namespace {
 constexpr size_t kPositions = 4'000'000;
 constexpr size_t kWorkingSet = 1'024;
 constexpr uint32_t kCapacity = kPositions + kPositions / 8;
-
-uint64_t SplitMix(uint64_t& state) {
-    uint64_t z = (state += 0x9E3779B97F4A7C15ull);
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-    return z ^ (z >> 31);
-}
 
 // Two kings and three to ten further pieces on distinct squares, like the positions of a problem.
 TChessboardRegisterItem RandomPosition(uint64_t& state) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "core/types.h"
+#include "bench/split_mix.h"
 #include "registers/aggregated_register.h"
 #include "registers/lz4e_codec.h"
 #include "registers/register_file.h"
@@ -24,13 +25,6 @@ namespace {
 size_t EntryCount() {
     const char* value = std::getenv("MOREMATE_BENCH_REGISTER_ENTRIES");
     return value ? std::strtoull(value, nullptr, 10) : 1'000'000;
-}
-
-uint64_t SplitMix(uint64_t& state) {
-    uint64_t z = (state += 0x9E3779B97F4A7C15ull);
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-    return z ^ (z >> 31);
 }
 
 // Two kings apart and three to ten further pieces, pawns off the first and last ranks.

@@ -1,0 +1,15 @@
+// A small, fast, reproducible random number generator for benchmark data.
+#pragma once
+
+#include <cstdint>
+
+namespace moremate {
+
+inline uint64_t SplitMix(uint64_t& state) {
+    uint64_t z = (state += 0x9E3779B97F4A7C15ull);
+    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
+    return z ^ (z >> 31);
+}
+
+}  // namespace moremate
