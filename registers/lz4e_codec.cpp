@@ -184,7 +184,7 @@ bool CLz4eCodec::Decompress(const uint8_t* pSource, size_t nSourceSize, uint8_t*
         if (nLiterals == 15 && !ReadLength(p, pEnd, nLiterals)) return false;
         if (nLiterals > static_cast<size_t>(pEnd - p) || nLiterals > static_cast<size_t>(pOutEnd - out))
             return false;
-        std::memcpy(out, p, nLiterals);
+        if (nLiterals) std::memcpy(out, p, nLiterals);  // an empty output may have no buffer at all
         out += nLiterals;
         p += nLiterals;
         if (p == pEnd) return out == pOutEnd;
