@@ -30,5 +30,7 @@ Runner AddBenchCommand(CLI::App& app, TProgramContext& context);
 Runner AddHeuristicsCommand(CLI::App& app);
 Runner AddDefenceCommand(CLI::App& app, TProgramContext& context);
 Runner AddRegisterCommand(CLI::App& app, TProgramContext& context);
+Runner AddTestCommand(CLI::App& app, TProgramContext& context);
+Runner AddScriptCommand(CLI::App& app, TProgramContext& context);
 
 }  // namespace moremate::cli

@@ -26,6 +26,8 @@ int main(int argc, char** argv) {
     runners["heuristics"] = AddHeuristicsCommand(app);
     runners["defence"] = AddDefenceCommand(app, context);
     runners["register"] = AddRegisterCommand(app, context);
+    runners["test"] = AddTestCommand(app, context);
+    runners["script"] = AddScriptCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {

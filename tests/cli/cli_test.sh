@@ -1,7 +1,11 @@
 #!/usr/bin/env bash
 # End-to-end checks of the moremate program: output formats and exit statuses.
 set -u
-mm=${1:?path to moremate}
+mm=$(realpath "${1:?path to moremate}")
+data=$(cd "$(dirname "$0")/../data" && pwd)
+samples=$(cd "$(dirname "$0")/../../samples" && pwd)
+# The program writes its scratch files and logs into the working folder: use a fresh one.
+cd "$(mktemp -d)" || exit 1
 passed=0 failed=0
 
 check() {  # check NAME EXPECTED_STATUS EXPECTED_STDOUT_PATTERN -- ARGS...
@@ -36,7 +40,6 @@ check "unknown command" 2 '' -- frobnicate
 check "version" 0 '^moremate [0-9]' -- --version
 check "help" 0 'perft' -- --help
 
-data=$(cd "$(dirname "$0")/../data" && pwd)
 check "solve prints keys and main line" 0 'main line: 1\. Qa7-f2 ' -- solve "$data/small.cp" --problem 1
 check "all solutions" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6|keys: .*Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions
 check "json fields" 0 '"keys":\["a7-f2"\],"match":true' -- solve "$data/small.cp" --problem 1 --json
@@ -53,8 +56,8 @@ check "brute force" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6|found in pass 2' -- 
 check "stop on two solutions" 0 'keys: [^,]+, [^,]+$' -- solve "$data/small.cp" --problem 2 --stop-on 2
 check "relaxation path" 0 '^Pass 1b: ' -- heuristics --path "SH_AREKINGSNEAR, SH_DONTLOSEANYFIGURES"
 check "empty relaxation path" 0 'No heuristics selected.' -- heuristics --path ""
-check "defence after the key" 0 'Not found any defence against mate. The best looks: Kc2-d3' -- defence "$data/../../samples/sample_problems.cp" --problem 3
-check "refutations with equivalents" 0 'Equivalent moves: Kc2-d3, a6:b5' -- defence "$data/../../samples/sample_problems.cp" --problem 3 --after Qb6-b5
+check "defence after the key" 0 'Not found any defence against mate. The best looks: Kc2-d3' -- defence "$samples/sample_problems.cp" --problem 3
+check "refutations with equivalents" 0 'Equivalent moves: Kc2-d3, a6:b5' -- defence "$samples/sample_problems.cp" --problem 3 --after Qb6-b5
 check "defence of a missing problem" 2 'Problem 99 not found' -- defence "$data/small.cp" --problem 99
 check "two threads" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions --threads 2
 check "bad thread count" 2 '' -- solve "$data/small.cp" --threads 0
@@ -65,6 +68,24 @@ check "register dump" 0 '^w	00000000	00000000	[0-9]+	[0-9]+	[^	]+/' -- register 
 check "load the register" 0 'agrees with the answer' -- solve "$data/small.cp" --problem 2 --load-register "$work/r.lz4.tmpReg"
 printf 'LZ4 garbage' > "$work/bad.lz4.tmpReg"
 check "damaged register file" 2 'An error occurred during LZ4 decompression.' -- register stats "$work/bad.lz4.tmpReg"
+rm -rf "$work"
+work=$(mktemp -d)
+export MOREMATE_HOME=$work  # the solved problems database goes there
+check "short regression test" 1 '^\[SnglSolution, 1thrd\(s\)\] Test #2 M1 ok \([0-9]+ msec\)\.$' -- test "$data/small.cp" --short --threads 1 --log-folder "$work"
+check "regression test heading" 1 '^Regression test started of [-0-9]+ [0-9:]+, file .*wrong_answer\.cp$' -- test "$data/wrong_answer.cp" --threads 1 --log-folder "$work"
+check "a failed test gives status 1" 1 '^Failed: \[SnglSolution, 1thrd\(s\)\] Test #7 M1 failed:$' -- test "$data/wrong_answer.cp" --threads 1 --log-folder "$work"
+check "mirrored positions" 1 '^Mirror: \[SnglSolution, 1thrd\(s\)\] Test #2 M1 ok ' -- test "$data/small.cp" --with-mirror --threads 1 --log-folder "$work"
+mkdir "$work/log"
+printed=$("$mm" test "$data/small.cp" --short --threads 1 --log-folder "$work/log" 2>/dev/null)
+[ "$printed" = "$(cat "$work"/log/RegressionTest_*.log)" ] && passed=$((passed + 1)) || { failed=$((failed + 1)); echo "FAIL: the log differs from the printed lines"; }
+check "test of a broken collection" 2 'NOSUCHOPTION' -- test "$data/broken.cp" --log-folder "$work"
+printf 'open %s\nSetTempRegSize 50%%\nrunregtest short,withmirror\n' "$data/small.cp" > "$work/t.vrs"
+check "script runs a short mirrored test" 1 '^Mirror: \[SnglSolution, 1thrd\(s\)\] Test #2 M1 ok ' -- script "$work/t.vrs" --threads 1 --log-folder "$work"
+check "script ends" 1 '^Script complete\.$' -- script "$work/t.vrs" --threads 1 --log-folder "$work"
+printf 'runregtest short\n' > "$work/bad.vrs"
+check "faulty script line" 2 'Script line 1: no problem collection is open' -- script "$work/bad.vrs" --log-folder "$work"
+[ -s "$work/SolvedProblemsDB/small.cspdb" ] && passed=$((passed + 1)) || { failed=$((failed + 1)); echo "FAIL: no solved problems database"; }
+unset MOREMATE_HOME
 rm -rf "$work"
 check "bench prints its signature" 0 '^Nodes searched  : [0-9]+$' -- bench
 

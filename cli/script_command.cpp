@@ -1,0 +1,48 @@
+#include <fmt/core.h>
+
+#include "commands.h"
+#include "problems/script.h"
+#include "problems/solved_problems_db.h"
+#include "settings/machine.h"
+#include "settings/program_folder.h"
+
+namespace moremate::cli {
+namespace {
+
+struct ScriptArgs {
+    std::string file;
+    std::filesystem::path logFolder = ".";
+    int threads = 1;
+};
+
+int RunScript(const ScriptArgs& args, TProgramContext& context) {
+    TScriptEnvironment environment{context.options, {}, {}, {}, [](const std::string& line) {
+                                       fmt::print("{}", line);
+                                       std::fflush(stdout);
+                                   }};
+    environment.solve.threads = args.threads;
+    environment.testSettings.logFolder = args.logFolder;
+    environment.testSettings.databaseFolder = ProgramFolder() / kSolvedProblemsFolder;
+    try {
+        return RunScriptFile(args.file, environment).bAnyFailed ? kExitMismatch : kExitOk;
+    } catch (const ChessException& e) {
+        fmt::print(stderr, "{}: {}\n", args.file, e.what());
+        return kExitBadInput;
+    }
+}
+
+}  // namespace
+
+Runner AddScriptCommand(CLI::App& app, TProgramContext& context) {
+    auto args = std::make_shared<ScriptArgs>();
+    CLI::App* cmd = app.add_subcommand("script", "Run a .vrs script of regression tests");
+    cmd->add_option("file", args->file, "Script (.vrs)")->required()->check(CLI::ExistingFile);
+    cmd->add_option("--log-folder", args->logFolder, "Folder of the RegressionTest_ logs (default: .)")
+        ->check(CLI::ExistingDirectory);
+    args->threads = static_cast<int>(LogicalProcessorCount());
+    cmd->add_option("--threads", args->threads, "Threads on the first moves (default: the processors)")
+        ->check(CLI::Range(1, 64));
+    return [args, &context] { return RunScript(*args, context); };
+}
+
+}  // namespace moremate::cli

@@ -1,0 +1,58 @@
+#include <fmt/core.h>
+
+#include "commands.h"
+#include "problems/collection_reader.h"
+#include "problems/regression_test.h"
+#include "problems/solved_problems_db.h"
+#include "settings/machine.h"
+#include "settings/program_folder.h"
+
+namespace moremate::cli {
+namespace {
+
+struct TestArgs {
+    std::string file;
+    TRegressionTestSettings settings;
+    TSolveSettings solve;
+};
+
+void PrintLine(const std::string& line) {
+    fmt::print("{}", line);
+    std::fflush(stdout);
+}
+
+int RunTest(TestArgs& args, TProgramContext& context) {
+    std::vector<ProblemEntry> entries;
+    try {
+        ReadCollectionFile(args.file, entries, false, TCollectionReading{{&context.reporter, 1}, {}});
+        args.settings.databaseFolder = ProgramFolder() / kSolvedProblemsFolder;
+        const TRegressionTestResult result =
+            RunRegressionTest(entries, args.file, args.settings, args.solve, context.options, PrintLine);
+        return result.bAnyFailed ? kExitMismatch : kExitOk;
+    } catch (const ChessException& e) {
+        fmt::print(stderr, "{}: {}\n", args.file, e.what());
+        return kExitBadInput;
+    }
+}
+
+}  // namespace
+
+Runner AddTestCommand(CLI::App& app, TProgramContext& context) {
+    auto args = std::make_shared<TestArgs>();
+    CLI::App* cmd =
+        app.add_subcommand("test", "Regression test: solve a .cp collection and compare the answers");
+    cmd->add_option("file", args->file, "Problem collection (.cp)")->required()->check(CLI::ExistingFile);
+    cmd->add_flag("--short", args->settings.bShort, "Short test: ShortRegTestSeconds per problem");
+    cmd->add_flag("--with-mirror", args->settings.bWithMirror, "Also the mirrored positions");
+    cmd->add_option("--loops", args->settings.nLoops, "Runs of the whole test")
+        ->check(CLI::Range(1, 1000000));
+    cmd->add_option("--log-folder", args->settings.logFolder,
+                    "Folder of the RegressionTest_ log (default: .)")
+        ->check(CLI::ExistingDirectory);
+    args->solve.threads = static_cast<int>(LogicalProcessorCount());
+    cmd->add_option("--threads", args->solve.threads, "Threads on the first moves (default: the processors)")
+        ->check(CLI::Range(1, 64));
+    return [args, &context] { return RunTest(*args, context); };
+}
+
+}  // namespace moremate::cli
