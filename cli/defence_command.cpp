@@ -24,31 +24,26 @@ const ProblemEntry& FindProblem(const std::vector<ProblemEntry>& entries, unsign
 }
 
 int RunDefence(const DefenceArgs& args, TProgramContext& context) {
-    try {
-        std::vector<ProblemEntry> entries;
-        ReadCollectionFile(args.file, entries, false, TCollectionReading{{&context.reporter, 1}, {}});
-        const ProblemEntry& entry = FindProblem(entries, args.problem);
-        TSolvingTask task = MakeSolvingTask(entry);
-        task.position.problem = &task.root;
-        TChessboard afterKey;
-        if (!args.after.empty()) {
-            MakeMove(task.position, args.after, afterKey);
-        } else if (!entry.m_vAnswer.empty()) {
-            MakeMove(task.position, MoveToText(task.position, entry.m_vAnswer.front()), afterKey);
-        } else {
-            throw ChessException("No White move to defend against: give --after or an Answer in the record");
-        }
-        CRunRegister runRegister(context.options);
-        TSearchEnvironment env;
-        env.store = &runRegister;
-        TMateSearch search(env);
-        fmt::print("Thread looking for black's defence in problem {}\n", entry.m_nNumber);
-        fmt::print("{}\n", DefenceText(afterKey, FindBlackDefence(search, afterKey)));
-        return kExitOk;
-    } catch (const ChessException& e) {
-        fmt::print(stderr, "{}\n", e.what());
-        return kExitBadInput;
+    std::vector<ProblemEntry> entries;
+    ReadCollectionFile(args.file, entries, false, TCollectionReading{{&context.reporter, 1}, {}});
+    const ProblemEntry& entry = FindProblem(entries, args.problem);
+    TSolvingTask task = MakeSolvingTask(entry);
+    task.position.problem = &task.root;
+    TChessboard afterKey;
+    if (!args.after.empty()) {
+        MakeMove(task.position, args.after, afterKey);
+    } else if (!entry.m_vAnswer.empty()) {
+        MakeMove(task.position, MoveToText(task.position, entry.m_vAnswer.front()), afterKey);
+    } else {
+        throw ChessException("No White move to defend against: give --after or an Answer in the record");
     }
+    CRunRegister runRegister(context.options);
+    TSearchEnvironment env;
+    env.store = &runRegister;
+    TMateSearch search(env);
+    fmt::print("Thread looking for black's defence in problem {}\n", entry.m_nNumber);
+    fmt::print("{}\n", DefenceText(afterKey, FindBlackDefence(search, afterKey)));
+    return kExitOk;
 }
 
 }  // namespace

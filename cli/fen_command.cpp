@@ -21,12 +21,7 @@ std::string RightsText(uint8_t rights) {
 
 int RunFen(const std::string& fen) {
     TChessboard board;
-    try {
-        ReadCommandLinePosition(fen, board);
-    } catch (const ChessException& e) {
-        fmt::print(stderr, "{}\n", e.what());
-        return kExitBadInput;
-    }
+    ReadCommandLinePosition(fen, board);
     fmt::print("FEN: {}\n", WriteFen(board));
     fmt::print("Side to move: {}\n", board.WhiteToMove() ? "White" : "Black");
     fmt::print("Castling: {}\n", RightsText(CastlingRights(board)));

@@ -17,19 +17,14 @@ struct HeuristicsArgs {
 // The relaxation path of a set: pass 1 and each relaxed pass with its heuristics. Position-
 // dependent steps are decided on the given position, else on an empty-board stand-in.
 int RunHeuristics(const HeuristicsArgs& args) {
-    try {
-        TPassState state;
-        state.set = ReadHeuristicSetText(args.path).m_set;
-        TChessboard root;
-        ReadCommandLinePosition(args.fen, root);
-        TRelaxationEnvironment env;
-        env.root = &root;
-        fmt::print("{}\n", RelaxationPathText(state, env));
-        return kExitOk;
-    } catch (const ChessException& e) {
-        fmt::print(stderr, "{}\n", e.what());
-        return kExitBadInput;
-    }
+    TPassState state;
+    state.set = ReadHeuristicSetText(args.path).m_set;
+    TChessboard root;
+    ReadCommandLinePosition(args.fen, root);
+    TRelaxationEnvironment env;
+    env.root = &root;
+    fmt::print("{}\n", RelaxationPathText(state, env));
+    return kExitOk;
 }
 
 }  // namespace

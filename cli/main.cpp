@@ -4,6 +4,7 @@
 #include <map>
 
 #include "commands.h"
+#include "core/chess_exception.h"
 #include "settings/program_folder.h"
 
 #ifndef MOREMATE_VERSION
@@ -40,6 +41,11 @@ int main(int argc, char** argv) {
         app.exit(e);
         return kExitBadInput;
     }
-    for (const CLI::App* sub : app.get_subcommands()) return runners.at(sub->get_name())();
+    // A command stops at the first fault in its input with its message: bad input, status 2.
+    try {
+        for (const CLI::App* sub : app.get_subcommands()) return runners.at(sub->get_name())();
+    } catch (const ChessException& e) {
+        fmt::print(stderr, "{}\n", e.what());
+    }
     return kExitBadInput;
 }

@@ -18,12 +18,7 @@ struct PerftArgs {
 
 int RunPerft(const PerftArgs& args) {
     TChessboard board;
-    try {
-        ReadCommandLinePosition(args.fen, board);
-    } catch (const ChessException& e) {
-        fmt::print(stderr, "{}\n", e.what());
-        return kExitBadInput;
-    }
+    ReadCommandLinePosition(args.fen, board);
     const auto start = std::chrono::steady_clock::now();
     uint64_t total = 0;
     if (args.divide) {

@@ -65,16 +65,6 @@ int RunDump(const RegisterArgs& args, TProgramContext& context) {
     return kExitOk;
 }
 
-template <typename F>
-int Guarded(F&& run) {
-    try {
-        return run();
-    } catch (const ChessException& e) {
-        fmt::print(stderr, "{}\n", e.what());
-        return kExitBadInput;
-    }
-}
-
 }  // namespace
 
 Runner AddRegisterCommand(CLI::App& app, TProgramContext& context) {
@@ -87,7 +77,7 @@ Runner AddRegisterCommand(CLI::App& app, TProgramContext& context) {
     dump->add_option("file", args->file, "Register file")->required();
     dump->add_option("--limit", args->limit, "Rows at most (default 100)");
     return [args, &context, stats] {
-        return Guarded([&] { return stats->parsed() ? RunStats(*args, context) : RunDump(*args, context); });
+        return stats->parsed() ? RunStats(*args, context) : RunDump(*args, context);
     };
 }
 
