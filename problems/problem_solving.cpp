@@ -11,6 +11,7 @@
 #include "engine/passes.h"
 #include "engine/position_type.h"
 #include "engine/predefined_heuristics.h"
+#include "engine/solving_run.h"
 #include "preferred_first_moves.h"
 #include "problem_heuristics.h"
 #include "problem_moves.h"
@@ -84,7 +85,7 @@ TPassState PassState(const ProblemEntry& entry, const TChessboard& root, const T
     state.pass2Allowed = !settings.noPassTwo && !entry.Has(kOptDontRunPassTwo);
     state.stopRelaxOnFirstSolution = entry.m_bStopRelaxOnFirstSolution;
     state.quickMode = options.m_bQuickMode;
-    state.safeMode = !options.m_bQuickMode || entry.Has(kOptSafeMode) || settings.bruteForce;
+    state.safeMode = SafeModeForRun(options.m_bQuickMode, entry.Has(kOptSafeMode), settings.bruteForce);
     return state;
 }
 
@@ -151,13 +152,21 @@ TProblemReport SolveProblem(const ProblemEntry& entry, const TSolveSettings& set
         task.position.problem = &task.root;
         if (!runRegister || options.m_bClearRegisterOnStartSolving)
             runRegister = std::make_unique<CRunRegister>(options);
+        const CSolvingRunScope run(entry.m_nNumber, BruteForce(entry, settings) == TBruteForce::Full);
         const TPassRunResult result = RunProblem(entry, task, settings, options, *runRegister, progress);
         if (!result.error.empty()) throw ChessException(result.error);
         Describe(task.position, result, report);
+        report.outcome = fmt::format("{}\n{}", EngineEndLine(!result.stopped, report.result),
+                                     RunOutcomeText(entry.m_nNumber, result.keys.size(), ""));
+        if (result.stopped && settings.timeLimitSeconds > 0) {
+            report.outcome += '\n';
+            report.outcome += TimeLimitHitText(settings.timeLimitSeconds);
+        }
         report.match = Matches(entry, result, SolutionCount(entry, settings) == TSolutionCount::All);
     } catch (const ChessException& e) {
         report.result = "error";
         report.error = e.what();
+        report.outcome = RunOutcomeText(entry.m_nNumber, 0, e.what());
     }
     return report;
 }

@@ -19,6 +19,7 @@ std::string ReportText(const TProblemReport& r) {
     }
     if (!r.mainLine.empty()) text += fmt::format("  main line: {}\n", r.mainLine);
     text += fmt::format("  {} ms, {} nodes\n", r.msec, r.nodes);
+    if (!r.outcome.empty()) text += r.outcome + '\n';
     if (r.match) {
         text += *r.match ? "  agrees with the answer\n"
                          : fmt::format("  DIFFERS from the answer: {}\n", fmt::join(*r.expected, ", "));

@@ -27,6 +27,7 @@ struct TProblemReport {
     long long msec = 0;
     unsigned long long nodes = 0;
     std::optional<std::string> error;
+    std::string outcome;  // the run's closing texts: the solutions found, a time limit hit, an error
 };
 
 std::string ReportText(const TProblemReport& report);
