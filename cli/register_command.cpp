@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "commands.h"
-#include "core/chess_exception.h"
 #include "core/fen.h"
 #include "engine/run_register.h"
+#include "register_loading.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
 
@@ -17,23 +17,8 @@ struct RegisterArgs {
     size_t limit = 100;  // dump: rows at most
 };
 
-// Reads a register file (and its Black-to-move companion) into a fresh run register.
-std::unique_ptr<CRunRegister> Loaded(const std::string& file, TProgramContext& context) {
-    auto runRegister = std::make_unique<CRunRegister>(context.options);
-    TRegisterLoadOptions options;
-    options.bLogToFile = context.options.m_bLogToFileTmpRegLoad;
-    const TRegisterLoadResult result =
-        LoadRegisterFile(file, runRegister->WhiteToMove(), &runRegister->BlackToMove(),
-                         runRegister->WhiteToMove().BucketCount(), options);
-    if (!result.bRead) throw ChessException(result.sError);
-    fmt::print(stderr, "{}\n",
-               LoadReportText(result, file, context.options.m_nLanguageId,
-                              context.options.m_bClearRegisterOnStartSolving));
-    return runRegister;
-}
-
 int RunStats(const RegisterArgs& args, TProgramContext& context) {
-    const std::unique_ptr<CRunRegister> r = Loaded(args.file, context);
+    const std::unique_ptr<CRunRegister> r = LoadRunRegister(args.file, context);
     fmt::print("Positions with White to move:\n{}\n\n{}\n\n", RegisterStatistics(r->WhiteToMove()),
                RegisterSummary(r->WhiteToMove()));
     fmt::print("Positions with Black to move:\n{}\n\n{}\n", RegisterStatistics(r->BlackToMove()),
@@ -48,7 +33,7 @@ std::string Placement(const TChessboardRegisterEntry& entry) {
 }
 
 int RunDump(const RegisterArgs& args, TProgramContext& context) {
-    const std::unique_ptr<CRunRegister> r = Loaded(args.file, context);
+    const std::unique_ptr<CRunRegister> r = LoadRunRegister(args.file, context);
     fmt::print("Side\tHeuristics\tHeurParams\tnMovesMate/Doubtful\tnMovesNoMate/NotDoubtful\tPosition\n");
     size_t rows = 0;
     auto dump = [&](const char* side, const TAggregatedTemporaryChessboardRegister& reg) {

@@ -13,6 +13,7 @@
 #include "problems/problem_solving.h"
 #include "problems/solve_report.h"
 #include "progress_line.h"
+#include "register_loading.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
 #include "settings/machine.h"
@@ -52,13 +53,8 @@ bool Selected(const SolveArgs& args, unsigned number) {
 
 int RunSolve(SolveArgs& args, TProgramContext& context) {
     if (!args.heuristics.empty()) {
-        try {
-            ReadHeuristicSetText(args.heuristics);
-            args.settings.heuristics = args.heuristics;
-        } catch (const ChessException& e) {
-            fmt::print(stderr, "{}\n", e.what());
-            return kExitBadInput;
-        }
+        ReadHeuristicSetText(args.heuristics);  // a faulty text stops here, before any problem runs
+        args.settings.heuristics = args.heuristics;
     }
     std::vector<ProblemEntry> entries;
     std::string readError;
@@ -71,18 +67,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
     }
     bool allMatched = true;
     std::unique_ptr<CRunRegister> runRegister;
-    if (!args.loadRegister.empty()) {
-        runRegister = std::make_unique<CRunRegister>(context.options);
-        const TRegisterLoadResult loaded =
-            LoadRegisterFile(args.loadRegister, runRegister->WhiteToMove(), &runRegister->BlackToMove(),
-                             runRegister->WhiteToMove().BucketCount(), TRegisterLoadOptions{});
-        if (!loaded.bRead) {
-            fmt::print(stderr, "{}: {}\n", args.loadRegister, loaded.sError);
-            return kExitBadInput;
-        }
-        fmt::print(stderr, "{}\n",
-                   LoadReportText(loaded, args.loadRegister, context.options.m_nLanguageId, false));
-    }
+    if (!args.loadRegister.empty()) runRegister = LoadRunRegister(args.loadRegister, context);
     for (const ProblemEntry& entry : entries) {
         if (!Selected(args, entry.m_nNumber)) continue;
         std::atomic<uint64_t> progress{0};

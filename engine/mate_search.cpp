@@ -134,9 +134,9 @@ bool TMateSearch::MatesAtOnce(const TChessboard& child, int ply) {
     return WhiteNode(oneMove, ply) == kMate;
 }
 
-uint8_t TMateSearch::MateInOne(const TChessboard& node, const TMoveList& moves) {
+uint8_t TMateSearch::MateInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks) {
     for (const TMove& m : moves) {
-        if (!GivesCheck(node, m)) continue;
+        if (!onlyChecks && !GivesCheck(node, m)) continue;
         TChessboard child;
         PlayMove(node, m, child);
         if (!HasLegalMove(child)) return kMate;
@@ -151,7 +151,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     TMoveList moves;
     if (n == 1) {  // the most frequent node: only checks can mate, and no register look-up pays off
         GenerateCheckingMoves(node, moves);
-        return MateInOne(node, moves);
+        return MateInOne(node, moves, true);
     }
     const bool stored = m_env.store && SquaresTellAll(node);
     if (stored) {
@@ -185,7 +185,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
 }
 
 uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply) {
-    if (halfMoves == 1) return MateInOne(node, moves);
+    if (halfMoves == 1) return MateInOne(node, moves, false);
     bool doubtful = false;
     for (int i = 0; i < moves.count; ++i) {
         const TMove& m = moves.moves[i];

@@ -51,7 +51,8 @@ class TMateSearch {
     uint8_t WhiteNode(const TChessboard& node, int ply);
     uint8_t WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply);
     uint8_t BlackNode(const TChessboard& node, int ply);
-    uint8_t MateInOne(const TChessboard& node, const TMoveList& checks);
+    // `onlyChecks`: the list holds checking moves only, so the check test can be skipped.
+    uint8_t MateInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks);
     uint8_t AfterMove(const TChessboard& child, int ply);
     bool MatesAtOnce(const TChessboard& child, int ply);
     bool RepeatsEarlierPosition(const TChessboard& node) const;

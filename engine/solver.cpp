@@ -10,6 +10,7 @@
 #include <new>
 #include <thread>
 
+#include "black_defence.h"
 #include "move_ordering.h"
 
 namespace moremate {
@@ -46,22 +47,6 @@ TChessboard After(const TChessboard& node, const TMove& m, int halfMoves) {
     PlayMove(node, m, child);
     child.movesLeft = static_cast<int16_t>(halfMoves);
     return child;
-}
-
-// Black's defence that puts off mate the longest, with White's shortest mate after it.
-bool LongestDefence(TMateSearch& search, const TChessboard& node, TMove& defence, int& mateIn) {
-    TMoveList moves;
-    GenerateLegalMoves(node, moves);
-    mateIn = -1;
-    for (const TMove& d : moves) {
-        const int k = search.ShortestMate(After(node, d, node.movesLeft - 1));
-        if (k == 0) return false;  // not a proven mate: no main line to show
-        if (k > mateIn) {
-            mateIn = k;
-            defence = d;
-        }
-    }
-    return mateIn > 0;
 }
 
 size_t KeyLimit(const TSolveRequest& request) {
@@ -171,11 +156,11 @@ std::vector<TMove> MainLine(TMateSearch& search, const TChessboard& root, const 
     line.push_back(After(root, key, root.movesLeft - 1));
     while (true) {
         const TChessboard& black = line.back();
-        TMove defence;
-        int mateIn = 0;
-        if (!HasLegalMove(black) || !LongestDefence(search, black, defence, mateIn)) break;
-        moves.push_back(defence);
-        line.push_back(After(black, defence, mateIn));
+        const TDefence defence = FindBlackDefence(search, black);
+        if (defence.best.empty() || !defence.refutations.empty()) break;  // mated, or no proven mate
+        const int mateIn = defence.mateIn;
+        moves.push_back(defence.best.front());
+        line.push_back(After(black, defence.best.front(), mateIn));
         const TChessboard& white = line.back();
         const TMove attack = search.MatingMove(white, mateIn);
         if (attack.IsNull()) break;
