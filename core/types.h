@@ -25,6 +25,12 @@ constexpr bool OnBoard(int file, int rank) {
 constexpr int SquareColour(int sq) {
     return ((sq >> 3) + sq) & 1;
 }
+// King moves from one square to another on an empty board.
+constexpr int KingDistance(int a, int b) {
+    const int df = FileOf(a) > FileOf(b) ? FileOf(a) - FileOf(b) : FileOf(b) - FileOf(a);
+    const int dr = RankOf(a) > RankOf(b) ? RankOf(a) - RankOf(b) : RankOf(b) - RankOf(a);
+    return df > dr ? df : dr;
+}
 
 // Piece byte: colour bit 0x40 (White) or 0x80 (Black) plus the type in the low five bits.
 // The queen's type is the union of the rook's and the bishop's, so a slider test is one mask.
@@ -47,6 +53,22 @@ constexpr uint8_t Opponent(uint8_t colour) {
 }
 constexpr Piece MakePiece(uint8_t colour, uint8_t type) {
     return colour | type;
+}
+// The usual material value of a piece type in pawns; the king has none.
+constexpr int MaterialValue(uint8_t type) {
+    switch (type) {
+        case kQueen:
+            return 9;
+        case kRook:
+            return 5;
+        case kBishop:
+        case kKnight:
+            return 3;
+        case kPawn:
+            return 1;
+        default:
+            return 0;
+    }
 }
 // Colour of the side to move from the parity of the remaining half-moves: odd is White.
 constexpr uint8_t SideToMove(int movesLeft) {

@@ -8,26 +8,6 @@
 namespace moremate {
 namespace {
 
-int PieceValue(Piece p) {
-    switch (TypeOf(p)) {
-        case kQueen:
-            return 9;
-        case kRook:
-            return 5;
-        case kBishop:
-        case kKnight:
-            return 3;
-        case kPawn:
-            return 1;
-        default:
-            return 0;
-    }
-}
-
-int KingDistance(int a, int b) {
-    return std::max(std::abs(FileOf(a) - FileOf(b)), std::abs(RankOf(a) - RankOf(b)));
-}
-
 // Stable sort of the list by descending score; lists are short, so insertion sort.
 void SortByScore(TMoveList& list, int* score) {
     for (int i = 1; i < list.count; ++i) {
@@ -54,7 +34,7 @@ int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMove
         const bool check = GivesCheck(board, m);
         if (checksOnly && !check) continue;
         checks += check;
-        const int victim = PieceValue(board.squares[m.to]);
+        const int victim = MaterialValue(TypeOf(board.squares[m.to]));
         int s = killers.Rank(m) * 10000 + (check ? 1000 : 0) + victim * 50 +
                 (m.PromotedType() == kQueen ? 300 : 0);
         s += 8 - KingDistance(m.to, blackKing);
@@ -70,7 +50,7 @@ void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMov
     int score[256];
     for (int i = 0; i < list.count; ++i) {
         const TMove m = list.moves[i];
-        score[i] = killers.Rank(m) * 10000 + PieceValue(board.squares[m.to]) * 100 +
+        score[i] = killers.Rank(m) * 10000 + MaterialValue(TypeOf(board.squares[m.to])) * 100 +
                    (TypeOf(board.squares[m.from]) == kKing ? 50 : 0) + (m.PromotedType() == kQueen ? 300 : 0);
     }
     SortByScore(list, score);

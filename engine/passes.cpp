@@ -127,13 +127,6 @@ class CPassSeries {
     bool m_bDone = false;
 };
 
-int64_t SeriesStart(const TRelaxationEnvironment& env) {
-    if (env.clock) return env.clock();
-    return std::chrono::duration_cast<std::chrono::milliseconds>(
-               std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
-
 // The passes with heuristics, then pass 2 unless the series is over or pass 2 is not allowed.
 // A problem without heuristics runs pass 2 alone, whatever the flags say.
 void RunStandard(CPassSeries& series, const TPassState& state, size_t limit) {
@@ -146,7 +139,7 @@ void RunStandard(CPassSeries& series, const TPassState& state, size_t limit) {
 
 TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop) {
     request.relaxation.root = &request.position;
-    request.state.passEndTimes[0] = SeriesStart(request.relaxation);
+    request.state.passEndTimes[0] = RelaxationClockMs(request.relaxation);
     CPassSeries series(request, stop);
     series.Say(QuickModeLine(request.state));
     switch (request.bruteForce) {

@@ -9,22 +9,6 @@
 namespace moremate {
 namespace {
 
-int Value(uint8_t type) {
-    switch (type) {
-        case kPawn:
-            return 1;
-        case kBishop:
-        case kKnight:
-            return 3;
-        case kRook:
-            return 5;
-        case kQueen:
-            return 9;
-        default:
-            return 0;
-    }
-}
-
 void CountMaterial(const TChessboard& root, TRootFacts& facts) {
     for (int sq = 0; sq < 64; ++sq) {
         const Piece p = root.squares[sq];
@@ -33,7 +17,7 @@ void CountMaterial(const TChessboard& root, TRootFacts& facts) {
         const bool pawn = TypeOf(p) == kPawn;
         (white ? (pawn ? facts.whitePawns : facts.whiteFigures)
                : (pawn ? facts.blackPawns : facts.blackFigures))++;
-        (white ? facts.whiteMaterial : facts.blackMaterial) += Value(TypeOf(p));
+        (white ? facts.whiteMaterial : facts.blackMaterial) += MaterialValue(TypeOf(p));
         if (!white && TypeOf(p) == kQueen) ++facts.blackQueens;
         if (white && TypeOf(p) == kQueen) facts.whiteSingleQueen = true;
     }

@@ -35,13 +35,6 @@ struct TStep {
     }
 };
 
-int64_t Now(const TRelaxationEnvironment& env) {
-    if (env.clock) return env.clock();
-    return std::chrono::duration_cast<std::chrono::milliseconds>(
-               std::chrono::steady_clock::now().time_since_epoch())
-        .count();
-}
-
 // ---- FindForcedMate (step 4) ----
 
 uint8_t AllowedFfmSteps(const THeuristicParameters& p, const TPassState& s) {
@@ -97,7 +90,7 @@ bool TimeDependentRelaxation(TStep& t) {
     TFindForcedMate& ffm = t.Params().ffm;
     if (ffm.mode >= kFfmThreat2Plus || (ffm.mode == kFfmCheckOnly && t.facts.blackQueens > 0)) return false;
     t.s.timeDependentReached = true;
-    StorePassEndTime(t.s, Now(t.env));
+    StorePassEndTime(t.s, RelaxationClockMs(t.env));
     const int64_t calcTime = t.s.passEndTimes[t.s.step] - t.s.passEndTimes[0];
     if (calcTime >= 800 && calcTime <= 1200 && !t.env.engineLogPath.empty())
         AppendTimeDependentLine(t.env.engineLogPath, calcTime, kTimeDependentLimitMs);
@@ -342,6 +335,13 @@ void Log(const TPassState& s, const TRelaxationEnvironment& env, bool before) {
 }
 
 }  // namespace
+
+int64_t RelaxationClockMs(const TRelaxationEnvironment& env) {
+    if (env.clock) return env.clock();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+               std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
 
 void CSpinCounter::Lock() {
     for (int tries = 1;; ++tries) {

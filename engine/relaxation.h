@@ -74,6 +74,9 @@ struct TRelaxationEnvironment {
 
 inline constexpr int64_t kTimeDependentLimitMs = 1000;
 
+// The environment's clock in msec, the steady clock when it has none.
+int64_t RelaxationClockMs(const TRelaxationEnvironment& env);
+
 // The configuration half of a set for the register: a hash of its parameters, 0 for no heuristics.
 uint32_t ParameterWord(const THeuristicSet& set);
 // The text of the state's set (quick mode applies outside safe mode) for logs, paths and reports.

@@ -14,11 +14,14 @@ namespace {
 std::mutex g_relaxationLogMutex;
 std::mutex g_engineLogMutex;
 
-std::tm LocalNow() {
+// "YYYY-MM-DD hh:mm:ss" of the local time now.
+std::string LocalTimeText() {
     const std::time_t now = std::time(nullptr);
     std::tm local{};
     localtime_r(&now, &local);
-    return local;
+    char text[32];
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
+    return text;
 }
 
 void Append(std::mutex& mutex, const std::string& path, const std::string& line) {
@@ -29,17 +32,13 @@ void Append(std::mutex& mutex, const std::string& path, const std::string& line)
 }  // namespace
 
 void AppendRelaxationLog(const std::string& folder, bool before, int16_t thread, const std::string& setText) {
-    const std::tm t = LocalNow();
-    const std::string time = fmt::format("{}-{:02}-{:02} {:02}:{:02}:{:02}", t.tm_year + 1900, t.tm_mon + 1,
-                                         t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec);
+    const std::string time = LocalTimeText();
     Append(g_relaxationLogMutex, folder + "/TryRelaxSpecialHeuristics.log",
            fmt::format("{} {} th={} {}\n", time, before ? "BEFORE" : "AFTER ", thread, setText));
 }
 
 void AppendTimeDependentLine(const std::string& path, int64_t calcTime, int64_t limit) {
-    const std::tm t = LocalNow();
-    char time[32];
-    std::strftime(time, sizeof time, "%Y-%m-%d %H:%M:%S", &t);
+    const std::string time = LocalTimeText();
     Append(g_engineLogMutex, path,
            fmt::format(
                "{}, {}: Time dependent relaxation near the limit: calcTime={} msec.; limit={} msec. {}\n",

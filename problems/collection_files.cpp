@@ -71,13 +71,10 @@ std::filesystem::path WriteScratchCopy(const ProblemEntry& entry) {
 }
 
 bool CreateNewCollection(const std::filesystem::path& file, const TUserQuestions& questions) {
-    if (std::filesystem::exists(file) && questions.pReporter) {
-        const std::string text =
-            "File " + file.string() + " already exists.\nDo you want to replace it with a new file?";
-        const ReportAnswer answer = questions.pReporter->Report(
-            ReportTitle(ReportKind::Question, questions.nLanguage), text, ReportButtons::YesNo);
-        if (answer != ReportAnswer::Yes) return false;
-    }
+    if (std::filesystem::exists(file) &&
+        !AskYesNo(questions,
+                  "File " + file.string() + " already exists.\nDo you want to replace it with a new file?"))
+        return false;
     WriteFileWithBackup(file, kNewCollectionText);
     return true;
 }

@@ -11,10 +11,11 @@ namespace {
 
 // The square of a file letter (either case) and a rank digit at the start of `text`, or -1.
 int LeadingSquare(const std::string& text) {
-    if (text.size() < 2) return -1;
-    const int file = (text[0] | 0x20) - 'a';
-    const int rank = text[1] - '1';
-    return OnBoard(file, rank) ? MakeSquare(file, rank) : -1;
+    try {
+        return String2Square(text.substr(0, 2));
+    } catch (const std::runtime_error&) {
+        return -1;
+    }
 }
 
 bool IsPromotionType(uint8_t type) {

@@ -26,12 +26,6 @@ constexpr TListTexts kWhiteList{
 constexpr TListTexts kBlackList{
     kBlack, "Black figure specification is invalid: ", "Black figure position is invalid: "};
 
-int SquareOfText(char file, char rank) {
-    const int f = (file | 0x20) - 'a';
-    const int r = rank - '1';
-    return OnBoard(f, r) ? MakeSquare(f, r) : -1;
-}
-
 // One entry such as "Ke1": a figure letter and a square.
 void PlaceFigure(const std::string& entry, const TListTexts& list, uint8_t* squares) {
     if (entry.size() != 3 || !IsIdentifier(entry)) throw ChessException(list.sSpecificationInvalid + entry);
@@ -41,8 +35,12 @@ void PlaceFigure(const std::string& entry, const TListTexts& list, uint8_t* squa
     } catch (const ChessException&) {
         throw ChessException(list.sSpecificationInvalid + entry);
     }
-    const int sq = SquareOfText(entry[1], entry[2]);
-    if (sq < 0) throw ChessException(list.sPositionInvalid + entry);
+    int sq = 0;
+    try {
+        sq = String2Square(entry.substr(1));
+    } catch (const std::runtime_error&) {
+        throw ChessException(list.sPositionInvalid + entry);
+    }
     if (squares[sq] != kEmpty) throw ChessException("Square " + SquareText(sq) + " already occupied.");
     squares[sq] = MakePiece(list.colour, type);
 }

@@ -125,9 +125,9 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
         request.environment.logFolder.assign(1, '.');  // the working folder
     }
     const TPassState firstState = request.state;
+    const TSolutionCount solutions = request.solutions;
     TPassRunResult result = RunPasses(std::move(request), nullptr);
-    if (settings.solutionDetails)
-        WriteSolutionDetails(entry, task.position, firstState, SolutionCount(entry, settings), result);
+    if (settings.solutionDetails) WriteSolutionDetails(entry, task.position, firstState, solutions, result);
     return result;
 }
 

@@ -9,14 +9,10 @@ std::vector<std::string>& TagsOf(ProblemEntry& entry) {
     return entry.m_annotations.vsTags;
 }
 
-ReportAnswer Tell(const TUserQuestions& questions, ReportKind kind, const std::string& text) {
-    if (questions.pReporter == nullptr) return ReportAnswer::Yes;
-    const ReportButtons buttons = kind == ReportKind::Question ? ReportButtons::YesNo : ReportButtons::Ok;
-    return questions.pReporter->Report(ReportTitle(kind, questions.nLanguage), text, buttons);
-}
-
-bool Ask(const TUserQuestions& questions, const std::string& text) {
-    return Tell(questions, ReportKind::Question, text) == ReportAnswer::Yes;
+void Inform(const TUserQuestions& questions, const std::string& text) {
+    if (questions.pReporter != nullptr)
+        questions.pReporter->Report(ReportTitle(ReportKind::Information, questions.nLanguage), text,
+                                    ReportButtons::Ok);
 }
 
 }  // namespace
@@ -52,18 +48,18 @@ bool AddTagAsking(ProblemEntry& entry, const std::string& tag, const std::vector
     if (tag.empty() || HasTag(entry, tag)) return false;
     const std::vector<std::string> used = CollectionTags(collection);
     if (std::ranges::find(used, tag) == used.end() &&
-        !Ask(questions, "Are you sure you want to create a new tag:\n" + tag))
+        !AskYesNo(questions, "Are you sure you want to create a new tag:\n" + tag))
         return false;
     return AddTag(entry, tag);
 }
 
 bool RemoveTagAsking(ProblemEntry& entry, const std::string& tag, const TUserQuestions& questions) {
     if (Tags(entry).empty()) {
-        Tell(questions, ReportKind::Information, "No tags are assigned to this problem");
+        Inform(questions, "No tags are assigned to this problem");
         return false;
     }
     if (!HasTag(entry, tag) ||
-        !Ask(questions, "Are you sure you want to delete the following tag from this problem?\n" + tag))
+        !AskYesNo(questions, "Are you sure you want to delete the following tag from this problem?\n" + tag))
         return false;
     return RemoveTag(entry, tag);
 }

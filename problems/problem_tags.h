@@ -10,6 +10,7 @@
 
 namespace moremate {
 
+// Prompts of the interface's tag commands, for the interface to show.
 inline constexpr const char* kAddTagPrompt = "Select or enter tag/label";
 inline constexpr const char* kRemoveTagPrompt = "Select tag/label to remove";
 

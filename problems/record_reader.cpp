@@ -150,15 +150,11 @@ class CRecordReader {
     }
 
     bool AcceptTooManyQueensAndPawns() const {
-        if (!m_questions.pReporter) return true;
-        const std::string text =
-            "Note: There are more than 9 queens and pawns of the same color. Program is able to properly "
-            "handle "
-            "only legal positions (in which no more than 218 moves are possible); otherwise its behaviour "
-            "may be "
-            "unpredictable.\nDo you want to continue anyway?";
-        return m_questions.pReporter->Report(ReportTitle(ReportKind::Question, m_questions.nLanguage), text,
-                                             ReportButtons::YesNo) == ReportAnswer::Yes;
+        return AskYesNo(
+            m_questions,
+            "Note: There are more than 9 queens and pawns of the same color. Program is able to "
+            "properly handle only legal positions (in which no more than 218 moves are possible); "
+            "otherwise its behaviour may be unpredictable.\nDo you want to continue anyway?");
     }
 
     std::string ReadMoves(const std::string& lexeme) {

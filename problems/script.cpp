@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "collection_reader.h"
+#include "problem_lexer.h"
 
 namespace moremate {
 namespace {
@@ -18,12 +19,6 @@ struct TScriptLine {
     std::string sFirst;      // as written
     std::string sSecond;     // everything after the first argument
 };
-
-std::string Upper(std::string text) {
-    for (char& c : text)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    return text;
-}
 
 constexpr std::string_view kBlanks = " \t\r";
 
@@ -45,7 +40,7 @@ std::string NextWord(std::string_view& text) {
 TScriptLine ParseLine(std::string_view text, int nLine) {
     TScriptLine line;
     line.nLine = nLine;
-    line.sCommand = Upper(NextWord(text));
+    line.sCommand = ToUpper(NextWord(text));
     line.sArguments = text;
     line.sFirst = NextWord(text);
     line.sSecond = text;
@@ -54,7 +49,7 @@ TScriptLine ParseLine(std::string_view text, int nLine) {
 
 // SETTEMPREGSIZE's argument: a whole number with "%", "GB" or "MB".
 bool IsRegisterSize(const std::string& text) {
-    const std::string upper = Upper(text);
+    const std::string upper = ToUpper(text);
     const size_t unit = upper.find_first_not_of("0123456789");
     if (unit == 0 || unit == std::string::npos) return false;
     const std::string suffix = upper.substr(unit);
@@ -99,7 +94,7 @@ class CScript {
 
     void RunRegTest(const TScriptLine& line) {
         OpenOptional(line);
-        const std::string options = Upper(line.sFirst);
+        const std::string options = ToUpper(line.sFirst);
         TRegressionTestSettings settings = m_env.testSettings;
         settings.bShort = options.find("SHORT") != std::string::npos;
         settings.bWithMirror = options.find("WITHMIRROR") != std::string::npos;
@@ -134,7 +129,7 @@ class CScript {
 
     void VerifyShortMate(const TScriptLine& line) {
         OpenOptional(line);
-        const bool remove = Upper(line.sFirst).find("REMOVE") != std::string::npos;
+        const bool remove = ToUpper(line.sFirst).find("REMOVE") != std::string::npos;
         std::vector<ProblemEntry> kept;
         size_t nFailed = 0;
         for (const ProblemEntry& entry : m_result.collection) {

@@ -74,11 +74,11 @@ class CDescriptionReader {
     }
 
     int SquareAt(std::string_view text) const {
-        if (text.size() != 2) Invalid();
-        const int file = std::tolower(static_cast<unsigned char>(text[0])) - 'a';
-        const int rank = text[1] - '1';
-        if (!OnBoard(file, rank)) Invalid();
-        return MakeSquare(file, rank);
+        try {
+            return String2Square(std::string(text));
+        } catch (const std::runtime_error&) {
+            Invalid();
+        }
     }
 
     uint8_t TypeOfLetter(char letter) const {

@@ -10,12 +10,6 @@ std::string Quoted(const std::string& name) {
     return '"' + name + '"';
 }
 
-bool Ask(const TUserQuestions& questions, const std::string& text) {
-    if (questions.pReporter == nullptr) return true;
-    return questions.pReporter->Report(ReportTitle(ReportKind::Question, questions.nLanguage), text,
-                                       ReportButtons::YesNo) == ReportAnswer::Yes;
-}
-
 bool Refuse(const TUserQuestions& questions, const std::string& text) {
     if (questions.pReporter != nullptr)
         questions.pReporter->Report(ReportTitle(ReportKind::Error, questions.nLanguage), text);
@@ -41,7 +35,7 @@ bool StoreVariant(ProblemEntry& entry, const std::string& name, const std::vecto
         return Refuse(questions, e.what());
     }
     if (variants.contains(name) &&
-        !Ask(questions, "Variant" + Quoted(name) + " already exists. Do you want to overwrite it?\n"))
+        !AskYesNo(questions, "Variant" + Quoted(name) + " already exists. Do you want to overwrite it?\n"))
         return false;
     variants[name] = moves;
     WriteVariants(entry, variants);
@@ -65,7 +59,7 @@ bool RenameVariant(ProblemEntry& entry, const std::string& oldName, const std::s
 bool DeleteVariant(ProblemEntry& entry, const std::string& name, const TUserQuestions& questions) {
     TVariants variants = ReadVariants(entry).variants;
     if (!variants.contains(name)) return RefuseAnyOther(questions);
-    if (!Ask(questions, "Do you really want to delete variant" + Quoted(name))) return false;
+    if (!AskYesNo(questions, "Do you really want to delete variant" + Quoted(name))) return false;
     variants.erase(name);
     WriteVariants(entry, variants);
     return true;

@@ -10,6 +10,7 @@
 
 namespace moremate {
 
+// The prompt of the interface's variant-name choice, for the interface to show.
 inline constexpr const char* kVariantNamePrompt = "Select/enter name";
 
 // Stores `moves` (legal from the initial position) under `name`; asks before overwriting a

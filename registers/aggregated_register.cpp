@@ -6,9 +6,7 @@ namespace moremate {
 
 TAggregatedTemporaryChessboardRegister::TAggregatedTemporaryChessboardRegister(uint32_t nCapacity,
                                                                                size_t nBuckets)
-    : TTemporaryChessboardRegister<0>(nCapacity, nBuckets),
-      m_nBucketCount(nBuckets),
-      m_nLastEmptyingMs(EmptyingClockMs() - 100) {}
+    : TTemporaryChessboardRegister<0>(nCapacity, nBuckets), m_nLastEmptyingMs(EmptyingClockMs() - 100) {}
 
 TAggregatedTemporaryChessboardRegister::~TAggregatedTemporaryChessboardRegister() = default;
 
@@ -57,7 +55,7 @@ TAggregatedTemporaryChessboardRegister::TDoubtfulnessRegister&
 TAggregatedTemporaryChessboardRegister::DoubtfulRegister(uint64_t nConfiguration) {
     std::shared_ptr<TDoubtfulnessRegister>& pRegister = m_doubtful[nConfiguration];
     if (!pRegister) {
-        pRegister = std::make_shared<TDoubtfulnessRegister>(Capacity(), m_nBucketCount.load(), this);
+        pRegister = std::make_shared<TDoubtfulnessRegister>(Capacity(), m_table.BucketCount(), this);
         pRegister->SetShortPositionsFlag(ShortPositions());
     }
     return *pRegister;
@@ -134,7 +132,6 @@ void TAggregatedTemporaryChessboardRegister::ClearShortPositions() {
 }
 
 void TAggregatedTemporaryChessboardRegister::SetBucketCount(size_t nBuckets) {
-    m_nBucketCount.store(nBuckets);
     TTemporaryChessboardRegister<0>::SetBucketCount(nBuckets);
     std::shared_lock lock(m_lock);
     for (auto& entry : m_doubtful) entry.second->SetBucketCount(nBuckets);

@@ -122,7 +122,6 @@ class TAggregatedTemporaryChessboardRegister : public TTemporaryChessboardRegist
     std::map<uint64_t, std::shared_ptr<TDoubtfulnessRegister>> m_doubtful;
     std::map<uint64_t, uint32_t> m_pins;
     mutable std::mutex m_pinsMutex;
-    std::atomic<size_t> m_nBucketCount;
     alignas(64) std::atomic<uint32_t> m_nDoubtfulElements{0};
     int64_t m_nLastEmptyingMs;  // read and written under the process-wide emptying mutex
     std::function<void()> m_autosave;

@@ -176,10 +176,10 @@ void CChunkAllocator::Free(void* p) {
 }
 
 void* CChunkAllocator::Reallocate(void* p, size_t nNewBytes) {
-    const size_t nOldBytes = BlockSize(p);
-    if (ChunkOf(p)->pClass && ClassFor(nNewBytes) == ChunkOf(p)->pClass) return p;
+    const void* pClass = ChunkOf(p)->pClass;
+    if (pClass && ClassFor(nNewBytes) == pClass) return p;
     void* pMoved = Allocate(nNewBytes);
-    std::memcpy(pMoved, p, std::min(nOldBytes, nNewBytes));
+    std::memcpy(pMoved, p, std::min(BlockSize(p), nNewBytes));
     Free(p);
     return pMoved;
 }

@@ -1,7 +1,5 @@
 #include "coherence_report.h"
 
-#include <cstring>
-
 #include "core/chess_exception.h"
 #include "core/fen.h"
 #include "core/validation.h"
@@ -9,9 +7,7 @@
 namespace moremate {
 
 std::string RegisterItemFen(const TChessboardRegisterItem& item, uint16_t n) {
-    TChessboard board;
-    std::memcpy(board.squares, item.squares, sizeof board.squares);
-    board.movesLeft = board.movesAtStart = static_cast<int16_t>(n);
+    TChessboard board = ChessboardOf(item, n);
     try {
         Validate(board, true);
     } catch (const ChessException&) {

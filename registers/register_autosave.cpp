@@ -1,8 +1,7 @@
 #include "register_autosave.h"
 
-#include <chrono>
-
 #include "core/chess_exception.h"
+#include "register_emptying.h"
 #include "register_file.h"
 
 namespace moremate {
@@ -10,17 +9,12 @@ namespace {
 
 constexpr int64_t kMsPerMinute = 60'000;
 
-int64_t SteadyClockMs() {
-    using namespace std::chrono;
-    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
-}
-
 }  // namespace
 
 CRegisterAutoSave::CRegisterAutoSave(TAutoSaveSettings settings, TAutoSaveDescriptor descriptor, CClock clock)
     : m_settings(std::move(settings)),
       m_descriptor(std::move(descriptor)),
-      m_clock(clock ? std::move(clock) : CClock(SteadyClockMs)),
+      m_clock(clock ? std::move(clock) : CClock(EmptyingClockMs)),
       m_nLastSaveMs(m_clock()) {}
 
 CRegisterAutoSave::~CRegisterAutoSave() {

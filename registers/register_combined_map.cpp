@@ -56,6 +56,12 @@ TChessboardRegisterEntry* LowerBound(const TSortedBucket& sorted, const TChessbo
         [](const TChessboardRegisterEntry& e, const TChessboardRegisterItem& key) { return e.key < key; });
 }
 
+// The entry of `item` in a sorted bucket, or null.
+TChessboardRegisterEntry* FindSorted(const TSortedBucket& sorted, const TChessboardRegisterItem& item) {
+    TChessboardRegisterEntry* found = LowerBound(sorted, item);
+    return found != sorted.pEntries + sorted.nCount && found->key == item ? found : nullptr;
+}
+
 void FreeSorted(TSortedBucket* sorted) {
     Free(sorted->pEntries);
     Free(sorted);
@@ -202,8 +208,7 @@ TChessboardRegisterEntry& TRegisterCombinedMap::FindOrAdd(CBucketLock& bucket,
     }
     if (bucket.IsSorted()) {
         auto& sorted = *static_cast<TSortedBucket*>(bucket.Pointer());
-        TChessboardRegisterEntry* found = LowerBound(sorted, item);
-        if (found != sorted.pEntries + sorted.nCount && found->key == item) return *found;
+        if (TChessboardRegisterEntry* found = FindSorted(sorted, item)) return *found;
         bAdded = true;
         return InsertSorted(sorted, item);
     }
@@ -235,9 +240,9 @@ std::optional<TChessboardRegisterEntry> TRegisterCombinedMap::Find(
     CBucketLock bucket(BucketOf(item));
     if (!bucket.Pointer()) return std::nullopt;
     if (bucket.IsSorted()) {
-        const auto& sorted = *static_cast<const TSortedBucket*>(bucket.Pointer());
-        const TChessboardRegisterEntry* found = LowerBound(sorted, item);
-        if (found != sorted.pEntries + sorted.nCount && found->key == item) return *found;
+        const TChessboardRegisterEntry* found =
+            FindSorted(*static_cast<const TSortedBucket*>(bucket.Pointer()), item);
+        if (found) return *found;
         return std::nullopt;
     }
     for (const TChessboardRegisterEntry& entry : EntriesOf(bucket)) {

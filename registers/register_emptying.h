@@ -7,7 +7,7 @@
 
 namespace moremate {
 
-// Milliseconds of the monotonic clock that times the emptyings.
+// Milliseconds of the monotonic clock that times the emptyings (and the automatic saves).
 int64_t EmptyingClockMs();
 
 // The level (n) last removed by an emptying; 0 before the first.

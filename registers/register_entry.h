@@ -52,6 +52,14 @@ inline TChessboardRegisterItem RegisterItemOf(const TChessboard& board) {
     return item;
 }
 
+// The board of a key's piece bytes, with the side to move given by the level n.
+inline TChessboard ChessboardOf(const TChessboardRegisterItem& item, uint16_t n) {
+    TChessboard board;
+    std::memcpy(board.squares, item.squares, sizeof board.squares);
+    board.movesLeft = board.movesAtStart = static_cast<int16_t>(n);
+    return board;
+}
+
 inline constexpr std::array<uint32_t, 64> kRegisterHashWeights = [] {
     std::array<uint32_t, 64> weights{};
     for (uint32_t i = 0; i < 64; ++i) weights[i] = (i + 1) * (i + 1);

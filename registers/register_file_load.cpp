@@ -74,9 +74,7 @@ class CRecordStore {
         entry.MovesMate = ReadU16(pRecord);
         entry.MovesNoMate = ReadU16(pRecord + 2);
         std::memcpy(entry.key.squares, pRecord + 4, sizeof entry.key.squares);
-        TChessboard board;
-        std::memcpy(board.squares, entry.key.squares, sizeof board.squares);
-        board.movesLeft = board.movesAtStart = m_options.bBlackToMove ? 2 : 1;
+        TChessboard board = ChessboardOf(entry.key, m_options.bBlackToMove ? 2 : 1);
         try {
             Validate(board, true);
         } catch (const ChessException&) {

@@ -7,10 +7,6 @@
 
 namespace moremate {
 
-int KingDistance(int a, int b) {
-    return std::max(std::abs(FileOf(a) - FileOf(b)), std::abs(RankOf(a) - RankOf(b)));
-}
-
 int StepDistance(int a, int b) {
     return std::abs(FileOf(a) - FileOf(b)) + std::abs(RankOf(a) - RankOf(b));
 }

@@ -10,8 +10,6 @@
 
 namespace moremate {
 
-// King moves between two squares (Chebyshev distance).
-int KingDistance(int a, int b);
 // Squares between two squares counted along files and ranks (c2 is 3 from a1).
 int StepDistance(int a, int b);
 // Queen, rook, bishop or knight.
