@@ -26,6 +26,9 @@
 
 namespace moremate {
 
+// The message of a register file that cannot be opened or read.
+inline constexpr const char* kRegisterReadError = "Error reading file";
+
 class CRegisterLevels;
 class CRegisterStream;
 

@@ -15,7 +15,6 @@ namespace {
 
 constexpr const char* kEmptyFile = "Error - data file is empty.";
 constexpr const char* kAllocationError = "Error allocating memory";
-constexpr const char* kReadError = "Error reading file";
 constexpr const char* kDecompressionError = "An error occurred during LZ4 decompression.";
 constexpr const char* kRecordReadError = "Error reading file in TAggregatedTemporaryChessboardRegister::Load";
 constexpr const char* kLoadLogHeader =
@@ -136,7 +135,7 @@ std::vector<uint8_t> UnpackFile(std::FILE* pFile, const uint8_t* pMagic, uint64_
     std::memcpy(packed.data(), pMagic, kPackedMagicSize);
     const size_t nRest = nFileSize - kPackedMagicSize;
     if (std::fread(packed.data() + kPackedMagicSize, 1, nRest, pFile) != nRest)
-        throw ChessException(kReadError);
+        throw ChessException(kRegisterReadError);
     std::optional<std::vector<uint8_t>> data;
     try {
         data = DecompressPacked(packed.data(), nFileSize);

@@ -7,7 +7,6 @@
 namespace moremate {
 namespace {
 
-constexpr const char* kOpenError = "Error reading file";
 constexpr size_t kReadBufferSize = size_t{1} << 20;
 
 }  // namespace
@@ -20,7 +19,7 @@ TRegisterLoadResult LoadRegisterFile(const std::filesystem::path& path,
     const uint64_t nFileSize = std::filesystem::file_size(path, error);
     CFileHandle file(error ? nullptr : std::fopen(path.c_str(), "rb"), &std::fclose);
     if (!file) {
-        result.sError = kOpenError;
+        result.sError = kRegisterReadError;
         return result;
     }
     std::setvbuf(file.get(), nullptr, _IOFBF, kReadBufferSize);
@@ -61,7 +60,7 @@ std::string LoadReportText(const TRegisterLoadResult& result, const std::filesys
                            int languageId, bool bClearRegisterOnStartSolving) {
     std::string text;
     if (!result.bRead)
-        text = "Error reading file ";
+        text = std::string(kRegisterReadError) + " ";
     else if (!result.bComplete)
         text = "File has been read with errors: ";
     else
