@@ -1,10 +1,12 @@
 #include "position_type.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 
 #include "core/attacks.h"
 #include "core/movegen.h"
+#include "position_detections.h"
 
 namespace moremate {
 namespace {
@@ -46,10 +48,7 @@ void BlackKingGeometry(const TChessboard& root, TRootFacts& facts) {
 void ImmobileBlackPieces(const TChessboard& root, TRootFacts& facts) {
     TChessboard black = root;
     black.movesLeft = static_cast<int16_t>(root.movesLeft + 1);
-    TMoveList moves;
-    GenerateLegalMoves(black, moves);
-    bool mobile[64] = {};
-    for (const TMove& m : moves) mobile[m.from] = true;
+    const std::array<bool, 64> mobile = MobileBlackPieces(black);
     for (int sq = 0; sq < 64; ++sq) {
         const Piece p = root.squares[sq];
         if (ColourOf(p) != kBlack || TypeOf(p) == kKing || mobile[sq]) continue;
@@ -77,6 +76,18 @@ void AddBlockedFigures(const TRootFacts& facts, THeuristicSet& set) {
     set.params.blockedCount = static_cast<uint8_t>(count);
 }
 
+// The figures the black king walls in go into the DLFU squares without the bit: the relaxation
+// adds SH_DONTLETFIGUREUNBLOCK at its next step when the request is granted.
+void AddDynamicDlfu(const TChessboard& root, const TRootFacts& facts, TPositionType& type) {
+    if (type.set.Has(SH_DONTLETFIGUREUNBLOCK)) return;
+    const std::vector<Square> figures = DynamicDlfuFigures(root, facts);
+    if (figures.empty()) return;
+    const size_t count = std::min<size_t>(figures.size(), 8);
+    std::copy_n(figures.begin(), count, type.set.params.blockedFigures);
+    type.set.params.blockedCount = static_cast<uint8_t>(count);
+    type.pendingDynamicDlfu = true;
+}
+
 }  // namespace
 
 TRootFacts RootFacts(const TChessboard& root) {
@@ -92,10 +103,11 @@ TRootFacts RootFacts(const TChessboard& root) {
 // doubtful lines are not kept as proofs, so each relaxed pass searches much of it again.
 constexpr int kShortestMoremover = 7;
 
-THeuristicSet PositionTypeHeuristics(const TChessboard& root) {
+TPositionType PositionTypeCheck(const TChessboard& root) {
     const TRootFacts facts = RootFacts(root);
-    THeuristicSet set;
-    if (facts.stipulationMoves < kShortestMoremover) return set;
+    TPositionType type;
+    THeuristicSet& set = type.set;
+    if (facts.stipulationMoves < kShortestMoremover) return type;
     AddEdgeRule(facts, set);
     AddBlockedFigures(facts, set);
     if (facts.whiteMaterial >= facts.blackMaterial + 10 && facts.whiteFigures >= 2)
@@ -104,7 +116,15 @@ THeuristicSet PositionTypeHeuristics(const TChessboard& root) {
     if (facts.whiteSingleQueen && facts.BlackPieces() >= 3 && immobileBlack == facts.BlackPieces())
         set.Add(SH_SINGLEQUEENMATE);
     if (facts.blackQueens == 0) set.Add(SH_3MOVESTOMATE);
-    return set;
+    DetectPawnBlockade(root, facts, set);
+    DetectKeySquare(root, facts, set);
+    DetectSeaSnake(root, facts, set);
+    AddDynamicDlfu(root, facts, type);
+    return type;
+}
+
+THeuristicSet PositionTypeHeuristics(const TChessboard& root) {
+    return PositionTypeCheck(root).set;
 }
 
 }  // namespace moremate

@@ -37,6 +37,13 @@ struct TRootFacts {
 // Facts of a root position with White to move (`movesLeft` is the stipulation in half-moves).
 TRootFacts RootFacts(const TChessboard& root);
 
+// What the position type check chose: pass 1's set and, when the black king walls in its own
+// figures with a move, a request to apply DLFU dynamically (the set carries the figures' squares).
+struct TPositionType {
+    THeuristicSet set;
+    bool pendingDynamicDlfu = false;
+};
+
 // The set chosen by the position type check: none for problems up to #6, which are searched
 // without heuristics at once. Otherwise the rules, each adding to the set:
 // - the black king on the edge with at most two flights: SH_KEEPKINGONTHEEDGE, in STRICT mode
@@ -45,7 +52,11 @@ TRootFacts RootFacts(const TChessboard& root);
 // - two or more immobile black figures: SH_DONTLETFIGUREUNBLOCK on their squares (up to eight);
 // - White ahead by ten pawn units or more with at least two figures: SH_DONTLOSEANYFIGURES;
 // - a single white queen against at least three black pieces, all immobile: SH_SINGLEQUEENMATE;
-// - no black queen (whose checks upset the three-move estimate): SH_3MOVESTOMATE.
+// - no black queen (whose checks upset the three-move estimate): SH_3MOVESTOMATE;
+// - the engine's own detections (position_detections.h): SH_USEBLOCKBLACKPAWNSLEVEL,
+//   SH_ZUGZWANGTRIANGLES, SH_KEYSQUARE, SH_SEASNAKE and the dynamic DLFU request.
+TPositionType PositionTypeCheck(const TChessboard& root);
+// The set of PositionTypeCheck.
 THeuristicSet PositionTypeHeuristics(const TChessboard& root);
 
 }  // namespace moremate

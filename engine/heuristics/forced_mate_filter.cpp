@@ -3,7 +3,6 @@
 // to move again) and asking a plain mate search for a mate within the mode's depth. Checks are
 // recognised on the board before the move, so only quiet moves pay for a threat search.
 #include <algorithm>
-#include <optional>
 
 #include "core/gives_check.h"
 #include "engine/mate_search.h"
@@ -67,13 +66,12 @@ bool KeepChecksAndThreats(const TFilterContext& c, TMoveList& moves) {
     // After White's move and Black's pass, White has (movesLeft - 1) / 2 moves of the line left.
     const int depth = std::min(ThreatDepth(c.set.params.ffm.mode), (c.node.movesLeft - 1) / 2);
     if (depth < 1) return DropMoves(moves, [&](const TMove& m) { return !forcing(m); });
-    // Built on the first quiet move only: a node of forcing moves never pays for the search.
-    std::optional<TMateSearch> threats;
-    return DropMoves(moves, [&](const TMove& m) {
-        if (forcing(m)) return false;
-        if (!threats) threats.emplace(TSearchEnvironment{});
-        return !ThreatensMate(*threats, c.node, m, depth);
-    });
+    // One threat search per thread, made once: the search keeps its killer moves from one threat
+    // test to the next, and a node does not pay for setting up a search. The threat search runs
+    // without heuristics, so it never comes back into this filter.
+    thread_local TMateSearch threats{TSearchEnvironment{}};
+    return DropMoves(
+        moves, [&](const TMove& m) { return !forcing(m) && !ThreatensMate(threats, c.node, m, depth); });
 }
 
 }  // namespace moremate

@@ -69,6 +69,19 @@ int WhiteMovesPlayed(const TChessboard& board) {
     return (HalfMovesPlayed(board) + (board.movesAtStart & 1)) / 2;
 }
 
+int MobileBlackPawns(const TChessboard& board) {
+    const auto white = [&board](int file, int rank) {
+        return OnBoard(file, rank) && ColourOf(board.squares[MakeSquare(file, rank)]) == kWhite;
+    };
+    int mobile = 0;
+    for (int sq = 8; sq < 64; ++sq) {
+        if (board.squares[sq] != (kBlack | kPawn)) continue;
+        const int file = FileOf(sq), rank = RankOf(sq);
+        mobile += board.squares[sq - 8] == kEmpty || white(file - 1, rank - 1) || white(file + 1, rank - 1);
+    }
+    return mobile;
+}
+
 bool AttackedBy(const TChessboard& board, int square, uint8_t colour) {
     return IsAttacked(board, board.squares, square, colour);
 }

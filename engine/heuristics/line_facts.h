@@ -32,6 +32,8 @@ int HalfMovesPlayed(const TChessboard& board);
 int WhiteMovesLeft(const TChessboard& board);
 // White moves made since the start, counting the one that led to `board` when White just moved.
 int WhiteMovesPlayed(const TChessboard& board);
+// Black pawns with a push or a capture open to them (pins and en passant are not looked at).
+int MobileBlackPawns(const TChessboard& board);
 // Whether a piece of `colour` attacks `square` in `board`.
 bool AttackedBy(const TChessboard& board, int square, uint8_t colour);
 // Drops the moves for which `drop` answers true; says whether any went.

@@ -41,4 +41,9 @@ bool ZugzwangPositionMissed(const TRuleContext& c);
 bool WhiteKingOffTriangle(const TRuleContext& c);
 bool ReducedPositionHasNoMate(const TRuleContext& c);
 
+// Rules of the engine's own detections (engine_set_rules.cpp).
+bool BlackPawnFreed(const TRuleContext& c);
+bool KeySquareAbandoned(const TRuleContext& c);
+bool WhiteKingLeavesTempoFight(const TRuleContext& c);
+
 }  // namespace moremate

@@ -370,6 +370,28 @@ TEST(SpecialHeuristics, LinesAndTiedPieces) {
     });
 }
 
+TEST(SpecialHeuristics, RulesOfTheEnginesOwnDetections) {
+    const THeuristicSet blockade = With(SH_USEBLOCKBLACKPAWNSLEVEL);
+    const THeuristicSet key = With(SH_KEYSQUARE, [](THeuristicParameters& p) { p.keySquare = 57; });  // b8
+    const THeuristicSet tempo = With(SH_ZUGZWANGTRIANGLES);
+    const char* blocked = "k7/p7/P7/8/4p3/4P2R/8/4K3 w - -";
+    const char* prison = "k7/8/1K6/4B3/8/8/8/8 w - -";
+    const char* ending = "8/8/2k5/p7/P7/2K5/8/8 w - -";
+    ExpectVerdicts({
+        {"the blockade holds", blockade, blocked, 9, {"Rh3-h4"}, 0},
+        {"the rook offers e4 a capture", blockade, blocked, 9, {"Rh3-f3"}, SH_USEBLOCKBLACKPAWNSLEVEL},
+        {"the bishop keeps guarding b8", key, prison, 9, {"Be5-f4"}, 0},
+        {"the bishop leaves b8 unguarded", key, prison, 9, {"Be5-d4"}, SH_KEYSQUARE},
+        {"a step away from the black king", tempo, ending, 9, {"Kc3-d2", "Kc6-b6", "Kd2-e2"}, 0},
+        {"a walk away from the black king",
+         tempo,
+         ending,
+         9,
+         {"Kc3-d2", "Kc6-b6", "Kd2-e1"},
+         SH_ZUGZWANGTRIANGLES},
+    });
+}
+
 TEST(SpecialHeuristics, TempoPatterns) {
     const auto snake = [](uint8_t after) {
         THeuristicSet set = With(SH_SEASNAKE);

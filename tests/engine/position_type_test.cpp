@@ -74,5 +74,62 @@ TEST(PositionType, ShortProblemsGetNoHeuristicsAndThreeMovesNeedsNoBlackQueen) {
     EXPECT_FALSE(PositionTypeHeuristics(Root("8/8/8/3k4/8/8/8/RQ2K2q w - - 0 1", 8)).Has(SH_3MOVESTOMATE));
 }
 
+TEST(PositionType, PawnBlockadeAndTempoFight) {
+    // Pawn ending, Black's pawns a5 and e4 blocked: blockade level and zugzwang triangles.
+    THeuristicSet s = PositionTypeHeuristics(Root("8/8/2k5/p7/P3p3/4P3/2K5/8 w - - 0 1", 8));
+    EXPECT_TRUE(s.Has(SH_USEBLOCKBLACKPAWNSLEVEL));
+    EXPECT_TRUE(s.Has(SH_ZUGZWANGTRIANGLES));
+    // A white rook on the board: no pawn ending, the blockade alone.
+    s = PositionTypeHeuristics(Root("k7/p7/P7/8/4p3/4P2R/8/4K3 w - - 0 1", 8));
+    EXPECT_TRUE(s.Has(SH_USEBLOCKBLACKPAWNSLEVEL));
+    EXPECT_FALSE(s.Has(SH_ZUGZWANGTRIANGLES));
+    // The a-pawn can move: neither.
+    s = PositionTypeHeuristics(Root("8/8/2k5/p7/8/8/2K5/8 w - - 0 1", 8));
+    EXPECT_FALSE(s.Has(SH_USEBLOCKBLACKPAWNSLEVEL | SH_ZUGZWANGTRIANGLES));
+}
+
+TEST(PositionType, KeySquareIsTheOnlySinglyGuardedDoor) {
+    // Kh8 walled in by g7, h7; only g8 is free, guarded by the knight alone.
+    THeuristicSet s = PositionTypeHeuristics(Root("7k/6pp/5N2/8/8/8/8/4K3 w - - 0 1", 8));
+    ASSERT_TRUE(s.Has(SH_KEYSQUARE));
+    EXPECT_EQ(s.params.keySquare, 62);
+    // Without h7 the knight guards two doors, g8 and h7: no single key square.
+    s = PositionTypeHeuristics(Root("7k/6p1/5N2/8/8/8/8/4K3 w - - 0 1", 8));
+    EXPECT_FALSE(s.Has(SH_KEYSQUARE));
+}
+
+TEST(PositionType, SeaSnakeFindsPendulumAndTriangle) {
+    // Black can only swing Bg8-f7-g8; the white king b2 has free room for its triangle.
+    const char* snake = "4k1b1/R5Bp/4p1pP/B3P1P1/8/8/1K6/8 w - - 0 1";
+    THeuristicSet s = PositionTypeHeuristics(Root(snake, 9));
+    ASSERT_TRUE(s.Has(SH_SEASNAKE));
+    EXPECT_EQ(s.params.seaSnake.pendulum[0], 62);
+    EXPECT_EQ(s.params.seaSnake.pendulum[1], 53);
+    const int king = 9;  // b2
+    EXPECT_EQ(KingDistance(s.params.seaSnake.approach, king), 1);
+    EXPECT_EQ(KingDistance(s.params.seaSnake.turnBack, king), 1);
+    EXPECT_EQ(KingDistance(s.params.seaSnake.approach, s.params.seaSnake.turnBack), 1);
+    // Without the pawn h6 Black has h7-h6 and h7-h5 besides the bishop: no sea snake.
+    EXPECT_FALSE(
+        PositionTypeHeuristics(Root("4k1b1/R5Bp/4p1p1/B3P1P1/8/8/1K6/8 w - - 0 1", 9)).Has(SH_SEASNAKE));
+}
+
+TEST(PositionType, DynamicDlfuWhenTheKingWallsInItsFigures) {
+    // Only the rook h8 is shut in; Ke7-f7 would shut in the bishop g8 too.
+    TPositionType t = PositionTypeCheck(Root("6br/4k1pp/8/8/8/8/8/K2R4 w - - 0 1", 8));
+    EXPECT_TRUE(t.pendingDynamicDlfu);
+    EXPECT_FALSE(t.set.Has(SH_DONTLETFIGUREUNBLOCK));
+    ASSERT_EQ(t.set.params.blockedCount, 2);
+    EXPECT_EQ(t.set.params.blockedFigures[0], 62);
+    EXPECT_EQ(t.set.params.blockedFigures[1], 63);
+    // A king far away walls in nothing.
+    t = PositionTypeCheck(Root("6br/6pp/8/8/4k3/8/8/K2R4 w - - 0 1", 8));
+    EXPECT_FALSE(t.pendingDynamicDlfu);
+    // Figures already shut in at the start get the static rule instead.
+    t = PositionTypeCheck(Root("rbk5/ppp5/8/8/8/8/7R/4KBQR w - - 0 1", 8));
+    EXPECT_FALSE(t.pendingDynamicDlfu);
+    EXPECT_TRUE(t.set.Has(SH_DONTLETFIGUREUNBLOCK));
+}
+
 }  // namespace
 }  // namespace moremate
