@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/gives_check.h"
+#include "run_control.h"
 
 namespace moremate {
 namespace {
@@ -24,12 +25,12 @@ bool EnPassantPossible(const TChessboard& node) {
            (file < 7 && node.squares[pawnSquare + 1] == ours);
 }
 
+}  // namespace
+
 bool SamePosition(const TChessboard& a, const TChessboard& b) {
     return std::memcmp(a.squares, b.squares, 64) == 0 && CastlingRights(a) == CastlingRights(b) &&
            EnPassantPossible(a) == EnPassantPossible(b);
 }
-
-}  // namespace
 
 bool SquaresTellAll(const TChessboard& node) {
     return CastlingRights(node) == HomeCastlingRights(node.squares) && !EnPassantPossible(node);
@@ -39,7 +40,9 @@ void TMateSearch::CountNode() {
     constexpr uint64_t kProgressStep = 4096;
     if ((++m_nNodes % kProgressStep) == 0 && m_env.progressNodes)
         m_env.progressNodes->fetch_add(kProgressStep, std::memory_order_relaxed);
+    if (m_env.control) m_env.control->Poll();
     if (m_env.stop && m_env.stop->load(std::memory_order_relaxed)) throw TSearchStopped{};
+    if (m_pCancel && m_pCancel->load(std::memory_order_relaxed)) throw TSearchCancelled{};
 }
 
 uint8_t TMateSearch::FindForcedMate(const TChessboard& node) {
@@ -167,6 +170,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     GenerateLegalMoves(node, moves);
     bool doubtful = Filtered(node, moves);
     OrderWhiteMoves(node, moves, m_killers[ply], false);
+    if (m_env.scheduler) m_env.scheduler->AtWhiteNode(node, moves);
     const uint64_t repetitionsBefore = m_nRepetitions;
     for (int k = 1; k <= n; k += 2) {
         const uint8_t r = WhiteWithin(node, moves, k, ply);
@@ -204,7 +208,7 @@ uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, int 
     return doubtful ? kDoubtful : kNoMate;
 }
 
-uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
+uint8_t TMateSearch::OpenBlackNode(const TChessboard& node, int ply, TMoveList& moves, bool& doubtful) {
     CountNode();
     const int m = node.movesLeft;
     if (m <= 0) return IsMate(node) ? kMate : kNoMate;
@@ -216,11 +220,18 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
         ++m_nRepetitions;
         return kRepetition;
     }
-    TMoveList moves;
     GenerateLegalMoves(node, moves);
     if (moves.count == 0) return node.InCheck() ? kMate : kNoMate;  // mate, or stalemate
-    bool doubtful = Filtered(node, moves);
+    doubtful = Filtered(node, moves);
     OrderBlackMoves(node, moves, m_killers[ply]);
+    return kUnknownResult;
+}
+
+uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
+    TMoveList moves;
+    bool doubtful = false;
+    const uint8_t opened = OpenBlackNode(node, ply, moves, doubtful);
+    if (opened != kUnknownResult) return opened;
     const uint64_t repetitionsBefore = m_nRepetitions;
     for (const TMove& d : moves) {
         TChessboard child;
@@ -231,7 +242,13 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
             if (m_nRepetitions == repetitionsBefore) Settle(node, ply, kNoMate);
             return kNoMate;
         }
-        doubtful = doubtful || r == kDoubtful;
+        // A defence that only a heuristic keeps from a refutation already denies the mate in this
+        // pass: the other defences could only turn "doubtful" into "no mate", and searching them
+        // proves mates that nobody needs.
+        if (r == kDoubtful) {
+            Settle(node, ply, kDoubtful);
+            return kDoubtful;
+        }
     }
     const uint8_t result = doubtful ? kDoubtful : kMate;
     Settle(node, ply, result);

@@ -19,12 +19,18 @@ namespace moremate {
 
 // Thrown through the search when a stop was requested; the search then has no result.
 struct TSearchStopped {};
+// Thrown through the search when its cancel flag was raised (its result no longer counts).
+struct TSearchCancelled {};
+
+class CRunControl;
 
 struct TSearchEnvironment {
     CPositionStore* store = nullptr;       // the registers of the pass, or none
     CHeuristicHook* heuristics = nullptr;  // heuristics in force, or none
     CGlobalRegisterHook* globalRegister = nullptr;
     const std::atomic<bool>* stop = nullptr;         // polled at every node
+    CRunControl* control = nullptr;                  // pause and skip, polled with `stop`
+    CSchedulerHook* scheduler = nullptr;             // told about White nodes, or none
     std::atomic<uint64_t>* progressNodes = nullptr;  // nodes searched, updated every few thousand
     CSearchLog* log = nullptr;                       // per-thread move log, or none
     std::string logFolder;                           // where "PoorSWM.log" goes
@@ -43,7 +49,21 @@ class TMateSearch {
     // A mating move of a White node that mates within `halfMoves`, or the null move.
     TMove MatingMove(const TChessboard& node, int halfMoves);
 
+    // A Black node whose defences several threads share: settles it at once when it can (the
+    // result, or kRepetition), else kUnknownResult with the defences sorted and `doubtful` set
+    // when a filter dropped some. Each defence is then searched with SearchAfterMove(child, ply
+    // + 1), and the combined result stored with SettleNode.
+    uint8_t OpenBlackNode(const TChessboard& node, int ply, TMoveList& moves, bool& doubtful);
+    uint8_t SearchAfterMove(const TChessboard& child, int ply) { return AfterMove(child, ply); }
+    void SettleNode(const TChessboard& node, int ply, uint8_t result) { Settle(node, ply, result); }
+    void RememberRefutation(int ply, const TMove& move) { m_killers[ply].Remember(move); }
+    void SetQuickerMateDepth(int moves) { m_env.quickerMateDepth = moves; }
+    // Polled with the stop flag; null for none.
+    void SetCancel(const std::atomic<bool>* cancel) { m_pCancel = cancel; }
+
     uint64_t Nodes() const { return m_nNodes; }
+    uint64_t Repetitions() const { return m_nRepetitions; }
+    CRunControl* Control() const { return m_env.control; }
     uint32_t DoubtReason() const { return m_nDoubtReason; }
 
   private:
@@ -64,6 +84,7 @@ class TMateSearch {
     void CountNode();
 
     TSearchEnvironment m_env;
+    const std::atomic<bool>* m_pCancel = nullptr;
     uint64_t m_nNodes = 0;
     uint32_t m_nDoubtReason = 0;
     // Repetitions met so far: a "no mate" that rests on one depends on the line and is not stored.
@@ -74,5 +95,7 @@ class TMateSearch {
 // Whether the register may hold results for this position: its 64 squares must say all, so
 // positions whose castling or en passant chances differ from what the squares suggest are left out.
 bool SquaresTellAll(const TChessboard& node);
+// The same position for repetition: squares, castling rights and en passant chances.
+bool SamePosition(const TChessboard& a, const TChessboard& b);
 
 }  // namespace moremate

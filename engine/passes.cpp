@@ -7,12 +7,14 @@
 
 #include <fmt/format.h>
 
+#include "run_control.h"
+
 namespace moremate {
 namespace {
 
-constexpr const char* kHybridFirstPhase =
+constexpr const char* kHybridFirstPhaseText =
     "  - now running the first (heuristical) phase of hybrid brute force (no solution found yet)";
-constexpr const char* kHybridSecondPhase =
+constexpr const char* kHybridSecondPhaseText =
     "  - now running the second (brute force) phase of hybrid brute force (at least one solution already "
     "found)";
 
@@ -49,6 +51,7 @@ class CPassSeries {
         RunPass(2, limit);
     }
 
+    void SetHybridPhase(uint8_t phase) { m_byPhase = phase; }
     bool Done() const { return m_bDone; }
     bool Interrupted() const { return m_result.stopped || !m_result.error.empty(); }
     size_t KeyCount() const { return m_result.keys.size(); }
@@ -69,6 +72,8 @@ class CPassSeries {
         const std::string label = fmt::format("{}{}", number, PassLetter(state.step));
         const std::string setText = PassSetText(state, &m_request.position);
         const std::unique_ptr<CHeuristicHook> hook = m_request.hooks ? m_request.hooks(state.set) : nullptr;
+        if (CRunControl* control = m_request.environment.control)
+            control->PassStarted(number, PassLetter(state.step), state.set.mask);
         if (m_request.runRegister)
             m_request.runRegister->SetConfiguration(state.set.mask, state.parameterWord);
         TSolveRequest pass;
@@ -77,9 +82,10 @@ class CPassSeries {
         pass.maxKeys = limit == SIZE_MAX ? 0 : static_cast<int>(limit - m_result.keys.size());
         pass.preferredFirstMoves = m_request.preferredFirstMoves;
         pass.timeLimitSeconds = RemainingSeconds();
-        pass.threads = m_request.threads;
         pass.environment = m_request.environment;
         pass.environment.heuristics = hook.get();
+        ConfigurePassThreads(pass, m_request.threads, state, m_byPhase,
+                             !state.relaxationAllowed && !state.pass2Allowed);
         for (const TPassKey& key : m_result.keys) pass.knownKeys.push_back(key.key.move);
         const TSolveResult r = Solve(pass, m_stop);
         for (const TKey& key : r.keys) m_result.keys.push_back({key, label, setText});
@@ -125,6 +131,7 @@ class CPassSeries {
     std::chrono::steady_clock::time_point m_start;
     TPassRunResult m_result;
     bool m_bDone = false;
+    uint8_t m_byPhase = kNotHybrid;
 };
 
 // The passes with heuristics, then pass 2 unless the series is over or pass 2 is not allowed.
@@ -147,10 +154,12 @@ TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop) {
             series.RunPassTwo(SIZE_MAX);
             break;
         case TBruteForce::Hybrid:
-            series.Say(kHybridFirstPhase);
+            series.Say(kHybridFirstPhaseText);
+            series.SetHybridPhase(kHybridFirstPhase);
             RunStandard(series, request.state, 1);
             if (series.KeyCount() > 0 && !series.Interrupted()) {
-                series.Say(kHybridSecondPhase);
+                series.Say(kHybridSecondPhaseText);
+                series.SetHybridPhase(kHybridSecondPhase);
                 series.RunPassTwo(SIZE_MAX);
             }
             break;

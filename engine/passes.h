@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "pass_threads.h"
 #include "relaxation.h"
 #include "run_register.h"
 #include "solver.h"
@@ -33,7 +34,7 @@ struct TPassRunRequest {
     TBruteForce bruteForce = TBruteForce::Off;
     std::vector<TMove> preferredFirstMoves;  // tried first in every pass
     int timeLimitSeconds = 0;                // for the whole series; 0 = none
-    int threads = 1;                         // threads on the first moves of every pass
+    TRunThreads threads;                     // threads, multithreading levels and scheduler of every pass
     TSearchEnvironment environment;          // shared by the passes; `heuristics` is set per pass
     CRunRegister* runRegister = nullptr;     // when set: configured per pass, relaxed sets' lines removed
     FHookFactory hooks;
@@ -58,6 +59,7 @@ struct TPassSummary {
 struct TPassRunResult {
     uint8_t result = kNoMate;  // kMate with keys; else the verdict of the last pass
     bool stopped = false;
+    bool fromRegister = false;  // known before any pass: the register held the root's result
     std::vector<TPassKey> keys;
     std::vector<TPassSummary> passes;
     uint64_t nodes = 0;

@@ -33,4 +33,12 @@ class CGlobalRegisterHook {
     virtual bool Settle(const TChessboard& node, uint8_t& result) = 0;
 };
 
+class CSchedulerHook {
+  public:
+    virtual ~CSchedulerHook() = default;
+    // A White node with its moves sorted, before they are searched: may lend a free thread to a
+    // move sorted as almost the best. Must be cheap when it has nothing to do.
+    virtual void AtWhiteNode(const TChessboard& node, const TMoveList& moves) = 0;
+};
+
 }  // namespace moremate

@@ -8,10 +8,15 @@
 #include <exception>
 #include <mutex>
 #include <new>
+#include <optional>
+#include <stdexcept>
 #include <thread>
 
 #include "black_defence.h"
+#include "first_move_order.h"
+#include "level_search.h"
 #include "move_ordering.h"
+#include "thread_counters.h"
 
 namespace moremate {
 namespace {
@@ -62,78 +67,24 @@ bool Contains(const std::vector<TKey>& keys, const TMove& m) {
     return std::any_of(keys.begin(), keys.end(), [&m](const TKey& key) { return key.move == m; });
 }
 
-// The first moves at one mate length, spread over the threads' searches (which share the
-// register). A thread takes the next move in order; with a key limit, moves after the last one
-// that can still count are skipped. Results are per move, so they do not depend on the threads.
-class CFirstMoves {
-  public:
-    CFirstMoves(std::vector<TMateSearch>& searches, const TChessboard& root, std::vector<TMove> moves)
-        : m_searches(searches), m_root(root), m_moves(std::move(moves)) {}
-
-    std::vector<uint8_t> Search(int halfMoves, size_t limit) {
-        m_results.assign(m_moves.size(), kNoMate);
-        m_next = 0;
-        m_nLastNeeded = m_moves.size();
-        m_limit = limit;
-        std::vector<std::exception_ptr> failures(m_searches.size());
-        std::vector<std::thread> threads;
-        for (size_t t = 1; t < m_searches.size(); ++t)
-            threads.emplace_back([&, t] { Work(m_searches[t], halfMoves, failures[t]); });
-        Work(m_searches[0], halfMoves, failures[0]);
-        for (std::thread& th : threads) th.join();
-        for (const std::exception_ptr& failure : failures)
-            if (failure) std::rethrow_exception(failure);
-        return m_results;
-    }
-    const std::vector<TMove>& Moves() const { return m_moves; }
-
-  private:
-    void Work(TMateSearch& search, int halfMoves, std::exception_ptr& failure) {
-        try {
-            for (size_t i = m_next++; i < m_moves.size() && i < m_nLastNeeded.load(); i = m_next++) {
-                m_results[i] = search.FindForcedMate(After(m_root, m_moves[i], halfMoves - 1));
-                if (m_results[i] == kMate) NoteMate(i);
-            }
-        } catch (...) {
-            failure = std::current_exception();
-        }
-    }
-    // Once `limit` mates stand among the first moves, no later move can be among the keys.
-    void NoteMate(size_t index) {
-        std::lock_guard lock(m_mutex);
-        m_mateIndices.push_back(index);
-        if (m_mateIndices.size() < m_limit) return;
-        std::nth_element(m_mateIndices.begin(), m_mateIndices.begin() + static_cast<long>(m_limit - 1),
-                         m_mateIndices.end());
-        m_nLastNeeded = std::min(m_nLastNeeded.load(), m_mateIndices[m_limit - 1] + 1);
-    }
-
-    std::vector<TMateSearch>& m_searches;
-    const TChessboard& m_root;
-    std::vector<TMove> m_moves;
-    std::vector<uint8_t> m_results;
-    std::atomic<size_t> m_next{0};
-    std::atomic<size_t> m_nLastNeeded{0};
-    size_t m_limit = 0;
-    std::mutex m_mutex;
-    std::vector<size_t> m_mateIndices;
-};
+// T^L threads, no more than the first moves keep busy and no more than the request's processors.
+size_t MainThreadSlots(const TSolveRequest& request, size_t firstMoves) {
+    const TThreadSettings threads{static_cast<size_t>(std::max(request.threads, 1)),
+                                  static_cast<size_t>(std::max(request.levels, 0))};
+    const size_t slots = MainThreadsFor(threads, firstMoves);
+    return request.processors > 0 ? std::min(slots, static_cast<size_t>(request.processors)) : slots;
+}
 
 std::vector<TMove> OrderedFirstMoves(const TSolveRequest& request) {
-    TMoveList list;
-    GenerateLegalMoves(request.position, list);
-    OrderWhiteMoves(request.position, list, TKillerMoves{}, false);
-    PreferMoves(list, request.preferredFirstMoves);
     std::vector<TMove> moves;
-    for (const TMove& m : list)
+    for (const TMove& m : FirstMoveOrder(request.position, request.preferredFirstMoves))
         if (!Contains(request.knownKeys, m)) moves.push_back(m);
     return moves;
 }
 
-void FindKeys(std::vector<TMateSearch>& searches, const TSolveRequest& request, TSolveResult& out) {
+void FindKeys(CLevelSearch& firstMoves, const TSolveRequest& request, TSolveResult& out) {
     const TChessboard& root = request.position;
     const size_t limit = KeyLimit(request);
-    CFirstMoves firstMoves(searches, root, OrderedFirstMoves(request));
     bool doubtful = false;
     // With a limit, shortest mates first, so that the first keys are found as fast as possible.
     for (int k = limit == SIZE_MAX ? root.movesLeft : 1; k <= root.movesLeft && out.keys.size() < limit;
@@ -177,21 +128,36 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
     TSolveResult out;
     TSearchEnvironment env = request.environment;
     env.stop = &flag;
-    std::vector<TMateSearch> searches(static_cast<size_t>(std::max(request.threads, 1)), TMateSearch(env));
+    const CMainThreadCount engineThread(false);
+    std::vector<TMove> firstMoves = OrderedFirstMoves(request);
+    TMateSearch lines(env);  // its own move order memory: the main lines do not depend on the threads
+    CSchedulerGate gate(MainThreadSlots(request, kMaxMainThreads));
+    std::optional<CScheduler> scheduler;
+    if (!request.juggled.Empty()) {
+        scheduler.emplace(env, request.levelContext, request.scheduler, request.juggled, gate);
+        env.scheduler = &*scheduler;
+    }
+    std::vector<TMateSearch> searches(MainThreadSlots(request, firstMoves.size()), TMateSearch(env));
     {
         CDeadline deadline(request.timeLimitSeconds, flag);
         try {
-            FindKeys(searches, request, out);
-            for (TKey& key : out.keys) key.mainLine = MainLine(searches[0], request.position, key.move);
+            CLevelSearch levels(searches, request.position, std::move(firstMoves), request.levelContext,
+                                env.log, gate);
+            FindKeys(levels, request, out);
+            for (TKey& key : out.keys) key.mainLine = MainLine(lines, request.position, key.move);
         } catch (const TSearchStopped&) {
             out.stopped = true;
             out.result = out.keys.empty() ? kDoubtful : kMate;
         } catch (const std::bad_alloc&) {
             out.error = "Out of memory.";
             out.result = out.keys.empty() ? kDoubtful : kMate;
+        } catch (const std::runtime_error& e) {  // such as a search variant without implementation
+            out.error = e.what();
+            out.result = kDoubtful;
         }
     }
     for (const TMateSearch& search : searches) out.nodes += search.Nodes();
+    out.nodes += lines.Nodes() + (scheduler ? scheduler->Nodes() : 0);
     out.msec = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
                    .count();
     return out;

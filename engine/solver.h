@@ -9,6 +9,8 @@
 
 #include "core/chessboard.h"
 #include "mate_search.h"
+#include "multithreading_levels.h"
+#include "scheduler.h"
 
 namespace moremate {
 
@@ -19,7 +21,12 @@ struct TSolveRequest {
     std::vector<TMove> knownKeys;  // keys found by earlier passes: not searched again
     std::vector<TMove> preferredFirstMoves;  // tried first, in this order (the problem's sort indications)
     int timeLimitSeconds = 0;                // 0 = none
-    int threads = 1;                         // threads searching the first moves; results do not depend on it
+    int threads = 1;  // threads per multithreading level; results do not depend on them
+    int levels = 1;   // multithreading levels: up to threads^levels main threads
+    int processors = 0;  // no more main threads than this at once; 0 = no such cap
+    TLevelContext levelContext;
+    TSchedulerSettings scheduler;
+    TJuggledMoves juggled;  // none: no scheduler
     TSearchEnvironment environment;
 };
 

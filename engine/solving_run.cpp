@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "thread_counters.h"
+
 namespace moremate {
 
 std::atomic<bool> g_bRunning{false};
@@ -25,6 +27,11 @@ void CRunningProblems::Started(uint32_t id) {
 void CRunningProblems::Stopping(uint32_t id) {
     std::lock_guard lock(m_mutex);
     m_setStopping.insert(id);
+}
+
+void CRunningProblems::StoppingAll() {
+    std::lock_guard lock(m_mutex);
+    m_setStopping.insert(m_setRunning.begin(), m_setRunning.end());
 }
 
 void CRunningProblems::Ended(uint32_t id) {
@@ -62,6 +69,9 @@ std::string RunStateReport() {
         {"EngineThreadProc_BlackMoves_pending", g_nEngineThreadProcBlackMovesPending.load()},
         {"setRunningProblemsIds", static_cast<long long>(RunningProblems().RunningCount())},
         {"setProblemsBeingStoppedIds", static_cast<long long>(RunningProblems().StoppingCount())},
+        {"g_nMainThreadsRunning", g_nMainThreadsRunning.load()},
+        {"g_nMainThreadsRunningExclMTLThreads", g_nMainThreadsRunningExclMTLThreads.load()},
+        {"g_nAdditionalThreadsSpawned", g_nAdditionalThreadsSpawned.load()},
     };
     std::string report;
     for (const auto& [name, value] : values) report += fmt::format("{}={}\n", name, value);
@@ -80,7 +90,9 @@ CSolvingRunScope::~CSolvingRunScope() {
     const bool anyLeft = RunningProblems().RunningCount() > 0;
     g_bEngineThreadProcRunning = anyLeft;
     g_bRunning = anyLeft;
-    if (!anyLeft) g_bBruteForce = false;
+    if (anyLeft) return;
+    g_bBruteForce = false;
+    g_bStopPending = false;
 }
 
 bool SafeModeForRun(bool quickMode, bool problemForcesSafeMode, bool bruteForce) {

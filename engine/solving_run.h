@@ -28,6 +28,7 @@ class CRunningProblems {
     void Started(uint32_t id);
     void Stopping(uint32_t id);
     void Ended(uint32_t id);
+    void StoppingAll();  // every running problem is being stopped
     size_t RunningCount() const;
     size_t StoppingCount() const;
 

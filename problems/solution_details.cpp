@@ -12,7 +12,21 @@
 namespace moremate {
 namespace {
 
-std::string SettingsLines(const TChessboard& root, const TPassState& firstPass, TSolutionCount solutions) {
+std::string ThreadLines(const TRunThreads& threads) {
+    const size_t levels = static_cast<size_t>(threads.levels);
+    const TThreadSettings settings{static_cast<size_t>(threads.threads), levels};
+    std::string text = fmt::format("* Threads = {}\n* Effective number of main threads = {}\n", threads.threads,
+                                   MainThreadsFor(settings, kMaxMainThreads));
+    text += fmt::format("* Multithreading levels = {}\n", threads.levels);
+    const TJuggledMoves juggled = JuggledMoves(threads.scheduler, levels, 0, false);
+    text += juggled.Empty() ? std::string("* Scheduler is off\n")
+                            : fmt::format("* Scheduler is on: moves from {} to {} are 'juggled' by scheduler\n",
+                                          juggled.first, juggled.last);
+    return text + (threads.scheduler.custom ? "* Custom scheduler is on\n" : "* Custom scheduler is off\n");
+}
+
+std::string SettingsLines(const TChessboard& root, const TPassState& firstPass, TSolutionCount solutions,
+                          const TRunThreads& threads) {
     std::string text = "Main settings of current analysis\n";
     text += SolutionCountText(solutions) + "\n";
     text += firstPass.safeMode
@@ -22,8 +36,7 @@ std::string SettingsLines(const TChessboard& root, const TPassState& firstPass, 
     const uint8_t depth = firstPass.set.params.quickMateDepth;
     text += depth ? fmt::format("* Custom depth of search for short mate: #{}\n", depth)
                   : "* Default depth of search for short mate (typically #7, sometimes #6 or #8)\n";
-    text += "* Threads = 1\n* Effective number of main threads = 1\n* Multithreading levels = 0\n";
-    text += "* Scheduler is off\n* Custom scheduler is off\n";
+    text += ThreadLines(threads);
     text += "* Initial set of heuristics: " +
             (firstPass.set.mask ? PassSetText(firstPass, &root) : std::string("none")) + "\n";
     return text;
@@ -57,18 +70,18 @@ std::string Notes(TSolutionCount solutions) {
 
 std::string SolutionDetailsText(const ProblemEntry& entry, const TChessboard& root,
                                 const TPassState& firstPass, TSolutionCount solutions,
-                                const TPassRunResult& result) {
+                                const TRunThreads& threads, const TPassRunResult& result) {
     return fmt::format("Problem {} #{}\n", entry.m_nNumber, entry.StipulationMoves()) +
-           SettingsLines(root, firstPass, solutions) + "\n" + FoundLines(root, result) + Notes(solutions);
+           SettingsLines(root, firstPass, solutions, threads) + "\n" + FoundLines(root, result) + Notes(solutions);
 }
 
 void WriteSolutionDetails(const ProblemEntry& entry, const TChessboard& root, const TPassState& firstPass,
-                          TSolutionCount solutions, const TPassRunResult& result) {
+                          TSolutionCount solutions, const TRunThreads& threads, const TPassRunResult& result) {
     const std::filesystem::path file = ProgramFolder() / "SolutionDetails.log";
     const std::filesystem::path temporary = file.string() + ".tmp";
     {
         std::ofstream out(temporary, std::ios::binary);
-        out << SolutionDetailsText(entry, root, firstPass, solutions, result);
+        out << SolutionDetailsText(entry, root, firstPass, solutions, threads, result);
         if (!out) throw ChessException("Error writing file: " + file.string());
     }
     std::filesystem::rename(temporary, file);

@@ -9,11 +9,11 @@ namespace moremate {
 
 // Writes "SolutionDetails.log" in the program folder (temporary file, then rename).
 void WriteSolutionDetails(const ProblemEntry& entry, const TChessboard& root, const TPassState& firstPass,
-                          TSolutionCount solutions, const TPassRunResult& result);
+                          TSolutionCount solutions, const TRunThreads& threads, const TPassRunResult& result);
 
 // The text of that file.
 std::string SolutionDetailsText(const ProblemEntry& entry, const TChessboard& root,
                                 const TPassState& firstPass, TSolutionCount solutions,
-                                const TPassRunResult& result);
+                                const TRunThreads& threads, const TPassRunResult& result);
 
 }  // namespace moremate

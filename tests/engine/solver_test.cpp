@@ -63,18 +63,34 @@ TEST(Solve, AllSolutionsFindsEveryKeyWithAMainLineEndingInMate) {
     }
 }
 
-TEST(Solve, ThreadsOnTheFirstMovesChangeNoResult) {
+std::vector<std::string> MainLines(const TChessboard& root, const TSolveResult& r) {
+    std::vector<std::string> lines;
+    for (const TKey& k : r.keys) lines.push_back(SolutionLine(root, k.mainLine));
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+// Threads per level and levels (including more threads than first moves, and more threads than
+// the machine has) change neither the keys nor their main lines.
+TEST(Solve, ThreadsAndLevelsChangeNoResult) {
+    const std::pair<int, int> kThreadSettings[] = {{1, 1}, {2, 1}, {3, 2}, {8, 1}, {4, 0}};
     for (const SolveCase& c : kCases) {
         for (const bool all : {true, false}) {
-            std::vector<std::string> keys[2];
-            for (int threads = 1; threads <= 2; ++threads) {
+            std::vector<std::string> keys[2], lines[2];
+            for (const auto& [threads, levels] : kThreadSettings) {
                 test::CMapStore store;
                 TSolveRequest request = Request(c.fen, c.moves, &store);
                 request.allSolutions = all;
                 request.threads = threads;
-                keys[threads - 1] = KeyTexts(request.position, Solve(request, nullptr));
+                request.levels = levels;
+                const TSolveResult r = Solve(request, nullptr);
+                const bool first = threads == 1;
+                keys[first ? 0 : 1] = KeyTexts(request.position, r);
+                lines[first ? 0 : 1] = MainLines(request.position, r);
+                if (first) continue;
+                EXPECT_EQ(keys[0], keys[1]) << c.fen << " threads " << threads << "^" << levels;
+                EXPECT_EQ(lines[0], lines[1]) << c.fen << " threads " << threads << "^" << levels;
             }
-            EXPECT_EQ(keys[0], keys[1]) << c.fen;
         }
     }
 }

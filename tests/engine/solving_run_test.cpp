@@ -32,6 +32,7 @@ TEST(SolvingRun, StateReportFollowsRunningProblems) {
         EXPECT_NE(report.find("g_bRunning=1\n"), std::string::npos) << report;
         EXPECT_NE(report.find("setRunningProblemsIds=2\n"), std::string::npos) << report;
         EXPECT_NE(report.find("EngineThreadProc_BlackMoves_pending=0\n"), std::string::npos) << report;
+        EXPECT_NE(report.find("g_nMainThreadsRunning=0\n"), std::string::npos) << report;
     }
     const std::string after = RunStateReport();
     EXPECT_NE(after.find("g_bRunning=0\n"), std::string::npos) << after;
