@@ -3,36 +3,36 @@
 #include <fmt/core.h>
 #include <unistd.h>
 
-#include <chrono>
-
 namespace moremate::cli {
 
-CProgressLine::CProgressLine(const std::atomic<uint64_t>& nodes, std::function<int()> registerFill)
-    : m_nodes(nodes), m_registerFill(std::move(registerFill)) {
-    if (isatty(STDERR_FILENO)) m_thread = std::thread([this] { Run(); });
+CProgressLine::CProgressLine() : m_bTerminal(isatty(STDERR_FILENO) != 0) {}
+
+void CProgressLine::Show(const TRunProgress& progress) {
+    if (!m_bTerminal) return;
+    const double seconds = static_cast<double>(progress.elapsed.count()) / 1000.0;
+    const double perSecond = seconds > 0 ? static_cast<double>(progress.nodes) / seconds : 0;
+    std::lock_guard lock(m_mutex);
+    fmt::print(stderr, "\r{}  {:.0f} s  {:.0f} nodes/s{}{}\033[K", progress.passStatus, seconds, perSecond,
+               progress.threadFigures.empty() ? "" : "  ", progress.threadFigures);
+    std::fflush(stderr);
+    m_bShown = true;
 }
 
-CProgressLine::~CProgressLine() {
-    {
-        std::lock_guard lock(m_mutex);
-        m_bDone = true;
-    }
-    m_cv.notify_all();
-    if (m_thread.joinable()) m_thread.join();
-    if (m_bPrinted) fmt::print(stderr, "\r\033[K");
+void CProgressLine::Say(const std::string& text) {
+    std::lock_guard lock(m_mutex);
+    ClearLocked();
+    fmt::print(stderr, "{}\n", text);
+    std::fflush(stderr);
 }
 
-void CProgressLine::Run() {
-    const auto start = std::chrono::steady_clock::now();
-    std::unique_lock lock(m_mutex);
-    while (!m_cv.wait_for(lock, std::chrono::seconds(1), [this] { return m_bDone; })) {
-        const double seconds =
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-        const uint64_t nodes = m_nodes.load(std::memory_order_relaxed);
-        fmt::print(stderr, "\r{:.0f} s  {} nodes  {:.0f} nodes/s  register {}%\033[K", seconds, nodes,
-                   static_cast<double>(nodes) / seconds, m_registerFill());
-        m_bPrinted = true;
-    }
+void CProgressLine::Clear() {
+    std::lock_guard lock(m_mutex);
+    ClearLocked();
+}
+
+void CProgressLine::ClearLocked() {
+    if (m_bShown) fmt::print(stderr, "\r\033[K");
+    m_bShown = false;
 }
 
 }  // namespace moremate::cli

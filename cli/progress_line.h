@@ -1,32 +1,32 @@
-// The progress line on stderr while a problem takes longer than a second: nodes, nodes per
-// second and how full the register is. Only when stderr is a terminal.
+// The status line of `moremate solve` on stderr: the run's progress, redrawn at every tick of the
+// run while stderr is a terminal, and the messages about the run printed above it. Both may come
+// from other threads than the one solving.
 #pragma once
 
-#include <atomic>
-#include <condition_variable>
-#include <cstdint>
-#include <functional>
 #include <mutex>
-#include <thread>
+#include <string>
+
+#include "engine/progress_tick.h"
 
 namespace moremate::cli {
 
 class CProgressLine {
   public:
-    // `registerFill` answers the register's fill in percent.
-    CProgressLine(const std::atomic<uint64_t>& nodes, std::function<int()> registerFill);
-    ~CProgressLine();
+    CProgressLine();
+    // Redraws the line: the pass status, the time and the speed, and the threads' figures.
+    void Show(const TRunProgress& progress);
+    // Prints `text` on a line of its own; the status line is redrawn at the next tick.
+    void Say(const std::string& text);
+    // Removes the status line.
+    void Clear();
+    bool Terminal() const { return m_bTerminal; }
 
   private:
-    void Run();
+    void ClearLocked();
 
-    const std::atomic<uint64_t>& m_nodes;
-    std::function<int()> m_registerFill;
     std::mutex m_mutex;
-    std::condition_variable m_cv;
-    bool m_bDone = false;
-    bool m_bPrinted = false;
-    std::thread m_thread;
+    bool m_bTerminal;
+    bool m_bShown = false;
 };
 
 }  // namespace moremate::cli

@@ -1,0 +1,69 @@
+#include "progress_tick.h"
+
+#include "passes.h"
+#include "run_control.h"
+#include "run_register.h"
+
+namespace moremate {
+namespace {
+
+constexpr const char* kInitialPositionCheck = "Initial position type check...";
+
+std::string PassStatus(const TProgressSources& sources, uint64_t nodes) {
+    const TPassProgress pass = sources.control ? sources.control->Pass() : TPassProgress{};
+    if (pass.number == 0) return kInitialPositionCheck;
+    CRunRegister* reg = sources.runRegister;
+    const int fill = reg ? reg->FillPercent() : 0;
+    const int configurations = reg ? static_cast<int>(reg->WhiteToMove().DoubtfulConfigurations().size() +
+                                                      reg->BlackToMove().DoubtfulConfigurations().size())
+                                   : 0;
+    std::string line = PassStatusLine(pass.number, pass.letter, "", pass.percent,
+                                      static_cast<long long>(nodes), pass.mask, fill, configurations);
+    line.erase(line.find_last_not_of(" \r") + 1);
+    return line;
+}
+
+}  // namespace
+
+TRunProgress ReadProgress(const TProgressSources& sources, std::chrono::milliseconds elapsed) {
+    TRunProgress progress;
+    progress.nodes = sources.nodes ? sources.nodes->load(std::memory_order_relaxed) : 0;
+    progress.passStatus = PassStatus(sources, progress.nodes);
+    progress.elapsed = elapsed;
+    if (sources.threadFigures) progress.threadFigures = sources.threadFigures();
+    return progress;
+}
+
+CProgressTick::CProgressTick(TProgressSources sources, FOnTick onTick, std::chrono::milliseconds period)
+    : m_sources(std::move(sources)), m_onTick(std::move(onTick)), m_period(period) {
+    m_thread = std::thread([this] { Run(); });
+}
+
+CProgressTick::~CProgressTick() {
+    Stop();
+}
+
+void CProgressTick::Stop() {
+    {
+        std::lock_guard lock(m_mutex);
+        m_bStopped = true;
+    }
+    m_cv.notify_all();
+    if (m_thread.joinable()) m_thread.join();
+}
+
+// The callback runs outside the lock, so that Stop() never waits for more than one callback.
+void CProgressTick::Run() {
+    const auto start = std::chrono::steady_clock::now();
+    auto next = start + m_period;
+    std::unique_lock lock(m_mutex);
+    while (!m_cv.wait_until(lock, next, [this] { return m_bStopped; })) {
+        lock.unlock();
+        const auto elapsed = std::chrono::steady_clock::now() - start;
+        m_onTick(ReadProgress(m_sources, std::chrono::duration_cast<std::chrono::milliseconds>(elapsed)));
+        next += m_period;
+        lock.lock();
+    }
+}
+
+}  // namespace moremate

@@ -1,0 +1,116 @@
+#include "run_control.h"
+
+#include <algorithm>
+
+#include "solving_run.h"
+
+namespace moremate {
+
+thread_local CRunControl::TSlot* CRunControl::s_pAnalysed = nullptr;
+
+void CRunControl::Stop() {
+    std::lock_guard lock(m_mutex);
+    m_bUserStop = true;
+    m_bStop = true;
+    g_bStopPending = true;
+    RunningProblems().StoppingAll();
+    m_cvResume.notify_all();
+}
+
+void CRunControl::Pause() {
+    std::lock_guard lock(m_mutex);
+    m_bPaused = true;
+    UpdateAttention();
+}
+
+void CRunControl::Resume() {
+    std::lock_guard lock(m_mutex);
+    m_bPaused = false;
+    UpdateAttention();
+    m_cvResume.notify_all();
+}
+
+int CRunControl::HeldThreads() const {
+    std::lock_guard lock(m_mutex);
+    return m_nHeld;
+}
+
+bool CRunControl::Skip() {
+    std::lock_guard lock(m_mutex);
+    const TSlot* first = nullptr;
+    for (const TSlot* slot : m_vAnalysed)
+        if (!slot->bSkip && (!first || slot->index < first->index)) first = slot;
+    if (!first) return false;
+    const size_t index = first->index;
+    m_vSkipped.push_back(index);
+    for (TSlot* slot : m_vAnalysed) {
+        if (slot->index != index) continue;
+        slot->bSkip = true;
+        ++m_nSkipsPending;
+    }
+    UpdateAttention();
+    return true;
+}
+
+void CRunControl::PassStarted(int number, const std::string& letter, uint32_t mask) {
+    std::lock_guard lock(m_mutex);
+    m_pass = TPassProgress{number, letter, mask, 0};
+    m_nFirstMoves = m_nFirstMovesBegun = 0;
+}
+
+// The moves before the earliest one in progress are done.
+TPassProgress CRunControl::Pass() const {
+    std::lock_guard lock(m_mutex);
+    TPassProgress pass = m_pass;
+    size_t done = m_nFirstMovesBegun;
+    for (const TSlot* slot : m_vAnalysed) done = std::min(done, slot->index);
+    if (m_nFirstMoves > 0)
+        pass.percent = 100.0 * static_cast<double>(done) / static_cast<double>(m_nFirstMoves);
+    return pass;
+}
+
+void CRunControl::FirstMovesStarted(size_t count) {
+    std::lock_guard lock(m_mutex);
+    m_nFirstMoves = count;
+    m_nFirstMovesBegun = 0;
+    m_vSkipped.clear();
+}
+
+void CRunControl::Attend() {
+    std::unique_lock lock(m_mutex);
+    if (m_bPaused && !m_bStop) {
+        ++m_nHeld;
+        m_cvResume.wait(lock, [this] { return !m_bPaused || m_bStop; });
+        --m_nHeld;
+    }
+    if (s_pAnalysed && s_pAnalysed->bSkip && !m_bStop) throw TMoveSkipped{};
+}
+
+void CRunControl::UpdateAttention() {
+    m_nAttention.store(m_bPaused || m_nSkipsPending > 0 ? 1 : 0, std::memory_order_relaxed);
+}
+
+CRunControl::TFirstMove::TFirstMove(CRunControl& control, size_t index)
+    : m_control(control), m_slot{index, false}, m_pOuter(s_pAnalysed) {
+    std::lock_guard lock(control.m_mutex);
+    const std::vector<size_t>& skipped = control.m_vSkipped;
+    m_bSkippedBefore = std::find(skipped.begin(), skipped.end(), index) != skipped.end();
+    if (m_bSkippedBefore) return;
+    control.m_nFirstMovesBegun = std::max(control.m_nFirstMovesBegun, index + 1);
+    control.m_vAnalysed.push_back(&m_slot);
+    s_pAnalysed = &m_slot;
+}
+
+CRunControl::TFirstMove::~TFirstMove() {
+    if (m_bSkippedBefore) return;
+    std::lock_guard lock(m_control.m_mutex);
+    auto& analysed = m_control.m_vAnalysed;
+    analysed.erase(std::find(analysed.begin(), analysed.end(), &m_slot));
+    if (m_slot.bSkip) {
+        --m_control.m_nSkipsPending;
+        m_control.UpdateAttention();
+    }
+    s_pAnalysed = m_pOuter;
+}
+
+}  // namespace moremate
