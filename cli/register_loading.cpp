@@ -3,22 +3,17 @@
 #include <fmt/core.h>
 
 #include "core/chess_exception.h"
-#include "registers/register_file.h"
+#include "problems/register_reference.h"
 
 namespace moremate::cli {
 
 std::unique_ptr<CRunRegister> LoadRunRegister(const std::string& file, TProgramContext& context) {
-    auto runRegister = std::make_unique<CRunRegister>(context.options);
-    TRegisterLoadOptions options;
-    options.bLogToFile = context.options.m_bLogToFileTmpRegLoad;
-    const TRegisterLoadResult result =
-        LoadRegisterFile(file, runRegister->WhiteToMove(), &runRegister->BlackToMove(),
-                         runRegister->WhiteToMove().BucketCount(), options);
-    if (!result.bRead) throw ChessException(file + ": " + result.sError);
+    TRunRegisterLoad load = LoadRunRegisterFile(file, context.options);
+    if (!load.result.bRead) throw ChessException(file + ": " + load.result.sError);
     fmt::print(stderr, "{}\n",
-               LoadReportText(result, file, context.options.m_nLanguageId,
+               LoadReportText(load.result, file, context.options.m_nLanguageId,
                               context.options.m_bClearRegisterOnStartSolving));
-    return runRegister;
+    return std::move(load.runRegister);
 }
 
 }  // namespace moremate::cli

@@ -4,6 +4,7 @@
 #include "problems/collection_reader.h"
 #include "problems/regression_test.h"
 #include "problems/solved_problems_db.h"
+#include "question_prompt.h"
 #include "settings/machine.h"
 #include "settings/program_folder.h"
 
@@ -14,17 +15,28 @@ struct TestArgs {
     std::string file;
     TRegressionTestSettings settings;
     TSolveSettings solve;
+    bool yes = false, no = false;  // the answer to the RunRegressionTestInLoop question
 };
+
+// With RunRegressionTestInLoop on and the question answered yes, the test runs until Ctrl-C,
+// or as many times as --loops says.
+void ApplyLoopSetting(TestArgs& args, const CLI::App& cmd, TProgramContext& context) {
+    CQuestionPrompt prompt(context.reporter, args.yes || args.no ? std::optional(args.yes) : std::nullopt);
+    if (RunInLoop(context.options, TUserQuestions{&prompt, context.options.m_nLanguageId}) &&
+        cmd.count("--loops") == 0)
+        args.settings.nLoops = kUntilStopped;
+}
 
 void PrintLine(const std::string& line) {
     fmt::print("{}", line);
     std::fflush(stdout);
 }
 
-int RunTest(TestArgs& args, TProgramContext& context) {
+int RunTest(TestArgs& args, const CLI::App& cmd, TProgramContext& context) {
     std::vector<ProblemEntry> entries;
     try {
         ReadCollectionFile(args.file, entries, false, TCollectionReading{{&context.reporter, 1}, {}});
+        ApplyLoopSetting(args, cmd, context);
         args.settings.databaseFolder = ProgramFolder() / kSolvedProblemsFolder;
         const TRegressionTestResult result =
             RunRegressionTest(entries, args.file, args.settings, args.solve, context.options, PrintLine);
@@ -44,7 +56,9 @@ Runner AddTestCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_option("file", args->file, "Problem collection (.cp)")->required()->check(CLI::ExistingFile);
     cmd->add_flag("--short", args->settings.bShort, "Short test: ShortRegTestSeconds per problem");
     cmd->add_flag("--with-mirror", args->settings.bWithMirror, "Also the mirrored positions");
-    cmd->add_option("--loops", args->settings.nLoops, "Runs of the whole test")
+    cmd->add_option(
+           "--loops", args->settings.nLoops,
+           "Runs of the whole test (RunRegressionTestInLoop answered yes: until Ctrl-C unless given)")
         ->check(CLI::Range(1, 1000000));
     cmd->add_option("--log-folder", args->settings.logFolder,
                     "Folder of the RegressionTest_ log (default: .)")
@@ -52,7 +66,11 @@ Runner AddTestCommand(CLI::App& app, TProgramContext& context) {
     args->solve.threads = static_cast<int>(LogicalProcessorCount());
     cmd->add_option("--threads", args->solve.threads, "Threads on the first moves (default: the processors)")
         ->check(CLI::Range(1, 64));
-    return [args, &context] { return RunTest(*args, context); };
+    cmd->add_flag(
+        "--yes", args->yes,
+        "Answer yes to the RunRegressionTestInLoop question (else asked on a terminal; no otherwise)");
+    cmd->add_flag("--no", args->no, "Answer no to the RunRegressionTestInLoop question")->excludes("--yes");
+    return [args, cmd, &context] { return RunTest(*args, *cmd, context); };
 }
 
 }  // namespace moremate::cli

@@ -1,6 +1,7 @@
 // The mirrored problem of a record: the board reflected left to right (file a <-> file h), with
-// the answer and the moves already played reflected alike and "Mirror: " toggled on the
-// description. Castling rights then follow from the reflected position.
+// the answer, the moves already played, the stored variants, the sort indications and the line
+// of LOOKFORBESTDEFENCESAFTER reflected alike and "Mirror: " toggled on the description.
+// Castling rights then follow from the reflected position.
 #pragma once
 
 #include "problem_entry.h"

@@ -6,15 +6,20 @@
 
 #include "core/chess_exception.h"
 #include "core/notation.h"
+#include "engine/first_move_order.h"
 #include "engine/heuristic_text.h"
 #include "engine/heuristics/special_heuristics.h"
 #include "engine/passes.h"
 #include "engine/position_type.h"
 #include "engine/predefined_heuristics.h"
+#include "engine/scheduler.h"
+#include "engine/run_control.h"
+#include "engine/run_texts.h"
 #include "engine/solving_run.h"
 #include "preferred_first_moves.h"
 #include "problem_heuristics.h"
 #include "problem_moves.h"
+#include "register_reference.h"
 #include "solution_details.h"
 #include "solving_task.h"
 
@@ -81,6 +86,9 @@ TPassState PassState(const ProblemEntry& entry, const TChessboard& root, const T
                      const TOptions& options) {
     TPassState state;
     state.set = PassOneSet(entry, root, settings);
+    // The engine asks for dynamic DLFU only with a set of its own choice, and "!DLFU" refuses it.
+    state.pendingDynamicDlfu = !settings.noHeuristics && !settings.heuristics &&
+                               state.set.params.dlfuDynamic && PositionTypeCheck(root).pendingDynamicDlfu;
     state.relaxationAllowed = !entry.Has(kOptDontRelaxHeuristics);
     state.pass2Allowed = !settings.noPassTwo && !entry.Has(kOptDontRunPassTwo);
     state.stopRelaxOnFirstSolution = entry.m_bStopRelaxOnFirstSolution;
@@ -104,7 +112,9 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
     request.solutions = SolutionCount(entry, settings);
     request.bruteForce = BruteForce(entry, settings);
     request.timeLimitSeconds = settings.timeLimitSeconds;
-    request.threads = entry.m_nThreads != kThreadsNotGiven ? entry.m_nThreads : settings.threads;
+    request.threads.threads = entry.m_nThreads != kThreadsNotGiven ? entry.m_nThreads : settings.threads;
+    request.threads.levels = settings.levels;
+    request.threads.scheduler = SchedulerSettingsForRun(options, task.position.movesLeft);
     request.environment.store = &runRegister;
     request.environment.progressNodes = progress;
     request.runRegister = &runRegister;
@@ -126,21 +136,101 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
     }
     const TPassState firstState = request.state;
     const TSolutionCount solutions = request.solutions;
-    TPassRunResult result = RunPasses(std::move(request), nullptr);
-    if (settings.solutionDetails) WriteSolutionDetails(entry, task.position, firstState, solutions, result);
+    const TRunThreads threads = request.threads;
+    TPassRunResult result = RunPassesWithServices(std::move(request), settings.run);
+    if (settings.solutionDetails)
+        WriteSolutionDetails(entry, task.position, firstState, solutions, threads, result);
     return result;
+}
+
+// A stop from the interface leads the outcome; a run without solution ends with the result of
+// the analysis.
+void AddRunTexts(const ProblemEntry& entry, const TSolveSettings& settings, const TPassRunResult& result,
+                 TProblemReport& report) {
+    const bool byUser = result.stopped && settings.run.control && settings.run.control->StoppedByUser();
+    if (byUser)
+        report.outcome = fmt::format("{}\n{}\n{}", kAnalysisStoppedText,
+                                     SolutionsSoFarText(result.keys.size()), report.outcome);
+    if (!result.keys.empty()) return;
+    const bool passTwoOff = (settings.noPassTwo || entry.Has(kOptDontRunPassTwo)) && !result.fromRegister &&
+                            std::none_of(result.passes.begin(), result.passes.end(),
+                                         [](const TPassSummary& pass) { return pass.pass == "2"; });
+    const int seconds = result.fromRegister ? -1 : static_cast<int>(report.msec / 1000);
+    report.outcome +=
+        fmt::format("\n{}: {}{}{}", kResultOfAnalysisTitle, NoSolutionText(seconds, passTwoOff),
+                    result.fromRegister ? kFromRegisterSuffix : "", byUser ? kStoppedByUserSuffix : "");
+}
+
+// The line played to reach the position repeats it: the run ends before it starts.
+TProblemReport& StopOnRepetition(const TRunServices& run, TProblemReport& report) {
+    if (run.reporter) run.reporter->Report(kPositionRepetitionTitle, kPositionRepetitionText);
+    report.result = "stopped";
+    report.outcome = EngineEndLine(false, kPositionRepetitionTitle);
+    return report;
+}
+
+bool ExpectsOrder(const ProblemEntry& entry) {
+    return entry.m_answerKind == AnswerKind::ExpectedSort ||
+           entry.m_answerKind == AnswerKind::ExpectedSortOnly;
+}
+
+// The expected order agrees when the solver's order of White's first moves begins with it.
+void CompareFirstMoveOrder(const ProblemEntry& entry, const TChessboard& root, int language,
+                           TProblemReport& report) {
+    const std::vector<TMove> order = FirstMoveOrder(root, PreferredFirstMoves(entry, language));
+    for (const TMove& m : order) report.firstMoveOrder.push_back(AnswerMoveText(root, m));
+    report.match = order.size() >= entry.m_vAnswer.size() &&
+                   std::equal(entry.m_vAnswer.begin(), entry.m_vAnswer.end(), order.begin());
+}
+
+void Solve(const ProblemEntry& entry, const TSolvingTask& task, const TSolveSettings& settings,
+           const TOptions& options, CRunRegister& runRegister, std::atomic<uint64_t>* progress,
+           TProblemReport& report) {
+    const CSolvingRunScope run(entry.m_nNumber, BruteForce(entry, settings) == TBruteForce::Full);
+    const TPassRunResult result = RunProblem(entry, task, settings, options, runRegister, progress);
+    if (!result.error.empty()) throw ChessException(result.error);
+    Describe(task.position, result, report);
+    report.outcome = fmt::format("{}\n{}", EngineEndLine(!result.stopped, report.result),
+                                 RunOutcomeText(entry.m_nNumber, result.keys.size(), ""));
+    if (result.stopped && settings.timeLimitSeconds > 0) {
+        report.outcome += '\n';
+        report.outcome += TimeLimitHitText(settings.timeLimitSeconds);
+    }
+    AddRunTexts(entry, settings, result, report);
+    const bool allSolutions = SolutionCount(entry, settings) == TSolutionCount::All;
+    report.match = settings.after.empty() ? Matches(entry, result, allSolutions) : std::nullopt;
+    if (!settings.after.empty()) return;  // the order and the checks concern the record's own position
+    if (ExpectsOrder(entry)) CompareFirstMoveOrder(entry, task.position, options.m_nLanguageId, report);
+    const TRunFacts facts{allSolutions, !result.stopped, &runRegister, settings.available};
+    report.failedChecks = FailedChecks(entry, task.position, facts);
 }
 
 }  // namespace
 
+std::optional<std::string> PrepareRunRegister(const ProblemEntry& entry, const TOptions& options,
+                                              std::unique_ptr<CRunRegister>& runRegister) {
+    if (!runRegister || options.m_bClearRegisterOnStartSolving)
+        runRegister = std::make_unique<CRunRegister>(options);
+    return LoadReferencedRegister(entry, options, runRegister);
+}
+
 TProblemReport SolveProblem(const ProblemEntry& entry, const TSolveSettings& settings,
                             const TOptions& options, std::unique_ptr<CRunRegister>& runRegister,
                             std::atomic<uint64_t>* progress) {
+    const std::optional<std::string> registerLoad = PrepareRunRegister(entry, options, runRegister);
+    TProblemReport report = SolvePreparedProblem(entry, settings, options, *runRegister, progress);
+    report.registerLoad = registerLoad;
+    return report;
+}
+
+TProblemReport SolvePreparedProblem(const ProblemEntry& entry, const TSolveSettings& settings,
+                                    const TOptions& options, CRunRegister& runRegister,
+                                    std::atomic<uint64_t>* progress) {
     TProblemReport report;
     report.problem = entry.m_nNumber;
     report.stipulation =
         fmt::format("{}#{}", entry.m_type == ProblemType::Selfmate ? "s" : "", entry.StipulationMoves());
-    if (entry.m_answerKind == AnswerKind::Full) {
+    if (entry.m_answerKind != AnswerKind::None) {
         report.expected.emplace();
         for (const TMove& m : entry.m_vAnswer)
             report.expected->push_back(AnswerMoveText(entry.m_position.board, m));
@@ -149,20 +239,15 @@ TProblemReport SolveProblem(const ProblemEntry& entry, const TSolveSettings& set
         if (entry.m_type != ProblemType::Directmate)
             throw ChessException("Only mate problems (type=1) supported currently.");
         TSolvingTask task = MakeSolvingTask(entry);
+        if (!settings.after.empty()) PlayMovesAfter(task, settings.after);
         task.position.problem = &task.root;
-        if (!runRegister || options.m_bClearRegisterOnStartSolving)
-            runRegister = std::make_unique<CRunRegister>(options);
-        const CSolvingRunScope run(entry.m_nNumber, BruteForce(entry, settings) == TBruteForce::Full);
-        const TPassRunResult result = RunProblem(entry, task, settings, options, *runRegister, progress);
-        if (!result.error.empty()) throw ChessException(result.error);
-        Describe(task.position, result, report);
-        report.outcome = fmt::format("{}\n{}", EngineEndLine(!result.stopped, report.result),
-                                     RunOutcomeText(entry.m_nNumber, result.keys.size(), ""));
-        if (result.stopped && settings.timeLimitSeconds > 0) {
-            report.outcome += '\n';
-            report.outcome += TimeLimitHitText(settings.timeLimitSeconds);
+        if (AnalysedLineRepeats(task)) return StopOnRepetition(settings.run, report);
+        if (entry.m_answerKind == AnswerKind::ExpectedSortOnly) {
+            report.result = "order only";
+            CompareFirstMoveOrder(entry, task.position, options.m_nLanguageId, report);
+        } else {
+            Solve(entry, task, settings, options, runRegister, progress, report);
         }
-        report.match = Matches(entry, result, SolutionCount(entry, settings) == TSolutionCount::All);
     } catch (const ChessException& e) {
         report.result = "error";
         report.error = e.what();

@@ -9,7 +9,9 @@
 #include <atomic>
 
 #include "engine/run_register.h"
+#include "engine/run_services.h"
 #include "problem_entry.h"
+#include "run_checks.h"
 #include "settings/options.h"
 #include "solve_report.h"
 
@@ -25,13 +27,28 @@ struct TSolveSettings {
     bool noPassTwo = false;
     int timeLimitSeconds = 0;
     int threads = 1;
+    int levels = 1;  // multithreading levels
     bool solutionDetails = false;
     bool passStatus = false;  // pass status lines on stderr
+    TAvailableData available;  // what the record's requirement clauses may find
+    std::string after;         // moves played after the position before it is analysed (PlayMovesAfter)
+    TRunServices run;          // stop, pause, skip, progress ticks and messages of the interface
 };
 
-// The register is kept from one problem to the next (its results hold for any problem) unless the
-// options ask to clear it whenever solving starts.
-// `progress` (may be null) counts the nodes searched while the problem runs.
+// Makes `runRegister` ready for the entry: a fresh register when there is none or the options
+// ask to clear it whenever solving starts (else its results, which hold for any problem, are
+// kept), then the saved register the entry refers to ("//@tmpreg="), whose load report it returns.
+std::optional<std::string> PrepareRunRegister(const ProblemEntry& entry, const TOptions& options,
+                                              std::unique_ptr<CRunRegister>& runRegister);
+
+// Solves with a prepared register. A record expecting an order of White's first moves gets it
+// compared (EXPECTEDSORTWHITEMOVESONLY: without solving, result "order only"); the checks after
+// the run (run_checks.h) follow. `progress` (may be null) counts the nodes searched.
+TProblemReport SolvePreparedProblem(const ProblemEntry& entry, const TSolveSettings& settings,
+                                    const TOptions& options, CRunRegister& runRegister,
+                                    std::atomic<uint64_t>* progress);
+
+// Both: prepares the register, then solves; the load report goes into the report.
 TProblemReport SolveProblem(const ProblemEntry& entry, const TSolveSettings& settings,
                             const TOptions& options, std::unique_ptr<CRunRegister>& runRegister,
                             std::atomic<uint64_t>* progress);

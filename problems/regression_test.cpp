@@ -10,6 +10,7 @@
 
 #include "core/chess_exception.h"
 #include "core/chessboard_id.h"
+#include "engine/thread_counters.h"
 #include "mirrored_entry.h"
 #include "solved_problems_db.h"
 
@@ -84,23 +85,39 @@ std::string KeyLines(const std::vector<std::string>& keys) {
     return keys.empty() ? "No solution\n" : fmt::format("{}\n", fmt::join(keys, ", "));
 }
 
-// The line of one solved problem; failures begin with "Failed: ".
-std::string ProblemLine(const ProblemEntry& entry, const TSolveSettings& solve, const TProblemReport& report,
-                        bool mirrored) {
+// What the run found to compare with the record's answer: the keys, or the first moves of the
+// solver's order as many as the expected order names.
+std::vector<std::string> Found(const ProblemEntry& entry, const TProblemReport& report) {
+    if (entry.m_answerKind == AnswerKind::Full) return report.keys;
+    const size_t count = std::min(report.firstMoveOrder.size(), entry.m_vAnswer.size());
+    return {report.firstMoveOrder.begin(), report.firstMoveOrder.begin() + static_cast<long>(count)};
+}
+
+// The lines of one solved problem: its result, then one per failed check; failures begin with
+// "Failed: ".
+std::string ProblemLines(const ProblemEntry& entry, const TSolveSettings& solve, const TProblemReport& report,
+                         bool mirrored) {
     const std::string head =
         fmt::format("{}[{}]", mirrored ? kMirrorPrefix : "", TestModeLabel(entry, solve));
     const std::string suffix = fmt::format(" M{}", Threads(entry, solve));
     if (report.error)
         return fmt::format("Failed: {} Test #{}{} failed: {}\n", head, report.problem, suffix, *report.error);
+    std::string lines;
     if (!report.match)
-        return fmt::format(
-            "{} Prob.#{}{} {} ({} msec).\n", head, report.problem, suffix,
-            report.keys.empty() ? "No solution" : fmt::format("{}", fmt::join(report.keys, ", ")),
-            report.msec);
-    if (*report.match)
-        return fmt::format("{} Test #{}{} ok ({} msec).\n", head, report.problem, suffix, report.msec);
-    return fmt::format("Failed: {} Test #{}{} failed:\n\tfound:\n{}\tshould be:\n{}", head, report.problem,
-                       suffix, KeyLines(report.keys), KeyLines(*report.expected));
+        lines =
+            fmt::format("{} Prob.#{}{} {} ({} msec).\n", head, report.problem, suffix,
+                        report.keys.empty() ? "No solution" : fmt::format("{}", fmt::join(report.keys, ", ")),
+                        report.msec);
+    else if (!*report.match)
+        lines =
+            fmt::format("Failed: {} Test #{}{} failed:\n\tfound:\n{}\tshould be:\n{}", head, report.problem,
+                        suffix, KeyLines(Found(entry, report)), KeyLines(*report.expected));
+    for (const std::string& failure : report.failedChecks)
+        lines += fmt::format("Failed: {} Test #{}{} failed: {}\n", head, report.problem, suffix, failure);
+    if (!lines.empty()) return lines;
+    return fmt::format(
+        "{} Test #{}{} ok ({} msec){}.\n", head, report.problem, suffix, report.msec,
+        entry.m_answerKind == AnswerKind::ExpectedSortOnly ? " - ExpectedSortWhiteMovesOnly" : "");
 }
 
 TSolvedProblemRow Row(const ProblemEntry& entry, const TSolveSettings& solve, const TProblemReport& report,
@@ -123,8 +140,9 @@ class CTestRun {
 
     void Test(const ProblemEntry& entry, bool mirrored) {
         const TProblemReport report = SolveProblem(entry, m_solve, m_options, m_runRegister, nullptr);
-        m_log.Write(ProblemLine(entry, m_solve, report, mirrored));
-        if (report.error || report.match == false) m_bAnyFailed = true;
+        if (report.registerLoad) m_log.Write(*report.registerLoad + '\n');
+        m_log.Write(ProblemLines(entry, m_solve, report, mirrored));
+        if (report.error || report.match == false || !report.failedChecks.empty()) m_bAnyFailed = true;
         m_rows.push_back(Row(entry, m_solve, report, mirrored));
     }
     bool AnyFailed() const { return m_bAnyFailed; }
@@ -157,11 +175,15 @@ bool RunOnce(const std::vector<ProblemEntry>& entries, const std::filesystem::pa
 
 }  // namespace
 
+bool RunInLoop(const TOptions& options, const TUserQuestions& questions) {
+    return options.m_bRunRegressionTestInLoop && AskYesNo(questions, kRunInLoopQuestion);
+}
+
 std::string TestModeLabel(const ProblemEntry& entry, const TSolveSettings& solve) {
     const char* mode = AllSolutions(entry, solve)     ? "AllSolutions,"
                        : SingleSolution(entry, solve) ? "SnglSolution,"
                                                       : "";
-    return fmt::format("{}{:2}thrd(s)", mode, Threads(entry, solve));
+    return ThreadsText(mode, static_cast<size_t>(Threads(entry, solve)), static_cast<size_t>(solve.levels));
 }
 
 TRegressionTestResult RunRegressionTest(const std::vector<ProblemEntry>& entries,
@@ -174,7 +196,7 @@ TRegressionTestResult RunRegressionTest(const std::vector<ProblemEntry>& entries
     result.logFile = settings.logFolder / fmt::format("RegressionTest_{:%Y_%m_%d__%H_%M_%S}.log",
                                                       LocalTime(std::chrono::system_clock::now()));
     CTestLog log(result.logFile, output);
-    for (int loop = 0; loop < settings.nLoops; ++loop)
+    for (int loop = 0; settings.nLoops == kUntilStopped || loop < settings.nLoops; ++loop)
         result.bAnyFailed = RunOnce(entries, collection, settings, solve, options, log) || result.bAnyFailed;
     return result;
 }

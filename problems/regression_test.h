@@ -13,14 +13,19 @@
 
 #include "problem_entry.h"
 #include "problem_solving.h"
+#include "user_questions.h"
 #include "settings/options.h"
 
 namespace moremate {
 
+inline constexpr int kUntilStopped = 0;
+inline constexpr const char* kRunInLoopQuestion =
+    "Ini setting RunRegressionTestInLoop is ON.\n\nDo you want to use it?";
+
 struct TRegressionTestSettings {
     bool bShort = false;
     bool bWithMirror = false;  // also the mirrored positions, except records marked NoMirror
-    int nLoops = 1;            // runs of the whole test, one after another
+    int nLoops = 1;            // runs of the whole test, one after another; kUntilStopped: no end
     std::filesystem::path logFolder = ".";
     std::optional<std::filesystem::path> databaseFolder;  // where the results are stored, if anywhere
 };
@@ -37,6 +42,10 @@ TRegressionTestResult RunRegressionTest(const std::vector<ProblemEntry>& entries
                                         const TRegressionTestSettings& settings, TSolveSettings& solve,
                                         const TOptions& options,
                                         const std::function<void(const std::string&)>& output);
+
+// With the option RunRegressionTestInLoop on, asks kRunInLoopQuestion: true when the test is to be
+// repeated until stopped.
+bool RunInLoop(const TOptions& options, const TUserQuestions& questions);
 
 // "SnglSolution, 1thrd(s)", "AllSolutions, 2thrd(s)", " 4^2thrd(s)".
 std::string TestModeLabel(const ProblemEntry& entry, const TSolveSettings& solve);

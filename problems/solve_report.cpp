@@ -11,6 +11,7 @@ std::string ReportText(const TProblemReport& r) {
     std::string text = fmt::format("Problem {} {}: {}", r.problem, r.stipulation, r.result);
     if (r.error) text += fmt::format(" ({})", *r.error);
     text += '\n';
+    if (r.registerLoad) text += fmt::format("  {}\n", *r.registerLoad);
     if (!r.keysLong.empty()) text += fmt::format("  keys: {}\n", fmt::join(r.keysLong, ", "));
     for (size_t i = 0; i < r.found.size(); ++i) {
         const TFoundKey& f = r.found[i];
@@ -24,6 +25,9 @@ std::string ReportText(const TProblemReport& r) {
         text += *r.match ? "  agrees with the answer\n"
                          : fmt::format("  DIFFERS from the answer: {}\n", fmt::join(*r.expected, ", "));
     }
+    if (!r.firstMoveOrder.empty())
+        text += fmt::format("  order of first moves: {}\n", fmt::join(r.firstMoveOrder, ", "));
+    for (const std::string& failure : r.failedChecks) text += fmt::format("Failed: {}\n", failure);
     return text;
 }
 
@@ -41,6 +45,9 @@ std::string ReportJson(const TProblemReport& r) {
     j["msec"] = r.msec;
     j["nodes"] = r.nodes;
     j["error"] = r.error ? nlohmann::json(*r.error) : nlohmann::json(nullptr);
+    j["order"] = r.firstMoveOrder;
+    j["checks"] = r.failedChecks;
+    j["register"] = r.registerLoad ? nlohmann::json(*r.registerLoad) : nlohmann::json(nullptr);
     return j.dump() + '\n';
 }
 

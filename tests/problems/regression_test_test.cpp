@@ -122,6 +122,49 @@ TEST_F(RegressionTestTest, MirroredPositionsFollowNoMirrorAndMirrorOnly) {
     EXPECT_TRUE(rows[2].bMirrored);
 }
 
+TEST_F(RegressionTestTest, ChecksAndExpectedOrdersOfBothPositions) {
+    m_settings.bWithMirror = true;
+    const TRegressionTestResult result = RunFile(kData / "checks.cp");
+    EXPECT_TRUE(result.bAnyFailed);
+    const std::string log = testing::FileText(result.logFile);
+    // The variants, the sort indications and the line of LookForBestDefencesAfter are mirrored too.
+    for (
+        const char* ok :
+        {R"(\n\[SnglSolution, 1thrd\(s\)\] Test #1 M1 ok \(\d+ msec\)\.\n)",
+         R"(\nMirror: \[SnglSolution, 1thrd\(s\)\] Test #1 M1 ok \(\d+ msec\)\.\n)",
+         R"(\n\[SnglSolution, 1thrd\(s\)\] Test #4 M1 ok \(\d+ msec\) - ExpectedSortWhiteMovesOnly\.\n)",
+         R"(\nMirror: \[SnglSolution, 1thrd\(s\)\] Test #4 M1 ok \(\d+ msec\) - ExpectedSortWhiteMovesOnly\.\n)"})
+        EXPECT_TRUE(std::regex_search(log, std::regex(ok))) << ok << "\n" << log;
+    for (const char* failed :
+         {"\nFailed: [SnglSolution, 1thrd(s)] Test #2 M1 failed: Requires clause not satisfied\n"
+          "Failed: [SnglSolution, 1thrd(s)] Test #2 M1 failed: RequiresSyzygy not satisfied\n"
+          "Failed: [SnglSolution, 1thrd(s)] Test #2 M1 failed: Error in best defence:\n\nexpected "
+          "d7-c8\nfound d7-e8\n",
+          "\nFailed: Mirror: [SnglSolution, 1thrd(s)] Test #2 M1 failed: Error in bestDefences "
+          "(LookForBestDefencesAfter):\n\n expected defence but not found by engine: e7-f8\n",
+          "\nFailed: Mirror: [SnglSolution, 1thrd(s)] Test #3 M1 failed: Error in auxMate:\n\nexpected "
+          "f8-f3\n",
+          "\nFailed: [SnglSolution, 1thrd(s)] Test #5 M1 failed:\n\tfound:\ne8-e5, c8-c2\n\tshould "
+          "be:\nc8-c2, e8-e5\n"})
+        EXPECT_NE(log.find(failed), std::string::npos) << failed << "\n" << log;
+}
+
+TEST(RegressionTestInLoop, AskedOnlyWhenTheOptionIsOn) {
+    CRecordingReporter reporter;
+    TOptions options;
+    EXPECT_FALSE(RunInLoop(options, {&reporter, kEnglish}));
+    EXPECT_TRUE(reporter.Reports().empty());
+    options.m_bRunRegressionTestInLoop = true;
+    reporter.QueueAnswer(ReportAnswer::No);
+    EXPECT_FALSE(RunInLoop(options, {&reporter, kEnglish}));
+    reporter.QueueAnswer(ReportAnswer::Yes);
+    EXPECT_TRUE(RunInLoop(options, {&reporter, kPolish}));
+    ASSERT_EQ(reporter.Reports().size(), 2u);
+    EXPECT_EQ(reporter.Reports()[0].sText,
+              "Ini setting RunRegressionTestInLoop is ON.\n\nDo you want to use it?");
+    EXPECT_EQ(reporter.Reports()[1].sTitle, "Pytanie");
+}
+
 TEST(MirroredEntry, ReflectsBoardAnswerAndDescriptionAndLosesCastling) {
     const ProblemEntry entry = testing::ReadOne(
         "1 #2\n{\n Description: castling\n FEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n Answer: a7-f2\n}\n");
