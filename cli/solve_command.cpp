@@ -7,6 +7,7 @@
 #include "commands.h"
 #include "core/notation.h"
 #include "engine/heuristic_text.h"
+#include "engine/multithreading_levels.h"
 #include "engine/solver.h"
 #include "problems/collection_reader.h"
 #include "problems/problem_moves.h"
@@ -14,6 +15,7 @@
 #include "problems/solve_report.h"
 #include "progress_line.h"
 #include "register_loading.h"
+#include "run_keys.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
 #include "settings/machine.h"
@@ -52,6 +54,8 @@ bool Selected(const SolveArgs& args, unsigned number) {
 }
 
 int RunSolve(SolveArgs& args, TProgramContext& context) {
+    if (args.settings.levels < 0)
+        args.settings.levels = static_cast<int>(DefaultThreadSettings(context.options.m_nMultithreadingLevels).levels);
     if (!args.heuristics.empty()) {
         ReadHeuristicSetText(args.heuristics);  // a faulty text stops here, before any problem runs
         args.settings.heuristics = args.heuristics;
@@ -68,19 +72,24 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
     bool allMatched = true;
     std::unique_ptr<CRunRegister> runRegister;
     if (!args.loadRegister.empty()) runRegister = LoadRunRegister(args.loadRegister, context);
+    CProgressLine line;
+    CRunControl control;
+    const CRunKeys keys(control, [&line](const std::string& text) { line.Say(text); });
+    args.settings.run.control = &control;
+    args.settings.run.reporter = &context.reporter;
+    if (line.Terminal()) args.settings.run.onProgress = [&line](const TRunProgress& p) { line.Show(p); };
     for (const ProblemEntry& entry : entries) {
         if (!Selected(args, entry.m_nNumber)) continue;
-        std::atomic<uint64_t> progress{0};
-        if (!runRegister || context.options.m_bClearRegisterOnStartSolving)
-            runRegister = std::make_unique<CRunRegister>(context.options);
-        TProblemReport report;
-        {
-            const CProgressLine progressLine(progress, [&runRegister] { return runRegister->FillPercent(); });
-            report = SolveProblem(entry, args.settings, context.options, runRegister, &progress);
-        }
+        const std::optional<std::string> registerLoad =
+            PrepareRunRegister(entry, context.options, runRegister);
+        TProblemReport report =
+            SolvePreparedProblem(entry, args.settings, context.options, *runRegister, nullptr);
+        line.Clear();
+        report.registerLoad = registerLoad;
         fmt::print("{}", args.json ? ReportJson(report) : ReportText(report));
         std::fflush(stdout);
-        if (report.match == false) allMatched = false;
+        if (report.match == false || !report.failedChecks.empty()) allMatched = false;
+        if (control.StoppedByUser()) break;
     }
     if (args.registerStats && runRegister) PrintRegisterStatistics(*runRegister);
     if (!args.saveRegister.empty() && runRegister) {
@@ -89,7 +98,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
         SaveRegisterFile(args.saveRegister, runRegister->WhiteToMove(), &runRegister->BlackToMove(), options);
     }
     if (!readError.empty()) return kExitBadInput;
-    return allMatched ? kExitOk : kExitMismatch;
+    return allMatched && !control.StoppedByUser() ? kExitOk : kExitMismatch;
 }
 
 }  // namespace
@@ -97,6 +106,9 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
 Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     auto args = std::make_shared<SolveArgs>();
     CLI::App* cmd = app.add_subcommand("solve", "Solve the directmates of a .cp collection");
+    cmd->footer(
+        "Keys while solving with stdin on a terminal: p pauses and resumes, s skips to the next move,\n"
+        "q stops (Ctrl-C stops too).");
     cmd->add_option("file", args->file, "Problem collection (.cp)")->required()->check(CLI::ExistingFile);
     cmd->add_option("--problem", args->problems, "Only these problem numbers (repeatable)");
     TSolveSettings& s = args->settings;
@@ -106,6 +118,9 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_flag("--hybrid", s.hybrid, "Heuristic passes for one solution, then brute force for the others");
     cmd->add_option("--heuristics", args->heuristics,
                     "Pass 1's heuristics as a set text, e.g. \"SH_KEEPKINGONTHEEDGE\"");
+    cmd->add_option(
+        "--after", s.after,
+        "Moves played after the position before it is analysed, in pairs, e.g. \"Qa7-f2 Kc1-d1\"");
     cmd->add_flag("--no-heuristics", s.noHeuristics, "No heuristic passes: pass 2 only");
     cmd->add_flag("--no-pass2", s.noPassTwo, "No pass without heuristics after the heuristic passes");
     cmd->add_option("--time-limit", s.timeLimitSeconds, "Seconds per problem (0 = none)")
@@ -116,8 +131,11 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
                     "Save the register at the end (.lz4.tmpReg / .lz4e.tmpReg: packed, else plain)");
     cmd->add_option("--load-register", args->loadRegister, "Load a saved register before the first problem")
         ->check(CLI::ExistingFile);
-    cmd->add_option("--threads", s.threads, "Threads on the first moves (default: the processors)")
+    cmd->add_option("--threads", s.threads, "Threads per multithreading level (default: the processors)")
         ->check(CLI::Range(1, 64));
+    s.levels = -1;  // the options' MultithreadingLevels, read once the program has started
+    cmd->add_option("--levels", s.levels, "Multithreading levels: up to T^L main threads (default: options.ini)")
+        ->check(CLI::Range(0, 64));
     cmd->add_flag("--json", args->json, "One JSON object per problem per line");
     cmd->add_flag("--register-stats", args->registerStats,
                   "Print the register's statistics on stderr at the end");

@@ -61,6 +61,9 @@ check "refutations with equivalents" 0 'Equivalent moves: Kc2-d3, a6:b5' -- defe
 check "defence of a missing problem" 2 'Problem 99 not found' -- defence "$data/small.cp" --problem 99
 check "two threads" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions --threads 2
 check "bad thread count" 2 '' -- solve "$data/small.cp" --threads 0
+check "two threads on two levels" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions --threads 2 --levels 2
+check "levels off" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions --threads 4 --levels 0
+check "bad level count" 2 '' -- solve "$data/small.cp" --levels 65
 work=$(mktemp -d)
 check "save the register" 0 'agrees with the answer' -- solve "$data/small.cp" --problem 2 --save-register "$work/r.lz4.tmpReg"
 check "register statistics" 0 'No mate elements = [1-9]' -- register stats "$work/r.lz4.tmpReg"
@@ -84,10 +87,36 @@ check "script runs a short mirrored test" 1 '^Mirror: \[SnglSolution, 1thrd\(s\)
 check "script ends" 1 '^Script complete\.$' -- script "$work/t.vrs" --threads 1 --log-folder "$work"
 printf 'runregtest short\n' > "$work/bad.vrs"
 check "faulty script line" 2 'Script line 1: no problem collection is open' -- script "$work/bad.vrs" --log-folder "$work"
+check "failed checks after a solve" 1 '^Failed: RequiresSyzygy not satisfied$' -- solve "$data/checks.cp" --problem 2 --threads 1
+check "checks that hold" 0 'agrees with the answer' -- solve "$data/checks.cp" --problem 1 --threads 1
+check "expected order only" 1 '^\[SnglSolution, 1thrd\(s\)\] Test #4 M1 ok \([0-9]+ msec\) - ExpectedSortWhiteMovesOnly\.$' -- test "$data/checks.cp" --threads 1 --log-folder "$work"
+printf '1 #2\n//@tmpreg=7\n{\n FEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n Answer: a7-f2\n}\n' > "$work/ref.cp"
+check "missing referenced register" 0 'Error reading file .*/SavedTmpRegisterData/7\.tmpReg' -- solve "$work/ref.cp" --threads 1
+mkdir "$work/SavedTmpRegisterData"
+"$mm" solve "$work/ref.cp" --threads 1 --save-register "$work/SavedTmpRegisterData/7.tmpReg" >/dev/null 2>&1
+check "referenced register" 0 '^File has been read: .*/SavedTmpRegisterData/7\.tmpReg$' -- test "$work/ref.cp" --threads 1 --log-folder "$work"
+printf '[chess]\nRunRegressionTestInLoop=1\n' > "$work/options.ini"
+for answer in "--yes --loops 3:3" "--no:1" ":1"; do  # without an answer and a terminal: no
+    runs=$("$mm" test "$work/ref.cp" --threads 1 --log-folder "$work" ${answer%:*} </dev/null 2>/dev/null | grep -c '^Regression test started')
+    [ "$runs" = "${answer#*:}" ] && passed=$((passed + 1)) || { failed=$((failed + 1)); echo "FAIL: loop question answered '${answer%:*}': $runs runs"; }
+done
+rm "$work/options.ini"
 [ -s "$work/SolvedProblemsDB/small.cspdb" ] && passed=$((passed + 1)) || { failed=$((failed + 1)); echo "FAIL: no solved problems database"; }
 unset MOREMATE_HOME
 rm -rf "$work"
 check "bench prints its signature" 0 '^Nodes searched  : [0-9]+$' -- bench
+check "a line back to its position stops the run" 0 '^Position repetition: Program detected position repetition$' -- solve "$samples/sample_problems.cp" --problem 13 --after "Kd5-d4 Kb3-b4 Kd4-d5 Kb4-b3"
+check "result of analysis without pass 2" 0 'No solution found \([0-9]+ sec\.\) NOTE: Pass without heuristics' -- solve "$data/small.cp" --problem 3 --no-pass2 --heuristics SH_AREKINGSNEAR
+# An interrupt stops a long run cleanly, with the texts of a stop by the user.
+printf '1 #12\n{\n FEN: rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1\n}\n' > long.cp
+"$mm" solve long.cp --threads 1 >stopped.out 2>stopped.err & pid=$!
+sleep 1; kill -INT "$pid"; wait "$pid"; rc=$?
+if [ "$rc" -eq 1 ] && grep -q '^Analysis stopped by user$' stopped.out && grep -q '(stopped by user)$' stopped.out &&
+    grep -q '^Stop pending\.\.\.$' stopped.err; then
+    passed=$((passed + 1))
+else
+    failed=$((failed + 1)); echo "FAIL: interrupt (status $rc)"; cat stopped.out stopped.err
+fi
 
 rm -f /tmp/moremate_cli_err.$$
 echo "cli: $passed passed, $failed failed"
