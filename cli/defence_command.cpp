@@ -5,7 +5,7 @@
 #include "core/notation.h"
 #include "engine/black_defence.h"
 #include "engine/run_register.h"
-#include "problems/collection_reader.h"
+#include "problem_arg.h"
 #include "problems/solving_task.h"
 
 namespace moremate::cli {
@@ -17,15 +17,8 @@ struct DefenceArgs {
     std::string after;  // White's first move; default: the first move of the record's answer
 };
 
-const ProblemEntry& FindProblem(const std::vector<ProblemEntry>& entries, unsigned number) {
-    for (const ProblemEntry& e : entries)
-        if (e.m_nNumber == number) return e;
-    throw ChessException(fmt::format("Problem {} not found", number));
-}
-
 int RunDefence(const DefenceArgs& args, TProgramContext& context) {
-    std::vector<ProblemEntry> entries;
-    ReadCollectionFile(args.file, entries, false, TCollectionReading{{&context.reporter, 1}, {}});
+    std::vector<ProblemEntry> entries = ReadProblems(args.file, context);
     const ProblemEntry& entry = FindProblem(entries, args.problem);
     TSolvingTask task = MakeSolvingTask(entry);
     task.position.problem = &task.root;

@@ -6,6 +6,15 @@
 #include "problems/register_reference.h"
 
 namespace moremate::cli {
+namespace {
+
+TRegisterFileForm FormOf(const std::string& name) {
+    if (name.ends_with(".lz4e.tmpReg")) return TRegisterFileForm::Lz4eContainer;
+    if (name.ends_with(".lz4.tmpReg")) return TRegisterFileForm::Lz4Container;
+    return TRegisterFileForm::Plain;
+}
+
+}  // namespace
 
 std::unique_ptr<CRunRegister> LoadRunRegister(const std::string& file, TProgramContext& context) {
     TRunRegisterLoad load = LoadRunRegisterFile(file, context.options);
@@ -14,6 +23,13 @@ std::unique_ptr<CRunRegister> LoadRunRegister(const std::string& file, TProgramC
                LoadReportText(load.result, file, context.options.m_nLanguageId,
                               context.options.m_bClearRegisterOnStartSolving));
     return std::move(load.runRegister);
+}
+
+void SaveRunRegister(const std::filesystem::path& file, CRunRegister& runRegister) {
+    if (file.has_parent_path()) std::filesystem::create_directories(file.parent_path());
+    TRegisterSaveOptions options;
+    options.form = FormOf(file.filename().string());
+    SaveRegisterFile(file, runRegister.WhiteToMove(), &runRegister.BlackToMove(), options);
 }
 
 }  // namespace moremate::cli

@@ -1,6 +1,8 @@
-// Reading a saved register file (and its Black-to-move companion) into a fresh run register.
+// Reading a saved register file (and its Black-to-move companion) into a fresh run register, and
+// saving a run register.
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -11,5 +13,10 @@ namespace moremate::cli {
 
 // Reports the load on stderr; throws ChessException "<file>: <message>" when it cannot be read.
 std::unique_ptr<CRunRegister> LoadRunRegister(const std::string& file, TProgramContext& context);
+
+// Saves both registers of a run under a temporary name, then renames; the name chooses the form:
+// ".lz4e.tmpReg" and ".lz4.tmpReg" are packed containers, anything else is plain. Creates the
+// folder when it is missing.
+void SaveRunRegister(const std::filesystem::path& file, CRunRegister& runRegister);
 
 }  // namespace moremate::cli

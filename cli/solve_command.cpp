@@ -33,14 +33,6 @@ struct SolveArgs {
     std::string saveRegister, loadRegister;
 };
 
-// The form of a register file from its name: ".lz4e.tmpReg" and ".lz4.tmpReg" are packed
-// containers, anything else is plain.
-TRegisterFileForm FormOf(const std::string& file) {
-    if (file.ends_with(".lz4e.tmpReg")) return TRegisterFileForm::Lz4eContainer;
-    if (file.ends_with(".lz4.tmpReg")) return TRegisterFileForm::Lz4Container;
-    return TRegisterFileForm::Plain;
-}
-
 void PrintRegisterStatistics(CRunRegister& runRegister) {
     fmt::print(stderr, "Register of positions with White to move:\n{}\n\n",
                RegisterStatistics(runRegister.WhiteToMove()));
@@ -92,11 +84,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
         if (control.StoppedByUser()) break;
     }
     if (args.registerStats && runRegister) PrintRegisterStatistics(*runRegister);
-    if (!args.saveRegister.empty() && runRegister) {
-        TRegisterSaveOptions options;
-        options.form = FormOf(args.saveRegister);
-        SaveRegisterFile(args.saveRegister, runRegister->WhiteToMove(), &runRegister->BlackToMove(), options);
-    }
+    if (!args.saveRegister.empty() && runRegister) SaveRunRegister(args.saveRegister, *runRegister);
     if (!readError.empty()) return kExitBadInput;
     return allMatched && !control.StoppedByUser() ? kExitOk : kExitMismatch;
 }

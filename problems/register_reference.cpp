@@ -21,6 +21,16 @@ std::filesystem::path ReferencedRegisterFile(uint32_t number) {
     return SavedRegisterFilePath(std::to_string(number));
 }
 
+uint32_t NextFreeRegisterNumber() {
+    uint32_t number = 1;
+    while (std::filesystem::exists(ReferencedRegisterFile(number))) ++number;
+    return number;
+}
+
+std::filesystem::path ProblemRegisterFile(const std::filesystem::path& collection, unsigned problem) {
+    return SavedRegisterFilePath(collection.stem().string() + "-" + std::to_string(problem));
+}
+
 TRunRegisterLoad LoadRunRegisterFile(const std::filesystem::path& file, const TOptions& options) {
     TRunRegisterLoad load{std::make_unique<CRunRegister>(options), {}};
     TRegisterLoadOptions loading;

@@ -22,6 +22,12 @@ void SetTmpRegNumber(ProblemEntry& entry, uint32_t number);
 
 // "<program folder>/SavedTmpRegisterData/<number>.tmpReg".
 std::filesystem::path ReferencedRegisterFile(uint32_t number);
+// The smallest number from 1 on whose referenced file does not exist yet: the file a register is
+// saved to when it is pinned to a problem.
+uint32_t NextFreeRegisterNumber();
+// The file a problem's register is saved to when it is not pinned: named after the collection
+// and the problem, "<program folder>/SavedTmpRegisterData/<collection stem>-<number>.tmpReg".
+std::filesystem::path ProblemRegisterFile(const std::filesystem::path& collection, unsigned problem);
 
 struct TRunRegisterLoad {
     std::unique_ptr<CRunRegister> runRegister;  // what was read, also when read with errors

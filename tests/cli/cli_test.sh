@@ -95,6 +95,13 @@ check "missing referenced register" 0 'Error reading file .*/SavedTmpRegisterDat
 mkdir "$work/SavedTmpRegisterData"
 "$mm" solve "$work/ref.cp" --threads 1 --save-register "$work/SavedTmpRegisterData/7.tmpReg" >/dev/null 2>&1
 check "referenced register" 0 '^File has been read: .*/SavedTmpRegisterData/7\.tmpReg$' -- test "$work/ref.cp" --threads 1 --log-folder "$work"
+cp "$data/small.cp" "$work/pin.cp"
+check "save a problem's register pinned" 0 '^Problem 2 refers to it: //@tmpreg=1$' -- register save "$work/pin.cp" --problem 2 --pin --threads 1
+check "a pinned register is loaded" 0 '^  File has been read: .*/SavedTmpRegisterData/1\.tmpReg$' -- solve "$work/pin.cp" --problem 2 --threads 1
+check "load a problem's register" 0 'No mate elements = [1-9]' -- register load "$work/pin.cp" --problem 2
+check "unpin" 0 '^Problem 2 no longer refers to a register$' -- register unpin "$work/pin.cp" --problem 2
+check "save named after the problem" 0 'Register saved: .*/SavedTmpRegisterData/pin-2\.tmpReg$' -- register save "$work/pin.cp" --problem 2 --threads 1
+check "load of a missing problem" 2 'Problem 9 not found' -- register load "$work/pin.cp" --problem 9
 printf '[chess]\nRunRegressionTestInLoop=1\n' > "$work/options.ini"
 for answer in "--yes --loops 3:3" "--no:1" ":1"; do  # without an answer and a terminal: no
     runs=$("$mm" test "$work/ref.cp" --threads 1 --log-folder "$work" ${answer%:*} </dev/null 2>/dev/null | grep -c '^Regression test started')

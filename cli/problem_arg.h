@@ -1,0 +1,18 @@
+// The problem a command works on: a collection file and a problem number.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "commands.h"
+#include "problems/problem_entry.h"
+
+namespace moremate::cli {
+
+// Reads the collection (problems with faults reported through the context's reporter).
+std::vector<ProblemEntry> ReadProblems(const std::string& file, TProgramContext& context);
+
+// The record of problem `number`; throws ChessException "Problem N not found".
+ProblemEntry& FindProblem(std::vector<ProblemEntry>& entries, unsigned number);
+
+}  // namespace moremate::cli
