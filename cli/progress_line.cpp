@@ -12,8 +12,9 @@ void CProgressLine::Show(const TRunProgress& progress) {
     const double seconds = static_cast<double>(progress.elapsed.count()) / 1000.0;
     const double perSecond = seconds > 0 ? static_cast<double>(progress.nodes) / seconds : 0;
     std::lock_guard lock(m_mutex);
-    fmt::print(stderr, "\r{}  {:.0f} s  {:.0f} nodes/s{}{}\033[K", progress.passStatus, seconds, perSecond,
-               progress.threadFigures.empty() ? "" : "  ", progress.threadFigures);
+    fmt::print(stderr, "\r{}  {:.0f} s  {:.0f} nodes/s{}{}{}{}\033[K", progress.passStatus, seconds,
+               perSecond, progress.threadFigures.empty() ? "" : "  ", progress.threadFigures,
+               progress.observed.empty() ? "" : "  ", progress.observed);
     std::fflush(stderr);
     m_bShown = true;
 }

@@ -13,7 +13,8 @@ namespace moremate::cli {
 class CProgressLine {
   public:
     CProgressLine();
-    // Redraws the line: the pass status, the time and the speed, and the threads' figures.
+    // Redraws the line: the pass status, the time and the speed, the threads' figures and the
+    // observed lines.
     void Show(const TRunProgress& progress);
     // Prints `text` on a line of its own; the status line is redrawn at the next tick.
     void Say(const std::string& text);

@@ -1,6 +1,7 @@
 #include <fmt/core.h>
 
 #include "commands.h"
+#include "engine/multithreading_levels.h"
 #include "problems/script.h"
 #include "problems/solved_problems_db.h"
 #include "settings/machine.h"
@@ -13,6 +14,7 @@ struct ScriptArgs {
     std::string file;
     std::filesystem::path logFolder = ".";
     int threads = 1;
+    int levels = -1;  // the options' MultithreadingLevels
 };
 
 int RunScript(const ScriptArgs& args, TProgramContext& context) {
@@ -21,6 +23,8 @@ int RunScript(const ScriptArgs& args, TProgramContext& context) {
                                        std::fflush(stdout);
                                    }};
     environment.solve.threads = args.threads;
+    const TThreadSettings defaults = DefaultThreadSettings(context.options.m_nMultithreadingLevels);
+    environment.solve.levels = args.levels >= 0 ? args.levels : static_cast<int>(defaults.levels);
     environment.testSettings.logFolder = args.logFolder;
     environment.testSettings.databaseFolder = ProgramFolder() / kSolvedProblemsFolder;
     try {
@@ -42,6 +46,9 @@ Runner AddScriptCommand(CLI::App& app, TProgramContext& context) {
     args->threads = static_cast<int>(LogicalProcessorCount());
     cmd->add_option("--threads", args->threads, "Threads on the first moves (default: the processors)")
         ->check(CLI::Range(1, 64));
+    cmd->add_option("--levels", args->levels,
+                    "Multithreading levels: up to T^L main threads (default: options.ini)")
+        ->check(CLI::Range(0, 64));
     return [args, &context] { return RunScript(*args, context); };
 }
 

@@ -8,6 +8,7 @@
 #include "core/notation.h"
 #include "engine/heuristic_text.h"
 #include "engine/multithreading_levels.h"
+#include "engine/observed_lines.h"
 #include "engine/solver.h"
 #include "problems/collection_reader.h"
 #include "problems/problem_moves.h"
@@ -48,6 +49,8 @@ bool Selected(const SolveArgs& args, unsigned number) {
 int RunSolve(SolveArgs& args, TProgramContext& context) {
     if (args.settings.levels < 0)
         args.settings.levels = static_cast<int>(DefaultThreadSettings(context.options.m_nMultithreadingLevels).levels);
+    if (args.settings.observerLevels < 0)
+        args.settings.observerLevels = std::max(0, static_cast<int>(context.options.m_shObserverLevels));
     if (!args.heuristics.empty()) {
         ReadHeuristicSetText(args.heuristics);  // a faulty text stops here, before any problem runs
         args.settings.heuristics = args.heuristics;
@@ -124,6 +127,10 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     s.levels = -1;  // the options' MultithreadingLevels, read once the program has started
     cmd->add_option("--levels", s.levels, "Multithreading levels: up to T^L main threads (default: options.ini)")
         ->check(CLI::Range(0, 64));
+    s.observerLevels = -1;  // the options' ObserverLevels
+    cmd->add_option("--observer-levels", s.observerLevels,
+                    "White moves below the levels shown per thread in the status line (default: options.ini)")
+        ->check(CLI::Range(0, static_cast<int>(kMaxObservedMoves) - 1));
     cmd->add_flag("--json", args->json, "One JSON object per problem per line");
     cmd->add_flag("--register-stats", args->registerStats,
                   "Print the register's statistics on stderr at the end");

@@ -1,6 +1,7 @@
 #include <fmt/core.h>
 
 #include "commands.h"
+#include "engine/multithreading_levels.h"
 #include "problems/collection_reader.h"
 #include "problems/regression_test.h"
 #include "problems/solved_problems_db.h"
@@ -33,6 +34,9 @@ void PrintLine(const std::string& line) {
 }
 
 int RunTest(TestArgs& args, const CLI::App& cmd, TProgramContext& context) {
+    if (args.solve.levels < 0)
+        args.solve.levels =
+            static_cast<int>(DefaultThreadSettings(context.options.m_nMultithreadingLevels).levels);
     std::vector<ProblemEntry> entries;
     try {
         ReadCollectionFile(args.file, entries, false, TCollectionReading{{&context.reporter, 1}, {}});
@@ -66,6 +70,10 @@ Runner AddTestCommand(CLI::App& app, TProgramContext& context) {
     args->solve.threads = static_cast<int>(LogicalProcessorCount());
     cmd->add_option("--threads", args->solve.threads, "Threads on the first moves (default: the processors)")
         ->check(CLI::Range(1, 64));
+    args->solve.levels = -1;  // the options' MultithreadingLevels, read once the program has started
+    cmd->add_option("--levels", args->solve.levels,
+                    "Multithreading levels: up to T^L main threads (default: options.ini)")
+        ->check(CLI::Range(0, 64));
     cmd->add_flag(
         "--yes", args->yes,
         "Answer yes to the RunRegressionTestInLoop question (else asked on a terminal; no otherwise)");

@@ -74,9 +74,11 @@ void CLevelSearch::Work(TMateSearch& search) {
         while (TakeFirstMove(search) || TakeDefence(search)) {
         }
     } catch (...) {
+        search.Observed().Clear();
         m_gate.Leave();
         throw;
     }
+    search.Observed().Clear();
     m_gate.Leave();
 }
 
@@ -136,6 +138,7 @@ void CLevelSearch::SearchDefence(TMoveGroup& group, size_t defence, TMateSearch&
     CRunControl* control = search.Control();  // a skip of the first move ends its defences as doubtful
     uint8_t r = kUnknownResult;
     search.SetCancel(&group.refuted);  // once another defence refutes the move, this one is moot
+    search.Observed().FirstMove(m_root, m_moves[group.index]);
     try {
         r = control ? control->AnalyseFirstMove(group.index, run) : run();
     } catch (const TSearchCancelled&) {

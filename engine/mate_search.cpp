@@ -196,6 +196,7 @@ uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, int 
         TChessboard child;
         PlayMove(node, m, child);
         child.movesLeft = static_cast<int16_t>(halfMoves - 1);
+        m_observed.AtWhiteMove(ply, node, m);
         const uint8_t r = AfterMove(child, ply + 1);
         if (r == kMate) {
             m_killers[ply].Remember(m);

@@ -11,6 +11,7 @@
 
 #include "core/chessboard.h"
 #include "move_ordering.h"
+#include "observed_lines.h"
 #include "position_store.h"
 #include "search_hooks.h"
 #include "search_log.h"
@@ -35,6 +36,7 @@ struct TSearchEnvironment {
     CSearchLog* log = nullptr;                       // per-thread move log, or none
     std::string logFolder;                           // where "PoorSWM.log" goes
     int quickerMateDepth = 7;                        // "LFQMDepth": 0 switches the quicker-mate log off
+    CObservedLines* observed = nullptr;              // the main threads' lines (observer levels), or none
 };
 
 class TMateSearch {
@@ -65,6 +67,8 @@ class TMateSearch {
     uint64_t Repetitions() const { return m_nRepetitions; }
     CRunControl* Control() const { return m_env.control; }
     uint32_t DoubtReason() const { return m_nDoubtReason; }
+    // The line this search publishes for the observer levels (nothing until attached).
+    CObservedLine& Observed() { return m_observed; }
 
   private:
     uint8_t Node(const TChessboard& node, int ply);
@@ -90,6 +94,7 @@ class TMateSearch {
     // Repetitions met so far: a "no mate" that rests on one depends on the line and is not stored.
     uint64_t m_nRepetitions = 0;
     std::vector<TKillerMoves> m_killers = std::vector<TKillerMoves>(1024);
+    CObservedLine m_observed;
 };
 
 // Whether the register may hold results for this position: its 64 squares must say all, so

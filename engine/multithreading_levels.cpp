@@ -25,6 +25,7 @@ template <int16_t kDepthPlies, bool kAllowExceptions, bool kVerifyHeuristics>
 uint8_t SearchVariant(TLevelTask& task, TMateSearch& search) {
     search.SetQuickerMateDepth(kDepthPlies == kDefaultQuickMateDepthPlies ? kDefaultQuickerMateMoves
                                                                           : (kDepthPlies + 1) / 2);
+    search.Observed().From(kVerifyHeuristics ? task.ply : 0);  // FindForcedMate starts at ply 0
     try {
         return kVerifyHeuristics ? search.SearchAfterMove(task.board, task.ply)
                                  : search.FindForcedMate(task.board);

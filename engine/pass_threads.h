@@ -14,6 +14,8 @@ struct TRunThreads {
     int threads = 1;  // per multithreading level
     int levels = 1;   // multithreading levels; 0 = one thread
     TSchedulerSettings scheduler;
+    // O observer levels: each main thread shows the first L + O White moves of its line; 0 = off.
+    int observerLevels = 0;
 };
 
 // The hybrid brute force phase of a pass, as the level tasks carry it.

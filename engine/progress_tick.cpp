@@ -1,5 +1,6 @@
 #include "progress_tick.h"
 
+#include "observed_lines.h"
 #include "passes.h"
 #include "run_control.h"
 #include "run_register.h"
@@ -31,6 +32,7 @@ TRunProgress ReadProgress(const TProgressSources& sources, std::chrono::millisec
     progress.passStatus = PassStatus(sources, progress.nodes);
     progress.elapsed = elapsed;
     if (sources.threadFigures) progress.threadFigures = sources.threadFigures();
+    if (sources.observed) progress.observed = sources.observed->Text();
     return progress;
 }
 

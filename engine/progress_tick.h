@@ -14,6 +14,7 @@
 
 namespace moremate {
 
+class CObservedLines;
 class CRunControl;
 class CRunRegister;
 
@@ -24,6 +25,7 @@ struct TRunProgress {
     uint64_t nodes = 0;
     std::chrono::milliseconds elapsed{0};
     std::string threadFigures;  // the search threads' figures, when the run has a source for them
+    std::string observed;       // the lines the main threads analyse (observer levels), or empty
 };
 
 // Where the tick reads the progress; each source may be missing.
@@ -32,6 +34,7 @@ struct TProgressSources {
     const std::atomic<uint64_t>* nodes = nullptr;
     CRunRegister* runRegister = nullptr;         // the register figures of the pass status line
     std::function<std::string()> threadFigures;  // the text of TRunProgress::threadFigures
+    const CObservedLines* observed = nullptr;
 };
 
 // The progress as it stands, `elapsed` after the start.

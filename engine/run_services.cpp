@@ -2,9 +2,12 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <optional>
 
+#include "observed_lines.h"
 #include "run_control.h"
+#include "settings/machine.h"
 #include "thread_counters.h"
 
 namespace moremate {
@@ -24,6 +27,11 @@ std::string ThreadFigures(const TRunThreads& threads) {
         g_nMainThreadsRunning.load());
 }
 
+// The moves of the levels (a pass runs on one level at least), then those of the observer levels.
+size_t ObservedMoves(const TRunThreads& threads) {
+    return static_cast<size_t>(std::max(threads.levels, 1) + threads.observerLevels);
+}
+
 }  // namespace
 
 TPassRunResult RunPassesWithServices(TPassRunRequest request, const TRunServices& services) {
@@ -35,11 +43,18 @@ TPassRunResult RunPassesWithServices(TPassRunRequest request, const TRunServices
     std::atomic<uint64_t> nodes{0};
     if (!request.environment.progressNodes) request.environment.progressNodes = &nodes;
     request.environment.control = services.control;
+    std::optional<CObservedLines> observed;
     std::optional<CProgressTick> tick;
     if (services.onProgress) {
         const TRunThreads threads = request.threads;
+        if (threads.observerLevels > 0) {
+            // A slot for each main thread: they never outnumber the processors.
+            observed.emplace(LogicalProcessorCount(), ObservedMoves(threads));
+            request.environment.observed = &*observed;
+        }
         tick.emplace(TProgressSources{services.control, request.environment.progressNodes,
-                                      request.runRegister, [threads] { return ThreadFigures(threads); }},
+                                      request.runRegister, [threads] { return ThreadFigures(threads); },
+                                      observed ? &*observed : nullptr},
                      services.onProgress);
     }
     std::atomic<bool>* stop = services.control ? services.control->StopFlag() : nullptr;

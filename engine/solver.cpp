@@ -138,6 +138,9 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
         env.scheduler = &*scheduler;
     }
     std::vector<TMateSearch> searches(MainThreadSlots(request, firstMoves.size()), TMateSearch(env));
+    if (env.observed)
+        for (size_t t = 0; t < searches.size(); ++t)
+            searches[t].Observed().Attach(env.observed->Slot(t), env.observed->Moves());
     {
         CDeadline deadline(request.timeLimitSeconds, flag);
         try {

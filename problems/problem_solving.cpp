@@ -114,6 +114,7 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
     request.timeLimitSeconds = settings.timeLimitSeconds;
     request.threads.threads = entry.m_nThreads != kThreadsNotGiven ? entry.m_nThreads : settings.threads;
     request.threads.levels = settings.levels;
+    request.threads.observerLevels = settings.observerLevels;
     request.threads.scheduler = SchedulerSettingsForRun(options, task.position.movesLeft);
     request.environment.store = &runRegister;
     request.environment.progressNodes = progress;

@@ -28,6 +28,7 @@ struct TSolveSettings {
     int timeLimitSeconds = 0;
     int threads = 1;
     int levels = 1;  // multithreading levels
+    int observerLevels = 0;  // White moves below the levels shown in the progress; 0 = off
     bool solutionDetails = false;
     bool passStatus = false;  // pass status lines on stderr
     TAvailableData available;  // what the record's requirement clauses may find

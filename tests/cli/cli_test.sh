@@ -78,6 +78,7 @@ check "short regression test" 1 '^\[SnglSolution, 1thrd\(s\)\] Test #2 M1 ok \([
 check "regression test heading" 1 '^Regression test started of [-0-9]+ [0-9:]+, file .*wrong_answer\.cp$' -- test "$data/wrong_answer.cp" --threads 1 --log-folder "$work"
 check "a failed test gives status 1" 1 '^Failed: \[SnglSolution, 1thrd\(s\)\] Test #7 M1 failed:$' -- test "$data/wrong_answer.cp" --threads 1 --log-folder "$work"
 check "mirrored positions" 1 '^Mirror: \[SnglSolution, 1thrd\(s\)\] Test #2 M1 ok ' -- test "$data/small.cp" --with-mirror --threads 1 --log-folder "$work"
+check "test lines give the levels" 1 '^\[SnglSolution, 2\^2thrd\(s\)\] Test #2 M[0-9]+ ok ' -- test "$data/small.cp" --short --threads 2 --levels 2 --log-folder "$work"
 mkdir "$work/log"
 printed=$("$mm" test "$data/small.cp" --short --threads 1 --log-folder "$work/log" 2>/dev/null)
 [ "$printed" = "$(cat "$work"/log/RegressionTest_*.log)" ] && passed=$((passed + 1)) || { failed=$((failed + 1)); echo "FAIL: the log differs from the printed lines"; }
