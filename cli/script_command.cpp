@@ -18,11 +18,12 @@ struct ScriptArgs {
 };
 
 int RunScript(const ScriptArgs& args, TProgramContext& context) {
-    TScriptEnvironment environment{context.options, {}, {}, {}, [](const std::string& line) {
+    TSolveSettings solve;
+    solve.threads = args.threads;
+    TScriptEnvironment environment{context.options, std::move(solve), {}, {}, [](const std::string& line) {
                                        fmt::print("{}", line);
                                        std::fflush(stdout);
                                    }};
-    environment.solve.threads = args.threads;
     const TThreadSettings defaults = DefaultThreadSettings(context.options.m_nMultithreadingLevels);
     environment.solve.levels = args.levels >= 0 ? args.levels : static_cast<int>(defaults.levels);
     environment.testSettings.logFolder = args.logFolder;

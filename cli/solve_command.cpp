@@ -8,6 +8,7 @@
 #include "core/notation.h"
 #include "engine/heuristic_text.h"
 #include "engine/multithreading_levels.h"
+#include "engine/predefined_heuristics.h"
 #include "engine/observed_lines.h"
 #include "engine/solver.h"
 #include "problems/collection_reader.h"
@@ -55,6 +56,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
         ReadHeuristicSetText(args.heuristics);  // a faulty text stops here, before any problem runs
         args.settings.heuristics = args.heuristics;
     }
+    ApplyPredefinedAdditionalHeuristics({}, args.settings.additionalHeuristics);  // the same for the tokens
     std::vector<ProblemEntry> entries;
     std::string readError;
     try {
@@ -83,7 +85,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
         report.registerLoad = registerLoad;
         fmt::print("{}", args.json ? ReportJson(report) : ReportText(report));
         std::fflush(stdout);
-        if (report.match == false || !report.failedChecks.empty()) allMatched = false;
+        if (report.match == false || report.error || !report.failedChecks.empty()) allMatched = false;
         if (control.StoppedByUser()) break;
     }
     if (args.registerStats && runRegister) PrintRegisterStatistics(*runRegister);
@@ -112,6 +114,8 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_option(
         "--after", s.after,
         "Moves played after the position before it is analysed, in pairs, e.g. \"Qa7-f2 Kc1-d1\"");
+    cmd->add_option("--add-heuristics", s.additionalHeuristics,
+                    "Tokens added to pass 1's heuristics, e.g. \"SafeMode DLFU(h1,d5) FFM(#2) LFQMDepth(#5) !DLFU\"");
     cmd->add_flag("--no-heuristics", s.noHeuristics, "No heuristic passes: pass 2 only");
     cmd->add_flag("--no-pass2", s.noPassTwo, "No pass without heuristics after the heuristic passes");
     cmd->add_option("--time-limit", s.timeLimitSeconds, "Seconds per problem (0 = none)")
@@ -136,6 +140,7 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
                   "Print the register's statistics on stderr at the end");
     s.passStatus = isatty(STDERR_FILENO);
     cmd->get_option("--heuristics")->excludes("--no-heuristics");
+    cmd->get_option("--add-heuristics")->excludes("--no-heuristics");
     return [args, &context] { return RunSolve(*args, context); };
 }
 

@@ -74,18 +74,25 @@ TSolutionCount SolutionCount(const ProblemEntry& entry, const TSolveSettings& se
 }
 
 // Pass 1's set: the user's, or the engine's own choice from the position, then the record's
-// per-problem switches and parameters.
-THeuristicSet PassOneSet(const ProblemEntry& entry, const TChessboard& root, const TSolveSettings& settings) {
+// per-problem switches and parameters, then the additional tokens ("!DLFU" takes back a DLFU the
+// engine chose itself).
+TPredefinedHeuristics PassOneSet(const ProblemEntry& entry, const TChessboard& root,
+                                 const TSolveSettings& settings) {
     if (settings.noHeuristics) return {};
     THeuristicSet set =
         settings.heuristics ? ReadHeuristicSetText(*settings.heuristics).m_set : PositionTypeHeuristics(root);
-    return ApplyProblemHeuristics(entry, set);
+    set = ApplyProblemHeuristics(entry, set);
+    TPredefinedHeuristics added = ApplyPredefinedAdditionalHeuristics(set, settings.additionalHeuristics);
+    if (!added.m_bDlfuForbidden || settings.heuristics) return added;
+    set.Remove(SH_DONTLETFIGUREUNBLOCK);
+    return ApplyPredefinedAdditionalHeuristics(set, settings.additionalHeuristics);
 }
 
 TPassState PassState(const ProblemEntry& entry, const TChessboard& root, const TSolveSettings& settings,
                      const TOptions& options) {
     TPassState state;
-    state.set = PassOneSet(entry, root, settings);
+    const TPredefinedHeuristics passOne = PassOneSet(entry, root, settings);
+    state.set = passOne.m_set;
     // The engine asks for dynamic DLFU only with a set of its own choice, and "!DLFU" refuses it.
     state.pendingDynamicDlfu = !settings.noHeuristics && !settings.heuristics &&
                                state.set.params.dlfuDynamic && PositionTypeCheck(root).pendingDynamicDlfu;
@@ -93,7 +100,8 @@ TPassState PassState(const ProblemEntry& entry, const TChessboard& root, const T
     state.pass2Allowed = !settings.noPassTwo && !entry.Has(kOptDontRunPassTwo);
     state.stopRelaxOnFirstSolution = entry.m_bStopRelaxOnFirstSolution;
     state.quickMode = options.m_bQuickMode;
-    state.safeMode = SafeModeForRun(options.m_bQuickMode, entry.Has(kOptSafeMode), settings.bruteForce);
+    state.safeMode = SafeModeForRun(options.m_bQuickMode, entry.Has(kOptSafeMode) || passOne.m_bSafeModeForced,
+                                    settings.bruteForce);
     return state;
 }
 

@@ -23,6 +23,7 @@ struct TSolveSettings {
     bool bruteForce = false;
     bool hybrid = false;
     std::optional<std::string> heuristics;  // the text of pass 1's set instead of the engine's choice
+    std::string additionalHeuristics;       // tokens added to pass 1's set ("SafeMode", "DLFU(h1,d5)", ...)
     bool noHeuristics = false;
     bool noPassTwo = false;
     int timeLimitSeconds = 0;

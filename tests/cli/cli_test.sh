@@ -44,7 +44,7 @@ check "solve prints keys and main line" 0 'main line: 1\. Qa7-f2 ' -- solve "$da
 check "all solutions" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6|keys: .*Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions
 check "json fields" 0 '"keys":\["a7-f2"\],"match":true' -- solve "$data/small.cp" --problem 1 --json
 check "json without answer" 0 '"expected":null,"found":\[\],"keys":\[\],"match":null.*"result":"no solution"' -- solve "$data/small.cp" --problem 3 --json
-check "selfmates are refused" 0 'Only mate problems \(type=1\) supported currently\.' -- solve "$data/small.cp" --problem 4
+check "selfmates are refused" 1 'Only mate problems \(type=1\) supported currently\.' -- solve "$data/small.cp" --problem 4
 check "a wrong answer gives status 1" 1 'DIFFERS from the answer: a7-a1' -- solve "$data/wrong_answer.cp"
 check "a broken collection names the fault" 2 'Opening bracket expected \{ or unrecognized option encountered: NOSUCHOPTION' -- solve "$data/broken.cp"
 check "records before the fault are solved" 2 'Problem 1 #2: solved' -- solve "$data/broken.cp"
@@ -103,6 +103,13 @@ check "load a problem's register" 0 'No mate elements = [1-9]' -- register load 
 check "unpin" 0 '^Problem 2 no longer refers to a register$' -- register unpin "$work/pin.cp" --problem 2
 check "save named after the problem" 0 'Register saved: .*/SavedTmpRegisterData/pin-2\.tmpReg$' -- register save "$work/pin.cp" --problem 2 --threads 1
 check "load of a missing problem" 2 'Problem 9 not found' -- register load "$work/pin.cp" --problem 9
+printf '1 #7\n{\n FEN: rbk5/ppp5/8/8/8/8/7R/4KBQR w - - 0 1\n}\n' > "$work/dlfu.cp"
+"$mm" solve "$work/dlfu.cp" --threads 1 --solution-details --add-heuristics '!DLFU SafeMode' >/dev/null 2>&1
+grep -q '^\* Initial set of heuristics: SH_KEEPKINGONTHEEDGE, SH_DONTLOSEANYFIGURES, SH_3MOVESTOMATE (CannotApplyDLFUDynamically)$' "$work/SolutionDetails.log" &&
+    grep -q '^\* Safe mode is on' "$work/SolutionDetails.log" && passed=$((passed + 1)) ||
+    { failed=$((failed + 1)); echo "FAIL: added tokens take back the engine's DLFU and force safe mode"; }
+check "faulty added heuristics" 2 'Error occurred in ApplyPredefinedAdditionalHeuristics\(\) : Invalid square$' -- solve "$work/dlfu.cp" --add-heuristics 'DLFU(z9)'
+check "a search variant without implementation" 1 'Error: no implementation in FindMateMultithreadingLevelThreadProcFFM for m_shLookForQuickerMateDepth' -- solve "$work/dlfu.cp" --threads 1 --add-heuristics 'LFQMDepth(#7)'
 printf '[chess]\nRunRegressionTestInLoop=1\n' > "$work/options.ini"
 for answer in "--yes --loops 3:3" "--no:1" ":1"; do  # without an answer and a terminal: no
     runs=$("$mm" test "$work/ref.cp" --threads 1 --log-folder "$work" ${answer%:*} </dev/null 2>/dev/null | grep -c '^Regression test started')
