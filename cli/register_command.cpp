@@ -4,9 +4,9 @@
 
 #include "commands.h"
 #include "core/fen.h"
-#include "engine/multithreading_levels.h"
 #include "engine/run_register.h"
 #include "problem_arg.h"
+#include "thread_options.h"
 #include "problems/collection_files.h"
 #include "problems/problem_solving.h"
 #include "problems/register_reference.h"
@@ -14,7 +14,6 @@
 #include "register_loading.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
-#include "settings/machine.h"
 
 namespace moremate::cli {
 namespace {
@@ -25,9 +24,7 @@ struct RegisterArgs {
     // save, load, unpin: the problem's collection and number
     std::string collection;
     unsigned problem = 0;
-    bool allSolutions = false;
-    int timeLimitSeconds = 0;
-    int threads = 1;
+    TSolveSettings solve;  // save: how the problem is solved
     bool pin = false;
 };
 
@@ -73,11 +70,8 @@ int RunDump(const RegisterArgs& args, TProgramContext& context) {
 int RunSave(const RegisterArgs& args, TProgramContext& context) {
     std::vector<ProblemEntry> entries = ReadProblems(args.collection, context);
     ProblemEntry& entry = FindProblem(entries, args.problem);
-    TSolveSettings settings;
-    settings.allSolutions = args.allSolutions;
-    settings.timeLimitSeconds = args.timeLimitSeconds;
-    settings.threads = args.threads;
-    settings.levels = static_cast<int>(DefaultThreadSettings(context.options.m_nMultithreadingLevels).levels);
+    TSolveSettings settings = args.solve;
+    ApplyThreadDefaults(settings, context.options);
     std::unique_ptr<CRunRegister> runRegister;
     const TProblemReport report = SolveProblem(entry, settings, context.options, runRegister, nullptr);
     fmt::print("{}", ReportText(report));
@@ -148,10 +142,10 @@ Runner AddRegisterCommand(CLI::App& app, TProgramContext& context) {
     save->add_flag("--pin", args->pin,
                    "Save to the next free SavedTmpRegisterData/<n>.tmpReg and refer the problem to it, so that "
                    "solving loads it");
-    save->add_flag("--all-solutions", args->allSolutions, "Find every key");
-    save->add_option("--time-limit", args->timeLimitSeconds, "Seconds (0 = none)")->check(CLI::NonNegativeNumber);
-    args->threads = static_cast<int>(LogicalProcessorCount());
-    save->add_option("--threads", args->threads, "Threads (default: the processors)")->check(CLI::Range(1, 64));
+    save->add_flag("--all-solutions", args->solve.allSolutions, "Find every key");
+    save->add_option("--time-limit", args->solve.timeLimitSeconds, "Seconds (0 = none)")
+        ->check(CLI::NonNegativeNumber);
+    AddThreadOptions(save, args->solve);
     save->get_option("--pin")->excludes("--to");
     CLI::App* load = cmd->add_subcommand("load", "Read a problem's register and print its statistics");
     AddProblemOptions(load, *args);

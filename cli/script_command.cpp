@@ -1,10 +1,9 @@
 #include <fmt/core.h>
 
 #include "commands.h"
-#include "engine/multithreading_levels.h"
+#include "thread_options.h"
 #include "problems/script.h"
 #include "problems/solved_problems_db.h"
-#include "settings/machine.h"
 #include "settings/program_folder.h"
 
 namespace moremate::cli {
@@ -13,19 +12,15 @@ namespace {
 struct ScriptArgs {
     std::string file;
     std::filesystem::path logFolder = ".";
-    int threads = 1;
-    int levels = -1;  // the options' MultithreadingLevels
+    TSolveSettings solve;  // the thread settings
 };
 
-int RunScript(const ScriptArgs& args, TProgramContext& context) {
-    TSolveSettings solve;
-    solve.threads = args.threads;
-    TScriptEnvironment environment{context.options, std::move(solve), {}, {}, [](const std::string& line) {
+int RunScript(ScriptArgs& args, TProgramContext& context) {
+    ApplyThreadDefaults(args.solve, context.options);
+    TScriptEnvironment environment{context.options, args.solve, {}, {}, [](const std::string& line) {
                                        fmt::print("{}", line);
                                        std::fflush(stdout);
                                    }};
-    const TThreadSettings defaults = DefaultThreadSettings(context.options.m_nMultithreadingLevels);
-    environment.solve.levels = args.levels >= 0 ? args.levels : static_cast<int>(defaults.levels);
     environment.testSettings.logFolder = args.logFolder;
     environment.testSettings.databaseFolder = ProgramFolder() / kSolvedProblemsFolder;
     try {
@@ -44,12 +39,7 @@ Runner AddScriptCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_option("file", args->file, "Script (.vrs)")->required()->check(CLI::ExistingFile);
     cmd->add_option("--log-folder", args->logFolder, "Folder of the RegressionTest_ logs (default: .)")
         ->check(CLI::ExistingDirectory);
-    args->threads = static_cast<int>(LogicalProcessorCount());
-    cmd->add_option("--threads", args->threads, "Threads on the first moves (default: the processors)")
-        ->check(CLI::Range(1, 64));
-    cmd->add_option("--levels", args->levels,
-                    "Multithreading levels: up to T^L main threads (default: options.ini)")
-        ->check(CLI::Range(0, 64));
+    AddThreadOptions(cmd, args->solve);
     return [args, &context] { return RunScript(*args, context); };
 }
 

@@ -7,9 +7,8 @@
 #include "commands.h"
 #include "core/notation.h"
 #include "engine/heuristic_text.h"
-#include "engine/multithreading_levels.h"
-#include "engine/predefined_heuristics.h"
 #include "engine/observed_lines.h"
+#include "engine/predefined_heuristics.h"
 #include "engine/solver.h"
 #include "problems/collection_reader.h"
 #include "problems/problem_moves.h"
@@ -18,9 +17,9 @@
 #include "progress_line.h"
 #include "register_loading.h"
 #include "run_keys.h"
+#include "thread_options.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
-#include "settings/machine.h"
 
 namespace moremate::cli {
 namespace {
@@ -48,8 +47,7 @@ bool Selected(const SolveArgs& args, unsigned number) {
 }
 
 int RunSolve(SolveArgs& args, TProgramContext& context) {
-    if (args.settings.levels < 0)
-        args.settings.levels = static_cast<int>(DefaultThreadSettings(context.options.m_nMultithreadingLevels).levels);
+    ApplyThreadDefaults(args.settings, context.options);
     if (args.settings.observerLevels < 0)
         args.settings.observerLevels = std::max(0, static_cast<int>(context.options.m_shObserverLevels));
     if (!args.heuristics.empty()) {
@@ -121,16 +119,11 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_option("--time-limit", s.timeLimitSeconds, "Seconds per problem (0 = none)")
         ->check(CLI::NonNegativeNumber);
     cmd->add_flag("--solution-details", s.solutionDetails, "Write SolutionDetails.log in the program folder");
-    s.threads = static_cast<int>(LogicalProcessorCount());
     cmd->add_option("--save-register", args->saveRegister,
                     "Save the register at the end (.lz4.tmpReg / .lz4e.tmpReg: packed, else plain)");
     cmd->add_option("--load-register", args->loadRegister, "Load a saved register before the first problem")
         ->check(CLI::ExistingFile);
-    cmd->add_option("--threads", s.threads, "Threads per multithreading level (default: the processors)")
-        ->check(CLI::Range(1, 64));
-    s.levels = -1;  // the options' MultithreadingLevels, read once the program has started
-    cmd->add_option("--levels", s.levels, "Multithreading levels: up to T^L main threads (default: options.ini)")
-        ->check(CLI::Range(0, 64));
+    AddThreadOptions(cmd, s);
     s.observerLevels = -1;  // the options' ObserverLevels
     cmd->add_option("--observer-levels", s.observerLevels,
                     "White moves below the levels shown per thread in the status line (default: options.ini)")

@@ -1,12 +1,11 @@
 #include <fmt/core.h>
 
 #include "commands.h"
-#include "engine/multithreading_levels.h"
 #include "problems/collection_reader.h"
 #include "problems/regression_test.h"
 #include "problems/solved_problems_db.h"
 #include "question_prompt.h"
-#include "settings/machine.h"
+#include "thread_options.h"
 #include "settings/program_folder.h"
 
 namespace moremate::cli {
@@ -34,9 +33,7 @@ void PrintLine(const std::string& line) {
 }
 
 int RunTest(TestArgs& args, const CLI::App& cmd, TProgramContext& context) {
-    if (args.solve.levels < 0)
-        args.solve.levels =
-            static_cast<int>(DefaultThreadSettings(context.options.m_nMultithreadingLevels).levels);
+    ApplyThreadDefaults(args.solve, context.options);
     std::vector<ProblemEntry> entries;
     try {
         ReadCollectionFile(args.file, entries, false, TCollectionReading{{&context.reporter, 1}, {}});
@@ -67,13 +64,7 @@ Runner AddTestCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_option("--log-folder", args->settings.logFolder,
                     "Folder of the RegressionTest_ log (default: .)")
         ->check(CLI::ExistingDirectory);
-    args->solve.threads = static_cast<int>(LogicalProcessorCount());
-    cmd->add_option("--threads", args->solve.threads, "Threads on the first moves (default: the processors)")
-        ->check(CLI::Range(1, 64));
-    args->solve.levels = -1;  // the options' MultithreadingLevels, read once the program has started
-    cmd->add_option("--levels", args->solve.levels,
-                    "Multithreading levels: up to T^L main threads (default: options.ini)")
-        ->check(CLI::Range(0, 64));
+    AddThreadOptions(cmd, args->solve);
     cmd->add_flag(
         "--yes", args->yes,
         "Answer yes to the RunRegressionTestInLoop question (else asked on a terminal; no otherwise)");
