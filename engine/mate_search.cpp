@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "core/gives_check.h"
+#include "position_repetition.h"
 #include "run_control.h"
 
 namespace moremate {
@@ -78,12 +79,7 @@ uint8_t TMateSearch::Node(const TChessboard& node, int ply) {
 }
 
 bool TMateSearch::RepeatsEarlierPosition(const TChessboard& node) const {
-    if (node.movesAtStart < kRepetitionMinHalfMoves) return false;
-    for (const TChessboard* p = node.previous ? node.previous->previous : nullptr; p;
-         p = p->previous ? p->previous->previous : nullptr) {
-        if (SamePosition(*p, node)) return true;
-    }
-    return false;
+    return node.movesAtStart >= kRepetitionMinHalfMoves && RepeatsPositionOfLine(node);
 }
 
 // Black's defences dropped by a filter are not refuted and White's moves dropped are not
