@@ -37,35 +37,19 @@ TRunProgress ReadProgress(const TProgressSources& sources, std::chrono::millisec
 }
 
 CProgressTick::CProgressTick(TProgressSources sources, FOnTick onTick, std::chrono::milliseconds period)
-    : m_sources(std::move(sources)), m_onTick(std::move(onTick)), m_period(period) {
-    m_thread = std::thread([this] { Run(); });
-}
+    : m_sources(std::move(sources)),
+      m_onTick(std::move(onTick)),
+      m_start(std::chrono::steady_clock::now()),
+      m_timer(period, [this] {
+          const auto elapsed = std::chrono::steady_clock::now() - m_start;
+          m_onTick(ReadProgress(m_sources, std::chrono::duration_cast<std::chrono::milliseconds>(elapsed)));
+          return true;
+      }) {}
 
-CProgressTick::~CProgressTick() {
-    Stop();
-}
+CProgressTick::~CProgressTick() = default;
 
 void CProgressTick::Stop() {
-    {
-        std::lock_guard lock(m_mutex);
-        m_bStopped = true;
-    }
-    m_cv.notify_all();
-    if (m_thread.joinable()) m_thread.join();
-}
-
-// The callback runs outside the lock, so that Stop() never waits for more than one callback.
-void CProgressTick::Run() {
-    const auto start = std::chrono::steady_clock::now();
-    auto next = start + m_period;
-    std::unique_lock lock(m_mutex);
-    while (!m_cv.wait_until(lock, next, [this] { return m_bStopped; })) {
-        lock.unlock();
-        const auto elapsed = std::chrono::steady_clock::now() - start;
-        m_onTick(ReadProgress(m_sources, std::chrono::duration_cast<std::chrono::milliseconds>(elapsed)));
-        next += m_period;
-        lock.lock();
-    }
+    m_timer.Stop();
 }
 
 }  // namespace moremate

@@ -5,12 +5,11 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <string>
-#include <thread>
+
+#include "timer_thread.h"
 
 namespace moremate {
 
@@ -53,15 +52,10 @@ class CProgressTick {
     void Stop();
 
   private:
-    void Run();
-
     TProgressSources m_sources;
     FOnTick m_onTick;
-    std::chrono::milliseconds m_period;
-    std::mutex m_mutex;
-    std::condition_variable m_cv;
-    bool m_bStopped = false;
-    std::thread m_thread;
+    std::chrono::steady_clock::time_point m_start;
+    CTimerThread m_timer;  // last: ticks once the rest is ready
 };
 
 }  // namespace moremate

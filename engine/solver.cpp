@@ -2,50 +2,31 @@
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <exception>
-#include <mutex>
 #include <new>
 #include <optional>
 #include <stdexcept>
-#include <thread>
 
 #include "black_defence.h"
 #include "first_move_order.h"
 #include "level_search.h"
 #include "move_ordering.h"
 #include "thread_counters.h"
+#include "timer_thread.h"
 
 namespace moremate {
 namespace {
 
 // Raises the stop flag when the time limit runs out, unless the solve ends first.
-class CDeadline {
-  public:
-    CDeadline(int seconds, std::atomic<bool>& flag) {
-        if (seconds <= 0) return;
-        m_thread = std::thread([this, seconds, &flag] {
-            std::unique_lock lock(m_mutex);
-            if (!m_cv.wait_for(lock, std::chrono::seconds(seconds), [this] { return m_bDone; })) flag = true;
-        });
-    }
-    ~CDeadline() {
-        {
-            std::lock_guard lock(m_mutex);
-            m_bDone = true;
-        }
-        m_cv.notify_all();
-        if (m_thread.joinable()) m_thread.join();
-    }
-
-  private:
-    std::mutex m_mutex;
-    std::condition_variable m_cv;
-    bool m_bDone = false;
-    std::thread m_thread;
-};
+std::optional<CTimerThread> Deadline(int seconds, std::atomic<bool>& flag) {
+    if (seconds <= 0) return std::nullopt;
+    return std::optional<CTimerThread>(std::in_place, std::chrono::seconds(seconds), [&flag] {
+        flag = true;
+        return false;
+    });
+}
 
 TChessboard After(const TChessboard& node, const TMove& m, int halfMoves) {
     TChessboard child;
@@ -142,7 +123,7 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
         for (size_t t = 0; t < searches.size(); ++t)
             searches[t].Observed().Attach(env.observed->Slot(t), env.observed->Moves());
     {
-        CDeadline deadline(request.timeLimitSeconds, flag);
+        const std::optional<CTimerThread> deadline = Deadline(request.timeLimitSeconds, flag);
         try {
             CLevelSearch levels(searches, request.position, std::move(firstMoves), request.levelContext,
                                 env.log, gate);

@@ -1,0 +1,35 @@
+// CTimerThread: a thread of its own that calls a function once a period, until the function
+// returns false or the timer is stopped or destroyed. The function runs outside the lock, so that
+// Stop() waits for one call at most; no call starts after Stop() returns.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+namespace moremate {
+
+class CTimerThread {
+  public:
+    using FOnTick = std::function<bool()>;  // false: no more ticks
+    CTimerThread(std::chrono::milliseconds period, FOnTick onTick);
+    ~CTimerThread();
+    CTimerThread(const CTimerThread&) = delete;
+    CTimerThread& operator=(const CTimerThread&) = delete;
+
+    void Stop();
+
+  private:
+    void Run();
+
+    std::chrono::milliseconds m_period;
+    FOnTick m_onTick;
+    std::mutex m_mutex;
+    std::condition_variable m_cv;
+    bool m_bStopped = false;
+    std::thread m_thread;  // last: started once the rest is ready
+};
+
+}  // namespace moremate
