@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "core/types.h"
-#include "bench/split_mix.h"
 #include "registers/aggregated_register.h"
 #include "registers/register_size.h"
+#include "split_mix.h"
 
 namespace moremate {
 namespace {

@@ -12,12 +12,12 @@
 #include <vector>
 
 #include "core/types.h"
-#include "bench/split_mix.h"
 #include "registers/aggregated_register.h"
 #include "registers/lz4e_codec.h"
 #include "registers/register_file.h"
 #include "registers/register_packing.h"
 #include "registers/register_stream.h"
+#include "split_mix.h"
 
 namespace moremate {
 namespace {

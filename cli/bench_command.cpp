@@ -5,8 +5,8 @@
 #include "commands.h"
 #include "core/fen.h"
 #include "core/validation.h"
-#include "engine/run_register.h"
-#include "engine/solver.h"
+#include "engine/passes/run_register.h"
+#include "engine/passes/solver.h"
 
 namespace moremate::cli {
 namespace {

@@ -3,10 +3,10 @@
 #include "commands.h"
 #include "core/chess_exception.h"
 #include "core/notation.h"
-#include "engine/black_defence.h"
-#include "engine/run_register.h"
+#include "engine/passes/run_register.h"
+#include "engine/search/black_defence.h"
 #include "problem_arg.h"
-#include "problems/solving_task.h"
+#include "problems/solving/solving_task.h"
 
 namespace moremate::cli {
 namespace {

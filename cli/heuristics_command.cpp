@@ -2,8 +2,8 @@
 
 #include "commands.h"
 #include "core/chess_exception.h"
-#include "engine/heuristic_text.h"
-#include "engine/relaxation.h"
+#include "engine/heuristics/heuristic_text.h"
+#include "engine/passes/relaxation.h"
 #include "position_arg.h"
 
 namespace moremate::cli {

@@ -3,7 +3,7 @@
 #include <fmt/core.h>
 
 #include "core/chess_exception.h"
-#include "problems/collection_reader.h"
+#include "problems/format/collection_reader.h"
 
 namespace moremate::cli {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "commands.h"
-#include "problems/problem_entry.h"
+#include "problems/format/problem_entry.h"
 
 namespace moremate::cli {
 

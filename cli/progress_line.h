@@ -6,7 +6,7 @@
 #include <mutex>
 #include <string>
 
-#include "engine/progress_tick.h"
+#include "engine/run/progress_tick.h"
 
 namespace moremate::cli {
 

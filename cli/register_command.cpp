@@ -4,16 +4,16 @@
 
 #include "commands.h"
 #include "core/fen.h"
-#include "engine/run_register.h"
+#include "engine/passes/run_register.h"
 #include "problem_arg.h"
-#include "thread_options.h"
-#include "problems/collection_files.h"
-#include "problems/problem_solving.h"
-#include "problems/register_reference.h"
-#include "problems/solve_report.h"
+#include "problems/annotations/register_reference.h"
+#include "problems/format/collection_files.h"
+#include "problems/solving/problem_solving.h"
+#include "problems/solving/solve_report.h"
 #include "register_loading.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
+#include "thread_options.h"
 
 namespace moremate::cli {
 namespace {

@@ -3,7 +3,7 @@
 #include <fmt/core.h>
 
 #include "core/chess_exception.h"
-#include "problems/register_reference.h"
+#include "problems/annotations/register_reference.h"
 
 namespace moremate::cli {
 namespace {

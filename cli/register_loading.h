@@ -7,7 +7,7 @@
 #include <string>
 
 #include "commands.h"
-#include "engine/run_register.h"
+#include "engine/passes/run_register.h"
 
 namespace moremate::cli {
 

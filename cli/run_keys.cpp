@@ -5,7 +5,7 @@
 
 #include <cerrno>
 
-#include "engine/run_texts.h"
+#include "engine/run/run_texts.h"
 
 namespace moremate::cli {
 namespace {

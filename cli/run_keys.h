@@ -10,7 +10,7 @@
 #include <string>
 #include <thread>
 
-#include "engine/run_control.h"
+#include "engine/state/run_control.h"
 
 namespace moremate::cli {
 

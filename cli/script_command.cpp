@@ -1,10 +1,10 @@
 #include <fmt/core.h>
 
 #include "commands.h"
-#include "thread_options.h"
-#include "problems/script.h"
-#include "problems/solved_problems_db.h"
+#include "problems/regression/script.h"
+#include "problems/regression/solved_problems_db.h"
 #include "settings/program_folder.h"
+#include "thread_options.h"
 
 namespace moremate::cli {
 namespace {

@@ -1,12 +1,12 @@
 #include <fmt/core.h>
 
 #include "commands.h"
-#include "problems/collection_reader.h"
-#include "problems/regression_test.h"
-#include "problems/solved_problems_db.h"
+#include "problems/format/collection_reader.h"
+#include "problems/regression/regression_test.h"
+#include "problems/regression/solved_problems_db.h"
 #include "question_prompt.h"
-#include "thread_options.h"
 #include "settings/program_folder.h"
+#include "thread_options.h"
 
 namespace moremate::cli {
 namespace {

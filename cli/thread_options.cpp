@@ -1,6 +1,6 @@
 #include "thread_options.h"
 
-#include "engine/multithreading_levels.h"
+#include "engine/threads/multithreading_levels.h"
 #include "settings/machine.h"
 
 namespace moremate::cli {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "commands.h"
-#include "problems/problem_solving.h"
+#include "problems/solving/problem_solving.h"
 
 namespace moremate::cli {
 

@@ -6,7 +6,7 @@
 #include <map>
 #include <mutex>
 
-#include "engine/position_store.h"
+#include "engine/search/position_store.h"
 
 namespace moremate::test {
 

@@ -13,8 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "problems/collection_reader.h"
-#include "problems/record_writer.h"
+#include "problems/format/collection_reader.h"
+#include "problems/format/record_writer.h"
 
 namespace moremate {
 

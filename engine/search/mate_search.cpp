@@ -1,0 +1,255 @@
+#include "mate_search.h"
+
+#include <cstring>
+
+#include "core/gives_check.h"
+#include "engine/state/run_control.h"
+#include "position_repetition.h"
+
+namespace moremate {
+namespace {
+
+constexpr int kPoorlySortedIndex = 8;  // a mating move sorted this late is worth a log line
+constexpr int kRepetitionMinHalfMoves = 10;
+// Far from the end of a line and near its start, a mate shorter than the moves left is looked
+// for first; the deepening of every White node does that, and says so in the log here.
+constexpr int kQuickerMateMinHalfMoves = 17;
+constexpr int kQuickerMateMaxPlayed = 7;
+
+bool EnPassantPossible(const TChessboard& node) {
+    if (node.epSquare == kNoSquare) return false;
+    const uint8_t us = node.ToMove();
+    const int pawnSquare = us == kWhite ? node.epSquare - 8 : node.epSquare + 8;  // the pawn that passed
+    const int file = FileOf(pawnSquare);
+    const Piece ours = MakePiece(us, kPawn);
+    return (file > 0 && node.squares[pawnSquare - 1] == ours) ||
+           (file < 7 && node.squares[pawnSquare + 1] == ours);
+}
+
+}  // namespace
+
+bool SamePosition(const TChessboard& a, const TChessboard& b) {
+    return std::memcmp(a.squares, b.squares, 64) == 0 && CastlingRights(a) == CastlingRights(b) &&
+           EnPassantPossible(a) == EnPassantPossible(b);
+}
+
+bool SquaresTellAll(const TChessboard& node) {
+    return CastlingRights(node) == HomeCastlingRights(node.squares) && !EnPassantPossible(node);
+}
+
+void TMateSearch::CountNode() {
+    constexpr uint64_t kProgressStep = 4096;
+    if ((++m_nNodes % kProgressStep) == 0 && m_env.progressNodes)
+        m_env.progressNodes->fetch_add(kProgressStep, std::memory_order_relaxed);
+    if (m_env.control) m_env.control->Poll();
+    if (m_env.stop && m_env.stop->load(std::memory_order_relaxed)) throw TSearchStopped{};
+    if (m_pCancel && m_pCancel->load(std::memory_order_relaxed)) throw TSearchCancelled{};
+}
+
+uint8_t TMateSearch::FindForcedMate(const TChessboard& node) {
+    return Node(node, 0);
+}
+
+int TMateSearch::ShortestMate(const TChessboard& node) {
+    for (int k = 1; k <= node.movesLeft; k += 2) {
+        TChessboard shorter = node;
+        shorter.movesLeft = static_cast<int16_t>(k);
+        const uint8_t r = FindForcedMate(shorter);
+        if (r == kMate) return k;
+        if (r == kDoubtful) return 0;
+    }
+    return 0;
+}
+
+TMove TMateSearch::MatingMove(const TChessboard& node, int halfMoves) {
+    TMoveList moves;
+    GenerateLegalMoves(node, moves);
+    OrderWhiteMoves(node, moves, m_killers[0], halfMoves == 1);
+    for (const TMove& m : moves) {
+        TChessboard child;
+        PlayMove(node, m, child);
+        child.movesLeft = static_cast<int16_t>(halfMoves - 1);
+        if (Node(child, 1) == kMate) return m;
+    }
+    return TMove{};
+}
+
+uint8_t TMateSearch::Node(const TChessboard& node, int ply) {
+    return node.WhiteToMove() ? WhiteNode(node, ply) : BlackNode(node, ply);
+}
+
+bool TMateSearch::RepeatsEarlierPosition(const TChessboard& node) const {
+    return node.movesAtStart >= kRepetitionMinHalfMoves && RepeatsPositionOfLine(node);
+}
+
+// Black's defences dropped by a filter are not refuted and White's moves dropped are not
+// searched: either way the node's result can only be mate or doubtful.
+bool TMateSearch::Filtered(const TChessboard& node, TMoveList& moves) {
+    if (!m_env.heuristics) return false;
+    const uint32_t reason = m_env.heuristics->FilterMoves(node, moves);
+    if (reason) m_nDoubtReason = reason;
+    return reason != 0;
+}
+
+uint8_t TMateSearch::Known(const TChessboard& node, int halfMoves) {
+    const uint8_t known = m_env.store->Lookup(node.squares, halfMoves);
+    if (known == kDoubtful) m_nDoubtReason = 0xFFFFFFFFu;
+    if (known == kMate && m_env.log) m_env.log->Line("Mate found (pos.in temp.reg.)");
+    return known;
+}
+
+bool TMateSearch::QuickerMateAllowed(int halfMoves, int ply) const {
+    return m_env.quickerMateDepth > 0 && halfMoves >= kQuickerMateMinHalfMoves && ply < kQuickerMateMaxPlayed;
+}
+
+void TMateSearch::Log(int ply, const TChessboard& node, uint8_t result) {
+    if (m_env.log) m_env.log->Result(ply, node.lastMove, result, m_nDoubtReason);
+}
+
+void TMateSearch::Settle(const TChessboard& node, int ply, uint8_t result) {
+    Log(ply, node, result);
+    if (m_env.store && SquaresTellAll(node)) m_env.store->Store(node.squares, node.movesLeft, result);
+}
+
+// Asks the heuristics about the move that led to `child`, then searches on. A line that a
+// heuristic stops is doubtful unless the move mates at once (White) or allows a mate at once
+// (Black): such lines are always searched.
+uint8_t TMateSearch::AfterMove(const TChessboard& child, int ply) {
+    if (m_env.heuristics) {
+        const uint32_t reason = m_env.heuristics->Check(child);
+        if (reason && !MatesAtOnce(child, ply)) {
+            m_nDoubtReason = reason;
+            return kDoubtful;
+        }
+    }
+    return Node(child, ply);
+}
+
+bool TMateSearch::MatesAtOnce(const TChessboard& child, int ply) {
+    if (!child.WhiteToMove()) return IsMate(child);
+    if (child.movesLeft < 1) return false;
+    TChessboard oneMove = child;
+    oneMove.movesLeft = 1;
+    return WhiteNode(oneMove, ply) == kMate;
+}
+
+uint8_t TMateSearch::MateInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks) {
+    for (const TMove& m : moves) {
+        if (!onlyChecks && !GivesCheck(node, m)) continue;
+        TChessboard child;
+        PlayMove(node, m, child);
+        if (!HasLegalMove(child)) return kMate;
+    }
+    return kNoMate;
+}
+
+uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
+    CountNode();
+    const int n = node.movesLeft;
+    if (n < 1) return kNoMate;
+    TMoveList moves;
+    if (n == 1) {  // the most frequent node: only checks can mate, and no register look-up pays off
+        GenerateCheckingMoves(node, moves);
+        return MateInOne(node, moves, true);
+    }
+    const bool stored = m_env.store && SquaresTellAll(node);
+    if (stored) {
+        const uint8_t known = Known(node, n);
+        if (known != kUnknownResult) return known;
+    }
+    uint8_t settled;
+    if (m_env.globalRegister && m_env.globalRegister->Settle(node, settled)) return settled;
+    if (RepeatsEarlierPosition(node)) {
+        ++m_nRepetitions;
+        return kRepetition;
+    }
+    GenerateLegalMoves(node, moves);
+    bool doubtful = Filtered(node, moves);
+    OrderWhiteMoves(node, moves, m_killers[ply], false);
+    if (m_env.scheduler) m_env.scheduler->AtWhiteNode(node, moves);
+    const uint64_t repetitionsBefore = m_nRepetitions;
+    for (int k = 1; k <= n; k += 2) {
+        const uint8_t r = WhiteWithin(node, moves, k, ply);
+        if (r == kMate) {
+            if (stored) m_env.store->Store(node.squares, k, kMate);
+            if (k < n && QuickerMateAllowed(n, ply) && m_env.log)
+                m_env.log->Line("QuickerMate with AdditionalMoves found (with glob.reg./Nalimov lookup)");
+            Log(ply, node, kMate);
+            return kMate;
+        }
+        doubtful = doubtful || r == kDoubtful;
+    }
+    const uint8_t result = doubtful ? kDoubtful : kNoMate;
+    if (result == kDoubtful || m_nRepetitions == repetitionsBefore) Settle(node, ply, result);
+    return result;
+}
+
+uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply) {
+    if (halfMoves == 1) return MateInOne(node, moves, false);
+    bool doubtful = false;
+    for (int i = 0; i < moves.count; ++i) {
+        const TMove& m = moves.moves[i];
+        TChessboard child;
+        PlayMove(node, m, child);
+        child.movesLeft = static_cast<int16_t>(halfMoves - 1);
+        m_observed.AtWhiteMove(ply, node, m);
+        const uint8_t r = AfterMove(child, ply + 1);
+        if (r == kMate) {
+            m_killers[ply].Remember(m);
+            if (i >= kPoorlySortedIndex && halfMoves >= 5 && !m_env.logFolder.empty())
+                CSearchLog::PoorlySortedMove(m_env.logFolder, node, m, i);
+            return kMate;
+        }
+        doubtful = doubtful || r == kDoubtful;
+    }
+    return doubtful ? kDoubtful : kNoMate;
+}
+
+uint8_t TMateSearch::OpenBlackNode(const TChessboard& node, int ply, TMoveList& moves, bool& doubtful) {
+    CountNode();
+    const int m = node.movesLeft;
+    if (m <= 0) return IsMate(node) ? kMate : kNoMate;
+    if (m_env.store && SquaresTellAll(node)) {
+        const uint8_t known = Known(node, m);
+        if (known != kUnknownResult) return known;
+    }
+    if (RepeatsEarlierPosition(node)) {
+        ++m_nRepetitions;
+        return kRepetition;
+    }
+    GenerateLegalMoves(node, moves);
+    if (moves.count == 0) return node.InCheck() ? kMate : kNoMate;  // mate, or stalemate
+    doubtful = Filtered(node, moves);
+    OrderBlackMoves(node, moves, m_killers[ply]);
+    return kUnknownResult;
+}
+
+uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
+    TMoveList moves;
+    bool doubtful = false;
+    const uint8_t opened = OpenBlackNode(node, ply, moves, doubtful);
+    if (opened != kUnknownResult) return opened;
+    const uint64_t repetitionsBefore = m_nRepetitions;
+    for (const TMove& d : moves) {
+        TChessboard child;
+        PlayMove(node, d, child);
+        const uint8_t r = AfterMove(child, ply + 1);
+        if (r == kNoMate || r == kRepetition) {  // a line that repeats is no way to mate
+            m_killers[ply].Remember(d);
+            if (m_nRepetitions == repetitionsBefore) Settle(node, ply, kNoMate);
+            return kNoMate;
+        }
+        // A defence that only a heuristic keeps from a refutation already denies the mate in this
+        // pass: the other defences could only turn "doubtful" into "no mate", and searching them
+        // proves mates that nobody needs.
+        if (r == kDoubtful) {
+            Settle(node, ply, kDoubtful);
+            return kDoubtful;
+        }
+    }
+    const uint8_t result = doubtful ? kDoubtful : kMate;
+    Settle(node, ply, result);
+    return result;
+}
+
+}  // namespace moremate

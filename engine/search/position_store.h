@@ -1,0 +1,21 @@
+// What the search asks of the run's registers: settled results of positions by the number of
+// half-moves left. The run binds it to the temporary register of the pass's heuristic set.
+#pragma once
+
+#include <cstdint>
+
+#include "engine/state/search_result.h"
+
+namespace moremate {
+
+class CPositionStore {
+  public:
+    virtual ~CPositionStore() = default;
+    // kMate when a mate within `halfMoves` is known, kNoMate when none is, kDoubtful when the
+    // line was found doubtful under the pass's heuristics, else kUnknownResult.
+    virtual uint8_t Lookup(const uint8_t* squares, int halfMoves) = 0;
+    // Records a settled result (kMate, kNoMate or kDoubtful) for `halfMoves`.
+    virtual void Store(const uint8_t* squares, int halfMoves, uint8_t result) = 0;
+};
+
+}  // namespace moremate

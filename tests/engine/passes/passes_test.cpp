@@ -1,0 +1,222 @@
+#include "engine/passes/passes.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "core/fen.h"
+#include "core/notation.h"
+#include "core/validation.h"
+
+namespace moremate {
+namespace {
+
+// Every line that does not mate at once is doubtful: no key of more than one move is found.
+class CDoubtEverything : public CHeuristicHook {
+  public:
+    uint32_t Check(const TChessboard&) override { return SH_AREKINGSNEAR; }
+};
+
+// A #3 with the single key Rh1-h3.
+constexpr const char* kOneKey = "8/8/8/8/R7/2k5/8/4K2R w K - 0 1";
+// A #3 with four keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6.
+constexpr const char* kFourKeys = "8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1";
+
+struct CRun {
+    TPassRunRequest request;
+    CRunRegister reg{1u << 16};
+    std::vector<THeuristicSet> hookSets;  // the sets the factory was asked for
+    std::vector<std::string> output;
+
+    CRun(const char* fen, uint32_t mask, bool doubtEverything) {
+        EXPECT_TRUE(ReadFen(fen, request.position));
+        PrepareForSolving(request.position, 5, true);
+        request.state.set.mask = mask;
+        request.state.quickMode = false;
+        request.environment.store = &reg;
+        request.runRegister = &reg;
+        request.hooks = [this, doubtEverything](const THeuristicSet& set) -> std::unique_ptr<CHeuristicHook> {
+            hookSets.push_back(set);
+            if (!doubtEverything || set.mask == 0) return nullptr;
+            return std::make_unique<CDoubtEverything>();
+        };
+        request.relaxation.clock = [t = int64_t{0}]() mutable { return t += 5000; };  // slow passes
+        request.output = [this](const std::string& line) { output.push_back(line); };
+    }
+
+    TPassRunResult Run() { return RunPasses(request, nullptr); }
+};
+
+std::vector<std::string> PassLabels(const TPassRunResult& r) {
+    std::vector<std::string> labels;
+    for (const TPassSummary& p : r.passes) labels.push_back(p.pass);
+    return labels;
+}
+
+std::vector<std::string> KeyTexts(const TChessboard& root, const TPassRunResult& r) {
+    std::vector<std::string> keys;
+    for (const TPassKey& k : r.keys) keys.push_back(MoveToText(root, k.key.move) + "@" + k.pass);
+    std::sort(keys.begin(), keys.end());
+    return keys;
+}
+
+using Labels = std::vector<std::string>;
+
+TEST(Passes, RelaxedPassesThenPassTwoFindsWhatHeuristicsCut) {
+    CRun run(kOneKey, SH_AREKINGSNEAR, true);
+    const TPassRunResult r = run.Run();
+    EXPECT_EQ(PassLabels(r), (Labels{"1", "2"}));
+    EXPECT_EQ(r.passes[0].result, kDoubtful);
+    EXPECT_EQ(r.passes[0].setText, "SH_AREKINGSNEAR");
+    EXPECT_EQ(KeyTexts(run.request.position, r), (Labels{"Rh1-h3@2"}));
+    EXPECT_EQ(r.result, kMate);
+    ASSERT_EQ(run.hookSets.size(), 2u);
+    EXPECT_EQ(run.hookSets[1].mask, 0u);
+    ASSERT_EQ(run.output.size(), 3u);
+    EXPECT_EQ(run.output[0], "> Safe Mode (Quick Mode heuristics is OFF)");
+    EXPECT_TRUE(run.output[1].starts_with("Pass 1, 100.0% ")) << run.output[1];
+    EXPECT_NE(run.output[1].find(" SH:1h,TR:"), std::string::npos) << run.output[1];
+    EXPECT_TRUE(run.output[2].starts_with("Pass 2, 100.0% ")) << run.output[2];
+}
+
+TEST(Passes, FindForcedMateModesGetAPassEach) {
+    CRun run(kOneKey, SH_FINDFORCEDMATE, true);
+    run.request.state.set.params.ffm.mode = run.request.state.set.params.ffm.initialMode = kFfmThreat1;
+    run.request.state.set.params.ffm.relaxations = 2;
+    const TPassRunResult r = run.Run();
+    EXPECT_EQ(PassLabels(r), (Labels{"1", "1b", "1c", "2"}));
+    ASSERT_EQ(run.hookSets.size(), 4u);
+    EXPECT_EQ(run.hookSets[0].params.ffm.mode, kFfmThreat1);
+    EXPECT_EQ(run.hookSets[1].params.ffm.mode, kFfmThreat1Plus);
+    EXPECT_EQ(run.hookSets[2].params.ffm.mode, kFfmThreat2);
+    EXPECT_EQ(run.hookSets[3].mask, 0u);
+    EXPECT_EQ(r.passes[1].setText, "SH_FINDFORCEDMATE(#1+)");
+}
+
+TEST(Passes, RelaxationAndPassTwoSwitches) {
+    {
+        CRun run(kOneKey, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, true);
+        EXPECT_EQ(PassLabels(run.Run()), (Labels{"1", "1b", "2"}));
+    }
+    {
+        CRun run(kOneKey, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, true);
+        run.request.state.relaxationAllowed = false;
+        EXPECT_EQ(PassLabels(run.Run()), (Labels{"1", "2"}));
+    }
+    {
+        CRun run(kOneKey, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, true);
+        run.request.state.relaxationAllowed = run.request.state.pass2Allowed = false;
+        const TPassRunResult r = run.Run();
+        EXPECT_EQ(PassLabels(r), (Labels{"1"}));
+        EXPECT_TRUE(r.keys.empty());
+        EXPECT_EQ(r.result, kDoubtful);
+    }
+    {  // Without heuristics the problem has pass 2 only, even when pass 2 is switched off.
+        CRun run(kOneKey, 0, true);
+        run.request.state.pass2Allowed = false;
+        EXPECT_EQ(PassLabels(run.Run()), (Labels{"2"}));
+    }
+}
+
+TEST(Passes, SolutionCountsAndStopOnFirstSolution) {
+    {  // A single solution ends the series in the pass that found it.
+        CRun run(kFourKeys, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, false);
+        const TPassRunResult r = run.Run();
+        EXPECT_EQ(PassLabels(r), (Labels{"1"}));
+        ASSERT_EQ(r.keys.size(), 1u);
+        EXPECT_EQ(r.keys[0].setText, "SH_AREKINGSNEAR, SH_SWEEPINGWHITEROOK");
+    }
+    const std::pair<TSolutionCount, size_t> counts[] = {
+        {TSolutionCount::UpTo2, 2}, {TSolutionCount::UpTo3, 3}, {TSolutionCount::UpTo4, 4}};
+    for (const auto& [count, keys] : counts) {
+        CRun run(kFourKeys, SH_AREKINGSNEAR, false);
+        run.request.solutions = count;
+        const TPassRunResult r = run.Run();
+        EXPECT_EQ(r.keys.size(), keys);
+        EXPECT_EQ(PassLabels(r), (Labels{"1"}));
+    }
+    {  // All solutions: every pass runs; later passes add no key twice.
+        CRun run(kFourKeys, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, false);
+        run.request.solutions = TSolutionCount::All;
+        const TPassRunResult r = run.Run();
+        EXPECT_EQ(PassLabels(r), (Labels{"1", "1b", "2"}));
+        EXPECT_EQ(KeyTexts(run.request.position, r),
+                  (Labels{"Kd2-c1@1", "Kd2-c2@1", "Kd2-c3@1", "Qe3-b6@1"}));
+    }
+    {  // STOPRELAXHEURISTICSONFIRSTSOLUTION: straight to pass 2 after a solution.
+        CRun run(kFourKeys, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, false);
+        run.request.solutions = TSolutionCount::All;
+        run.request.state.stopRelaxOnFirstSolution = true;
+        EXPECT_EQ(PassLabels(run.Run()), (Labels{"1", "2"}));
+    }
+}
+
+TEST(Passes, BruteForceAndHybridBruteForce) {
+    {
+        CRun run(kFourKeys, SH_AREKINGSNEAR, false);
+        run.request.bruteForce = TBruteForce::Full;
+        const TPassRunResult r = run.Run();
+        EXPECT_EQ(PassLabels(r), (Labels{"2"}));
+        EXPECT_EQ(r.keys.size(), 4u);
+        ASSERT_EQ(run.hookSets.size(), 1u);
+        EXPECT_EQ(run.hookSets[0].mask, 0u);
+    }
+    {  // Phase 1 finds one key with heuristics, phase 2 the others without.
+        CRun run(kFourKeys, SH_AREKINGSNEAR, false);
+        run.request.bruteForce = TBruteForce::Hybrid;
+        const TPassRunResult r = run.Run();
+        EXPECT_EQ(PassLabels(r), (Labels{"1", "2"}));
+        ASSERT_EQ(r.keys.size(), 4u);
+        EXPECT_EQ(r.keys[0].pass, "1");
+        EXPECT_EQ(r.keys[3].pass, "2");
+        const auto has = [&run](const char* line) {
+            return std::find(run.output.begin(), run.output.end(), line) != run.output.end();
+        };
+        EXPECT_TRUE(has(
+            "  - now running the first (heuristical) phase of hybrid brute force (no solution found yet)"));
+        EXPECT_TRUE(
+            has("  - now running the second (brute force) phase of hybrid brute force (at least one solution "
+                "already found)"));
+    }
+}
+
+TEST(Passes, RunRegisterDropsTheDoubtfulLinesOfARelaxedSet) {
+    CRun run(kOneKey, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, true);
+    CRunRegister& reg = run.reg;
+    std::vector<size_t> configurationsAtPassStart;
+    const auto hooks = run.request.hooks;
+    run.request.hooks = [&](const THeuristicSet& set) {
+        configurationsAtPassStart.push_back(reg.WhiteToMove().DoubtfulConfigurations().size() +
+                                            reg.BlackToMove().DoubtfulConfigurations().size());
+        return hooks(set);
+    };
+    const TPassRunResult r = run.Run();
+    EXPECT_EQ(PassLabels(r), (Labels{"1", "1b", "2"}));
+    EXPECT_EQ(configurationsAtPassStart, (std::vector<size_t>{0, 0, 0}));
+    // Pass 1 did store doubtful lines under its set: its status line counts them.
+    EXPECT_EQ(run.output[1].find("TR:0(0)"), std::string::npos) << run.output[1];
+    EXPECT_EQ(KeyTexts(run.request.position, r), (Labels{"Rh1-h3@2"}));
+}
+
+TEST(Passes, ModeLinesAndTexts) {
+    TPassState s;
+    EXPECT_EQ(QuickModeLine(s), "> Quick Mode implicit heuristics ON (see Options)");
+    s.safeMode = true;
+    EXPECT_EQ(QuickModeLine(s), "> Safe Mode (Quick Mode heuristics is OFF)");
+    s.safeModeForced = true;
+    EXPECT_EQ(QuickModeLine(s), "> Safe Mode forced by engine");
+    EXPECT_EQ(PassStatusLine(1, "c", "", 42.25, 123456789012LL, 0x80004, 17, 2),
+              "Pass 1c, 42.2% 123456789012 SH:80004h,TR:17(2)     \r");
+    EXPECT_EQ(SolutionCountText(TSolutionCount::Single), "* Search for single solution");
+    EXPECT_EQ(SolutionCountText(TSolutionCount::UpTo3), "* Search for no more than 3 solutions");
+    EXPECT_EQ(SolutionCountText(TSolutionCount::All), "* Search for all solutions");
+
+    // The sea snake step forces safe mode during the run, and says so.
+    CRun run(kOneKey, SH_SEASNAKE | SH_AREKINGSNEAR, true);
+    run.Run();
+    EXPECT_NE(std::find(run.output.begin(), run.output.end(), "> Safe Mode forced by engine"),
+              run.output.end());
+}
+
+}  // namespace
+}  // namespace moremate

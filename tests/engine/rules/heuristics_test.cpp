@@ -1,0 +1,599 @@
+#include "engine/rules/special_heuristics.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cctype>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "engine/search/mate_search.h"
+#include "engine/state/search_result.h"
+#include "tests/core/test_line.h"
+
+namespace moremate {
+namespace {
+
+using TTune = void (*)(THeuristicParameters&);
+
+THeuristicSet With(uint32_t bits, TTune tune = nullptr) {
+    THeuristicSet set;
+    set.mask = bits;
+    if (tune) tune(set.params);
+    return set;
+}
+
+// A line from a FEN and the bit that the heuristics must answer after its last move.
+struct TLineCase {
+    const char* why;
+    THeuristicSet set;
+    const char* fen;
+    int halfMoves;
+    std::vector<const char*> moves;
+    uint32_t expected;
+};
+
+void ExpectVerdicts(const std::vector<TLineCase>& cases) {
+    for (const TLineCase& c : cases) {
+        const TChessboard start = test::Problem(c.fen, c.halfMoves);
+        test::TestLine line(start);
+        for (const char* m : c.moves) line.Play(m);
+        CSpecialHeuristics heuristics(c.set, start);
+        EXPECT_EQ(heuristics.Check(line.Now()), c.expected) << c.why;
+    }
+}
+
+constexpr const char* kCornerKing = "k7/8/8/8/8/8/8/4K2R w - -";
+
+TEST(SpecialHeuristics, KingZones) {
+    const THeuristicSet edge = With(SH_KEEPKINGONTHEEDGE);
+    const THeuristicSet corner =
+        With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) { p.inclCorner = true; });
+    const THeuristicSet ext = With(SH_KEEPKINGWITHINEXTEDGE);
+    const THeuristicSet extStrict =
+        With(SH_KEEPKINGWITHINEXTEDGE, [](THeuristicParameters& p) { p.edgeStrict = true; });
+    const char* second = "8/8/8/8/8/1k6/8/4K2R w - -";
+    ExpectVerdicts({
+        {"edge: the king steps off the edge",
+         edge,
+         kCornerKing,
+         9,
+         {"Rh1-h2", "Ka8-b7"},
+         SH_KEEPKINGONTHEEDGE},
+        {"edge: a step along the edge", edge, kCornerKing, 9, {"Rh1-h2", "Ka8-b8"}, 0},
+        {"edge incl.corner: b7 counts as edge", corner, kCornerKing, 9, {"Rh1-h2", "Ka8-b7"}, 0},
+        {"ext.edge: third line", ext, second, 9, {"Rh1-h2", "Kb3-c4"}, SH_KEEPKINGWITHINEXTEDGE},
+        {"ext.edge: second line", ext, second, 9, {"Rh1-h2", "Kb3-b4"}, 0},
+        {"ext.edge strict: moves only onto the edge",
+         extStrict,
+         second,
+         9,
+         {"Rh1-h2", "Kb3-b4"},
+         SH_KEEPKINGWITHINEXTEDGE},
+        {"ext.edge strict: onto the edge", extStrict, second, 9, {"Rh1-h2", "Kb3-a4"}, 0},
+        {"ext.edge strict: staying put", extStrict, second, 9, {"Rh1-h3"}, 0},
+    });
+}
+
+TEST(SpecialHeuristics, KingMayNotMove) {
+    const THeuristicSet strict =
+        With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) { p.kingMode = TKingMode::Strict; });
+    const THeuristicSet almost =
+        With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) { p.kingMode = TKingMode::AlmostStrict; });
+    const char* pawnFree = "k7/8/8/6p1/8/8/6P1/1R2K3 w - -";
+    const char* pawnBlocks = "k7/8/8/8/6p1/8/6P1/1R2K3 w - -";
+    ExpectVerdicts({
+        {"strict: a king move along the edge",
+         strict,
+         kCornerKing,
+         9,
+         {"Rh1-h2", "Ka8-b8"},
+         SH_KEEPKINGONTHEEDGE},
+        {"strict: pawn moves are free", strict, "k7/7p/8/8/8/8/8/4K2R w - -", 9, {"Rh1-g1", "h7-h6"}, 0},
+        {"almost strict: the first step away", almost, kCornerKing, 9, {"Rh1-h2", "Ka8-b8"}, 0},
+        {"almost strict: and straight back",
+         almost,
+         kCornerKing,
+         9,
+         {"Rh1-h2", "Ka8-b8", "Rh2-h3", "Kb8-a8"},
+         0},
+        {"almost strict: wandering on",
+         almost,
+         kCornerKing,
+         9,
+         {"Rh1-h2", "Ka8-b8", "Rh2-h3", "Kb8-c8"},
+         SH_KEEPKINGONTHEEDGE},
+        {"almost strict: a pawn move that ends blocked",
+         almost,
+         pawnBlocks,
+         9,
+         {"Rb1-c1", "Ka8-a7", "Ke1-d1", "g4-g3"},
+         0},
+        {"almost strict: a free pawn move while away",
+         almost,
+         pawnFree,
+         9,
+         {"Rb1-c1", "Ka8-a7", "Ke1-d1", "g5-g4"},
+         SH_KEEPKINGONTHEEDGE},
+    });
+}
+
+TEST(SpecialHeuristics, CornerDistanceInSquaresAndMoves) {
+    const auto corner = [](int8_t distance) {
+        THeuristicSet set = With(SH_KEEPKINGNEARCORNER);
+        set.params.cornerDistance = distance;
+        return set;
+    };
+    const char* fen = "8/8/8/8/8/8/2k5/4K2R w - -";
+    ExpectVerdicts({
+        {"c3 is 4 squares from a1", corner(3), fen, 9, {"Rh1-h8", "Kc2-c3"}, SH_KEEPKINGNEARCORNER},
+        {"b2 is 2 squares from a1", corner(3), fen, 9, {"Rh1-h8", "Kc2-b2"}, 0},
+        {"c3 is 2 king moves from a1", corner(-2), fen, 9, {"Rh1-h8", "Kc2-c3"}, 0},
+        {"1M: c3 too far", corner(-1), fen, 9, {"Rh1-h8", "Kc2-c3"}, SH_KEEPKINGNEARCORNER},
+    });
+}
+
+TEST(SpecialHeuristics, EdgeRelaxation) {
+    const THeuristicSet capture =
+        With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) { p.edgeRelaxation.figuresToCapture = 1; });
+    const THeuristicSet pawn =
+        With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) { p.edgeRelaxation.onAdvancedPawn = true; });
+    const THeuristicSet pawnExtOnly = With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) {
+        p.edgeRelaxation.onAdvancedPawn = true;
+        p.edgeRelaxation.extEdgeOnly = true;
+    });
+    const auto defer = [](bool skip) {
+        THeuristicSet set = With(SH_KEEPKINGONTHEEDGE);
+        set.params.edgeRelaxation.figuresToCapture = 1;
+        set.params.edgeRelaxation.deferCheck = true;
+        set.params.edgeRelaxation.deferMoves = 1;
+        set.params.edgeRelaxation.skipDeferIfNoBalanceChange = skip;
+        return set;
+    };
+    const char* knight = "k7/1n6/8/8/8/8/8/1R2K3 w - -";
+    const char* advanced = "k7/8/6P1/8/8/8/8/4K2R w - -";
+    const char* knightFar = "k7/8/8/8/8/8/8/n3K2R w - -";
+    ExpectVerdicts({
+        {"a captured figure relaxes the edge", capture, knight, 9, {"Rb1:b7", "Ka8:b7"}, 0},
+        {"without relaxation",
+         With(SH_KEEPKINGONTHEEDGE),
+         knight,
+         9,
+         {"Rb1:b7", "Ka8:b7"},
+         SH_KEEPKINGONTHEEDGE},
+        {"an advanced pawn relaxes the edge", pawn, advanced, 9, {"Rh1-h2", "Ka8-b7"}, 0},
+        {"relaxation for ext.edge only",
+         pawnExtOnly,
+         advanced,
+         9,
+         {"Rh1-h2", "Ka8-b7"},
+         SH_KEEPKINGONTHEEDGE},
+        {"deferred: just left", defer(false), knightFar, 9, {"Rh1-h2", "Ka8-b7"}, 0},
+        {"deferred: one White move later", defer(false), knightFar, 9, {"Rh1-h2", "Ka8-b7", "Rh2-h3"}, 0},
+        {"deferred: time is up",
+         defer(false),
+         knightFar,
+         9,
+         {"Rh1-h2", "Ka8-b7", "Rh2-h3", "Kb7-c7"},
+         SH_KEEPKINGONTHEEDGE},
+        {"no defer when nothing is left to capture",
+         defer(true),
+         kCornerKing,
+         9,
+         {"Rh1-h2", "Ka8-b7"},
+         SH_KEEPKINGONTHEEDGE},
+        {"defer while a figure can still be captured", defer(true), knightFar, 9, {"Rh1-h2", "Ka8-b7"}, 0},
+    });
+}
+
+TEST(SpecialHeuristics, WhiteMaterial) {
+    const auto lose = [](uint8_t pawns) {
+        THeuristicSet set = With(SH_DONTLOSEANYFIGURES);
+        set.params.loseFiguresPawns = pawns;
+        return set;
+    };
+    const THeuristicSet save = With(SH_SAVEQUEENROOK);
+    const char* pawnLow = "k7/8/8/8/8/8/r1P5/4K3 w - -";
+    const char* pawnHigh = "k7/r1P5/8/8/8/8/8/4K3 w - -";
+    ExpectVerdicts({
+        {"a figure lost",
+         lose(0),
+         "k7/8/8/8/8/8/r7/N3K3 w - -",
+         9,
+         {"Ke1-f1", "Ra2:a1"},
+         SH_DONTLOSEANYFIGURES},
+        {"pawns do not count", lose(0), pawnLow, 9, {"Ke1-f1", "Ra2:c2"}, 0},
+        {"incl.pawns", lose(1), pawnLow, 9, {"Ke1-f1", "Ra2:c2"}, SH_DONTLOSEANYFIGURES},
+        {"before promotion: a pawn far back", lose(2), pawnLow, 9, {"Ke1-f1", "Ra2:c2"}, 0},
+        {"before promotion: a pawn on the seventh",
+         lose(2),
+         pawnHigh,
+         9,
+         {"Ke1-f1", "Ra7:c7"},
+         SH_DONTLOSEANYFIGURES},
+        {"the last rook lost", save, "k7/8/8/8/8/8/r7/R3K3 w - -", 9, {"Ke1-f1", "Ra2:a1"}, SH_SAVEQUEENROOK},
+        {"another rook left", save, "k7/8/8/8/8/8/r7/R3K2R w - -", 9, {"Ke1-f1", "Ra2:a1"}, 0},
+        {"a promotion is coming", save, "k7/2P5/8/8/8/8/r7/R3K3 w - -", 9, {"Ke1-f1", "Ra2:a1"}, 0},
+    });
+}
+
+TEST(SpecialHeuristics, CaptureKnightInTime) {
+    const THeuristicSet knight = With(SH_CAPTUREKNIGHT);
+    const char* fen = "k7/8/8/3n4/8/8/8/K5R1 w - -";
+    ExpectVerdicts({
+        {"no move left for the capture", knight, fen, 3, {"Rg1-g2", "Nd5-e3"}, SH_CAPTUREKNIGHT},
+        {"capture and mate left, knight not attacked",
+         knight,
+         fen,
+         5,
+         {"Rg1-g2", "Nd5-e3"},
+         SH_CAPTUREKNIGHT},
+        {"capture and mate left, knight attacked", knight, fen, 5, {"Rg1-g3", "Nd5-e3"}, 0},
+        {"time to spare", knight, fen, 7, {"Rg1-g2", "Nd5-e3"}, 0},
+    });
+}
+
+TEST(SpecialHeuristics, BlockedFigures) {
+    const auto dlfu = [](bool eff) {
+        THeuristicSet set = With(SH_DONTLETFIGUREUNBLOCK);
+        set.params.blockedFigures[0] = 57;  // b8
+        set.params.blockedCount = 1;
+        set.params.dlfuEff = eff;
+        return set;
+    };
+    const char* fen = "kr6/8/8/8/8/8/8/4K2R w - -";
+    ExpectVerdicts({
+        {"one square is allowed", dlfu(false), fen, 9, {"Rh1-h2", "Rb8-c8"}, 0},
+        {"farther is not", dlfu(false), fen, 9, {"Rh1-h2", "Rb8-b5"}, SH_DONTLETFIGUREUNBLOCK},
+        {"step by step is traced",
+         dlfu(false),
+         fen,
+         9,
+         {"Rh1-h2", "Rb8-c8", "Rh2-h3", "Rc8-d8"},
+         SH_DONTLETFIGUREUNBLOCK},
+        {"into en prise", dlfu(false), fen, 9, {"Rh1-h5", "Rb8-b5"}, 0},
+        {"EFF: no en prise exception", dlfu(true), fen, 9, {"Rh1-h5", "Rb8-b5"}, SH_DONTLETFIGUREUNBLOCK},
+        {"unlisted figures are free", With(SH_DONTLETFIGUREUNBLOCK), fen, 9, {"Rh1-h2", "Rb8-b5"}, 0},
+    });
+}
+
+TEST(SpecialHeuristics, BlackQueenAndPromotedFigures) {
+    const THeuristicSet twice = With(SH_DONTLETBLACKQUEENCHECKTWICE);
+    const THeuristicSet queen = With(SH_DONTLETPROMOTEDQUEENMOVE);
+    const THeuristicSet figure = With(SH_DONTLETPROMOTEDFIGUREMOVE);
+    const char* promote = "k7/8/8/8/8/8/p7/4K2R b - -";
+    ExpectVerdicts({
+        {"first check", twice, "k6q/8/8/8/8/8/8/4K3 w - -", 9, {"Ke1-d2", "Qh8-h6"}, 0},
+        {"second check",
+         twice,
+         "k6q/8/8/8/8/8/8/4K3 w - -",
+         9,
+         {"Ke1-d2", "Qh8-h6", "Kd2-c2", "Qh6-h7"},
+         SH_DONTLETBLACKQUEENCHECKTWICE},
+        {"a check into en prise does not count",
+         twice,
+         "k6q/8/1R6/8/8/8/8/4K3 w - -",
+         9,
+         {"Ke1-d2", "Qh8-h6", "Kd2-c2", "Qh6-h7"},
+         0},
+        {"a promoted queen left free", queen, promote, 10, {"a2-a1Q", "Ke1-e2"}, SH_DONTLETPROMOTEDQUEENMOVE},
+        {"a promoted knight is no queen", queen, promote, 10, {"a2-a1N", "Ke1-e2"}, 0},
+        {"any promoted figure", figure, promote, 10, {"a2-a1N", "Ke1-e2"}, SH_DONTLETPROMOTEDFIGUREMOVE},
+        {"a queen from the start", queen, "k7/8/8/8/8/8/q7/4K2R w - -", 9, {"Rh1-h2"}, 0},
+    });
+}
+
+TEST(SpecialHeuristics, KingsOfMiniatures) {
+    const THeuristicSet near = With(SH_AREKINGSNEAR);
+    const THeuristicSet recede = With(SH_DONTRECEDEBLACKKING);
+    const THeuristicSet surround = With(SH_ASSERTBLACKKINGSURROUNDED);
+    const THeuristicSet surroundStrict =
+        With(SH_ASSERTBLACKKINGSURROUNDED, [](THeuristicParameters& p) { p.surroundedStrict = true; });
+    const THeuristicSet three = With(SH_3MOVESTOMATE);
+    const char* open = "8/8/8/3k4/8/8/8/K5R1 w - -";
+    ExpectVerdicts({
+        {"kings too far apart for a mate in two",
+         near,
+         "7k/8/8/8/8/8/8/K5R1 w - -",
+         3,
+         {"Rg1-g2"},
+         SH_AREKINGSNEAR},
+        {"time enough to come close", near, "7k/8/8/8/8/8/8/K5R1 w - -", 15, {"Rg1-g2"}, 0},
+        {"the white king steps back",
+         recede,
+         "7k/8/8/8/8/8/1K6/6R1 w - -",
+         9,
+         {"Kb2-a1"},
+         SH_DONTRECEDEBLACKKING},
+        {"the white king closes in", recede, "7k/8/8/8/8/8/1K6/6R1 w - -", 9, {"Kb2-c3"}, 0},
+        {"a king in the open", surround, open, 9, {"Ka1-b1"}, SH_ASSERTBLACKKINGSURROUNDED},
+        {"checks are exempt", surround, open, 9, {"Rg1-d1"}, 0},
+        {"three free squares", surround, "7k/8/8/8/8/8/8/K1R5 w - -", 9, {"Ka1-b1"}, 0},
+        {"three free squares, strict",
+         surroundStrict,
+         "7k/8/8/8/8/8/8/K1R5 w - -",
+         9,
+         {"Ka1-b1"},
+         SH_ASSERTBLACKKINGSURROUNDED},
+        {"three moves left, king in the open", three, open, 7, {"Rg1-g2", "Kd5-d4"}, SH_3MOVESTOMATE},
+        {"four moves left", three, open, 9, {"Rg1-g2", "Kd5-d4"}, 0},
+        {"enough force", three, "8/8/8/3k4/8/8/8/KQ4R1 w - -", 7, {"Rg1-g2", "Kd5-d4"}, 0},
+    });
+}
+
+TEST(SpecialHeuristics, LinesAndTiedPieces) {
+    const THeuristicSet diagonal = With(SH_DONTLEAVEMAINDIAGONAL);
+    const THeuristicSet blackDiagonal =
+        With(SH_DONTLEAVEMAINDIAGONAL, [](THeuristicParameters& p) { p.mainDiagonalFigure = 54; });  // g7
+    const THeuristicSet keyLine = With(SH_KEYLINE, [](THeuristicParameters& p) { p.keyLine = 7; });
+    const THeuristicSet keyDiagonal = With(SH_KEYDIAGONAL, [](THeuristicParameters& p) {
+        p.keyDiagonal[0] = 1;   // b1
+        p.keyDiagonal[1] = 55;  // h7
+    });
+    const THeuristicSet sweep = With(SH_SWEEPINGWHITEROOK);
+    const THeuristicSet single = With(SH_SINGLEQUEENMATE);
+    const char* bishop = "k7/6b1/8/8/8/8/1B6/4K3 w - -";
+    ExpectVerdicts({
+        {"the bishop leaves a1-h8", diagonal, bishop, 9, {"Bb2-a3"}, SH_DONTLEAVEMAINDIAGONAL},
+        {"the bishop keeps to it", diagonal, bishop, 9, {"Bb2-e5"}, 0},
+        {"the black bishop leaves it",
+         blackDiagonal,
+         bishop,
+         9,
+         {"Ke1-d1", "Bg7-h6"},
+         SH_DONTLEAVEMAINDIAGONAL},
+        {"the black bishop steps back off it",
+         blackDiagonal,
+         bishop,
+         9,
+         {"Ke1-d1", "Bg7-f8"},
+         SH_DONTLEAVEMAINDIAGONAL},
+        {"along the diagonal", blackDiagonal, bishop, 9, {"Ke1-d1", "Bg7-f6"}, 0},
+        {"the key file left empty", keyLine, kCornerKing, 9, {"Rh1-g1"}, SH_KEYLINE},
+        {"a move along the key file", keyLine, kCornerKing, 9, {"Rh1-h5"}, 0},
+        {"another rook holds it", keyLine, "k7/8/8/8/8/8/7R/4K2R w - -", 9, {"Rh1-g1"}, 0},
+        {"along the key diagonal", keyDiagonal, "k7/8/8/8/8/8/8/1B2K3 w - -", 9, {"Bb1-c2"}, 0},
+        {"off the key diagonal", keyDiagonal, "k7/8/8/8/8/8/8/1B2K3 w - -", 9, {"Bb1-a2"}, SH_KEYDIAGONAL},
+        {"the rook sweeps its rank", sweep, "7k/8/8/8/8/8/8/R3K3 w - -", 9, {"Ra1-b1"}, 0},
+        {"the rook leaves its rank", sweep, "7k/8/8/8/8/8/8/R3K3 w - -", 9, {"Ra1-a5"}, SH_SWEEPINGWHITEROOK},
+        {"unless to take a pawn", sweep, "7k/8/8/8/p7/8/8/R3K3 w - -", 9, {"Ra1:a4"}, 0},
+        {"the queen moves", single, "7k/7p/8/8/8/8/8/1Q2K3 w - -", 9, {"Qb1-c1", "Kh8-g8"}, 0},
+        {"the white king is tied", single, "7k/7p/8/8/8/8/8/1Q2K3 w - -", 9, {"Ke1-d1"}, SH_SINGLEQUEENMATE},
+        {"a black pawn is tied",
+         single,
+         "7k/7p/8/8/8/8/8/1Q2K3 w - -",
+         9,
+         {"Qb1-c1", "h7-h6"},
+         SH_SINGLEQUEENMATE},
+    });
+}
+
+TEST(SpecialHeuristics, RulesOfTheEnginesOwnDetections) {
+    const THeuristicSet blockade = With(SH_USEBLOCKBLACKPAWNSLEVEL);
+    const THeuristicSet key = With(SH_KEYSQUARE, [](THeuristicParameters& p) { p.keySquare = 57; });  // b8
+    const THeuristicSet tempo = With(SH_ZUGZWANGTRIANGLES);
+    const char* blocked = "k7/p7/P7/8/4p3/4P2R/8/4K3 w - -";
+    const char* prison = "k7/8/1K6/4B3/8/8/8/8 w - -";
+    const char* ending = "8/8/2k5/p7/P7/2K5/8/8 w - -";
+    ExpectVerdicts({
+        {"the blockade holds", blockade, blocked, 9, {"Rh3-h4"}, 0},
+        {"the rook offers e4 a capture", blockade, blocked, 9, {"Rh3-f3"}, SH_USEBLOCKBLACKPAWNSLEVEL},
+        {"the bishop keeps guarding b8", key, prison, 9, {"Be5-f4"}, 0},
+        {"the bishop leaves b8 unguarded", key, prison, 9, {"Be5-d4"}, SH_KEYSQUARE},
+        {"a step away from the black king", tempo, ending, 9, {"Kc3-d2", "Kc6-b6", "Kd2-e2"}, 0},
+        {"a walk away from the black king",
+         tempo,
+         ending,
+         9,
+         {"Kc3-d2", "Kc6-b6", "Kd2-e1"},
+         SH_ZUGZWANGTRIANGLES},
+    });
+}
+
+TEST(SpecialHeuristics, TempoPatterns) {
+    const auto snake = [](uint8_t after) {
+        THeuristicSet set = With(SH_SEASNAKE);
+        set.params.seaSnake.approach = 11;  // d2
+        set.params.seaSnake.turnBack = 12;  // e2
+        set.params.seaSnake.onlyAfterMove = after;
+        return set;
+    };
+    ExpectVerdicts({
+        {"onto the triangle", snake(0), kCornerKing, 9, {"Ke1-d2"}, 0},
+        {"off the triangle", snake(0), kCornerKing, 9, {"Ke1-f2"}, SH_SEASNAKE},
+        {"before \"only after\"", snake(1), kCornerKing, 9, {"Ke1-f2"}, 0},
+        {"no precalculated data: never doubtful",
+         With(SH_REDUCTIONTOGLOBREGPOS),
+         kCornerKing,
+         9,
+         {"Rh1-h2"},
+         0},
+    });
+    // The zugzwang position is the one after 1. Kd1.
+    const TChessboard start = test::Problem(kCornerKing, 9);
+    test::TestLine target(start);
+    target.Play("Ke1-d1");
+    const auto zugzwang = [&](uint8_t afterMove) {
+        THeuristicSet set = With(SH_ZUGZWANG);
+        std::copy(std::begin(target.Now().squares), std::end(target.Now().squares),
+                  set.params.zugzwangSquares);
+        set.params.zugzwangSet = true;
+        set.params.zugzwangAfterMove = afterMove;
+        return set;
+    };
+    ExpectVerdicts({
+        {"reached on time", zugzwang(1), kCornerKing, 9, {"Ke1-d1"}, 0},
+        {"missed", zugzwang(1), kCornerKing, 9, {"Ke1-f1"}, SH_ZUGZWANG},
+        {"reached before the deadline", zugzwang(2), kCornerKing, 9, {"Ke1-d1", "Ka8-b8", "Kd1-c1"}, 0},
+        {"never reached", zugzwang(2), kCornerKing, 9, {"Ke1-f1", "Ka8-b8", "Kf1-e1"}, SH_ZUGZWANG},
+    });
+}
+
+// Legal moves of a FEN's position after the filters of `set`, as long-notation texts.
+std::vector<std::string> Filtered(const THeuristicSet& set, const char* fen, int halfMoves,
+                                  uint32_t& reason) {
+    const TChessboard node = test::Problem(fen, halfMoves);
+    TMoveList moves;
+    GenerateLegalMoves(node, moves);
+    CSpecialHeuristics heuristics(set, node);
+    reason = heuristics.FilterMoves(node, moves);
+    std::vector<std::string> texts;
+    for (const TMove& m : moves) texts.push_back(MoveToText(node, m));
+    std::sort(texts.begin(), texts.end());
+    return texts;
+}
+
+using TTexts = std::vector<std::string>;
+
+TEST(SpecialHeuristics, FindForcedMateKeepsChecksAndThreats) {
+    const auto ffm = [](uint8_t mode) {
+        THeuristicSet set = With(SH_FINDFORCEDMATE);
+        set.params.ffm.mode = mode;
+        return set;
+    };
+    uint32_t reason = 0;
+    EXPECT_EQ(Filtered(ffm(kFfmCheckOnly), "7k/8/8/8/8/8/8/K5R1 w - -", 5, reason),
+              (TTexts{"Rg1-g8", "Rg1-h1"}));
+    EXPECT_EQ(reason, SH_FINDFORCEDMATE);
+    // After 1. Kf7 White threatens 2. Rh1 mate; the rook's checks are kept as checks.
+    const TTexts threats = Filtered(ffm(kFfmThreat1), "7k/8/5K2/8/8/8/8/6R1 w - -", 3, reason);
+    EXPECT_EQ(threats, (TTexts{"Kf6-f7", "Rg1-g8", "Rg1-h1"}));
+    // With one move left no threat can come true: checks only.
+    EXPECT_EQ(Filtered(ffm(kFfmThreat1), "7k/8/5K2/8/8/8/8/6R1 w - -", 1, reason),
+              (TTexts{"Rg1-g8", "Rg1-h1"}));
+    // Black's moves are never filtered.
+    EXPECT_EQ(Filtered(ffm(kFfmCheckOnly), "7k/8/5K2/8/8/8/8/6R1 b - -", 4, reason), (TTexts{"Kh8-h7"}));
+    EXPECT_EQ(reason, 0u);
+}
+
+TEST(SpecialHeuristics, OtherHeuristicsUnderFindForcedMate) {
+    const auto set = [](uint8_t others) {
+        THeuristicSet s = With(SH_FINDFORCEDMATE | SH_KEEPKINGONTHEEDGE);
+        s.params.ffm.withOtherHeuristics = others;
+        return s;
+    };
+    ExpectVerdicts({
+        {"FindForcedMate alone", set(0), kCornerKing, 9, {"Rh1-h2", "Ka8-b7"}, 0},
+        {"partially: not on the first moves",
+         set(1),
+         kCornerKing,
+         9,
+         {"Rh1-h2", "Ka8-b7"},
+         SH_KEEPKINGONTHEEDGE},
+        {"fully", set(2), kCornerKing, 9, {"Rh1-h2", "Ka8-b7"}, SH_KEEPKINGONTHEEDGE},
+    });
+}
+
+TEST(SpecialHeuristics, SkippedWhiteMoves) {
+    uint32_t reason = 0;
+    const TTexts worst = Filtered(With(SH_SKIPWORSTWHITEMOVES), "k7/8/8/3r4/8/8/8/4K2R w - -", 9, reason);
+    EXPECT_EQ(std::count(worst.begin(), worst.end(), "Rh1-h5"), 0);
+    EXPECT_EQ(std::count(worst.begin(), worst.end(), "Rh1-h4"), 1);
+    EXPECT_EQ(reason, SH_SKIPWORSTWHITEMOVES);
+    const THeuristicSet passive =
+        With(SH_SKIPWORSTWHITEMOVES, [](THeuristicParameters& p) { p.skipPassive = true; });
+    const TTexts active = Filtered(passive, "7k/8/8/8/8/8/4K3/6R1 w - -", 9, reason);
+    EXPECT_EQ(std::count(active.begin(), active.end(), "Ke2-e1"), 0);
+    EXPECT_EQ(std::count(active.begin(), active.end(), "Ke2-f3"), 1);
+    EXPECT_EQ(std::count(active.begin(), active.end(), "Rg1-g2"), 1);
+}
+
+TEST(SpecialHeuristics, OneColourPlay) {
+    uint32_t reason = 0;
+    const THeuristicSet light = With(SH_ONECOLORPLAYPOSSIBLE, [](THeuristicParameters& p) {
+        p.colourMode = TColourMode::WhiteSquaresOnly;
+    });
+    EXPECT_EQ(Filtered(light, "7k/8/8/8/8/8/7P/4K2B w - -", 9, reason),
+              (TTexts{"Bh1-a8", "Bh1-b7", "Bh1-c6", "Bh1-d5", "Bh1-e4", "Bh1-f3", "Bh1-g2", "Ke1-d1",
+                      "Ke1-e2", "Ke1-f1", "h2-h3", "h2-h4"}));
+    const THeuristicSet separated = With(SH_ONECOLORPLAYPOSSIBLE, [](THeuristicParameters& p) {
+        p.colourMode = TColourMode::SeparatedBlackBishop;
+    });
+    EXPECT_EQ(Filtered(separated, "k7/8/8/8/8/8/8/b3K3 b - -", 10, reason),
+              (TTexts{"Ka8-a7", "Ka8-b7", "Ka8-b8"}));
+    EXPECT_EQ(reason, SH_ONECOLORPLAYPOSSIBLE);
+    // A bishop that has the only moves keeps them.
+    EXPECT_EQ(Filtered(separated, "k7/2K5/1P6/8/8/8/8/b7 b - -", 10, reason).size(), 7u);
+    EXPECT_EQ(reason, 0u);
+}
+
+TEST(SpecialHeuristics, KeyWhiteFigureHoldsItsPin) {
+    const THeuristicSet key =
+        With(SH_KEYWHITEFIGURE, [](THeuristicParameters& p) { p.keyWhiteFigure = 4; });  // e1
+    uint32_t reason = 0;
+    // Re1 pins Ne7 to the immobile king: only the White king moves are searched.
+    EXPECT_EQ(Filtered(key, "3rkr2/3pnp2/8/8/8/8/8/K3R3 w - -", 9, reason),
+              (TTexts{"Ka1-a2", "Ka1-b1", "Ka1-b2"}));
+    EXPECT_EQ(reason, SH_KEYWHITEFIGURE);
+    // A king that can move lets the key figure go.
+    EXPECT_EQ(Filtered(key, "3rk3/3pnp2/8/8/8/8/8/K3R3 w - -", 9, reason).size() > 3u, true);
+    EXPECT_EQ(reason, 0u);
+}
+
+// End to end: the exception for moves that mate at once, and heuristics that never invent a mate.
+TEST(SpecialHeuristics, SearchUnderHeuristics) {
+    const TChessboard mateInTwo = test::Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 3);
+    // 1. Kf7 Kh7 2. Rh1#: the king's step away from the corner is followed by mate at once.
+    CSpecialHeuristics corner(With(SH_KEEPKINGNEARCORNER), mateInTwo);
+    TSearchEnvironment env;
+    env.heuristics = &corner;
+    EXPECT_EQ(TMateSearch(env).FindForcedMate(mateInTwo), kMate);
+    // 1. Kf7 is no mate at once and moves a tied piece.
+    CSpecialHeuristics single(With(SH_SINGLEQUEENMATE), mateInTwo);
+    env.heuristics = &single;
+    TMateSearch search(env);
+    EXPECT_EQ(search.FindForcedMate(mateInTwo), kDoubtful);
+    EXPECT_EQ(search.DoubtReason(), SH_SINGLEQUEENMATE);
+}
+
+struct TProblem {
+    std::string fen;
+    int moves;
+};
+
+// "#2" and "#3" problems of the shared collection.
+std::vector<TProblem> ShortProblems() {
+    std::ifstream in(std::string(MOREMATE_SHARED_PROBLEMS) + "/directmates.cp");
+    std::vector<TProblem> problems;
+    std::string line;
+    int moves = 0;
+    while (std::getline(in, line)) {
+        const size_t hash = line.find(" #");
+        if (!line.empty() && std::isdigit(static_cast<unsigned char>(line[0])) && hash != std::string::npos)
+            moves = std::atoi(line.c_str() + hash + 2);
+        const size_t fen = line.find("FEN: ");
+        if (fen != std::string::npos && moves >= 2 && moves <= 3)
+            problems.push_back({line.substr(fen + 5), moves});
+    }
+    return problems;
+}
+
+TEST(SpecialHeuristics, NeverInventAMate) {
+    const uint32_t masks[] = {
+        SH_KEEPKINGONTHEEDGE | SH_DONTLOSEANYFIGURES | SH_3MOVESTOMATE,
+        SH_FINDFORCEDMATE | SH_SKIPWORSTWHITEMOVES,
+        SH_ASSERTBLACKKINGSURROUNDED | SH_SAVEQUEENROOK | SH_DONTLETBLACKQUEENCHECKTWICE | SH_AREKINGSNEAR,
+    };
+    const std::vector<TProblem> problems = ShortProblems();
+    ASSERT_GE(problems.size(), 10u);
+    int mates = 0;
+    for (const TProblem& p : problems) {
+        const TChessboard board = test::Problem(p.fen, 2 * p.moves - 1);
+        const uint8_t plain = TMateSearch(TSearchEnvironment{}).FindForcedMate(board);
+        for (uint32_t mask : masks) {
+            CSpecialHeuristics heuristics(With(mask), board);
+            TSearchEnvironment env;
+            env.heuristics = &heuristics;
+            const uint8_t result = TMateSearch(env).FindForcedMate(board);
+            EXPECT_TRUE(result != kMate || plain == kMate) << p.fen << " mask " << mask;
+            EXPECT_TRUE(result != kNoMate || plain == kNoMate) << p.fen << " mask " << mask;
+            mates += result == kMate;
+        }
+    }
+    EXPECT_GT(mates, 0);
+}
+
+}  // namespace
+}  // namespace moremate

@@ -1,0 +1,169 @@
+#include "engine/search/mate_search.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/core/test_line.h"
+#include "tests/engine/map_store.h"
+
+namespace moremate {
+namespace {
+
+using test::Problem;
+using test::TestLine;
+
+struct ResultCase {
+    const char* why;
+    const char* fen;
+    int halfMoves;
+    uint8_t result;
+};
+
+TEST(FindForcedMate, ResultCodes) {
+    const ResultCase cases[] = {
+        {"the first move mates", "6k1/5ppp/8/8/8/8/8/R5K1 w - -", 1, kMate},
+        {"no mate in one", "6k1/5pp1/7p/8/8/8/8/R5K1 w - -", 1, kNoMate},
+        {"mate in two", "7k/8/5K2/8/8/8/8/6R1 w - -", 3, kMate},
+        {"stalemate is not mate", "7k/5Q2/6K1/8/8/8/8/8 b - -", 2, kNoMate},
+        {"Black mated already", "R6k/6pp/8/8/8/8/8/6K1 b - -", 2, kMate},
+        {"stalemating moves are no mates", "7k/8/5NK1/8/8/8/8/8 w - -", 1, kNoMate},
+    };
+    for (const ResultCase& c : cases) {
+        TMateSearch search(TSearchEnvironment{});
+        EXPECT_EQ(search.FindForcedMate(Problem(c.fen, c.halfMoves)), c.result) << c.why;
+    }
+}
+
+TEST(FindForcedMate, ShortestMateAndMatingMove) {
+    TMateSearch search(TSearchEnvironment{});
+    const TChessboard board = Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 7);
+    EXPECT_EQ(search.ShortestMate(board), 3);
+    const TMove m = search.MatingMove(board, 3);
+    EXPECT_FALSE(m.IsNull());
+    EXPECT_TRUE(search.MatingMove(board, 1).IsNull());
+}
+
+TEST(FindForcedMate, RegisterResultsAgreeWithPlainSearch) {
+    const ResultCase cases[] = {
+        {"#3 with a quiet key", "8/8/8/8/R7/2k5/8/4K2R w K - 0 1", 5, kMate},
+        {"#3 castling key", "8/8/pQ6/p1P5/P1p5/5p2/2k2P2/R3K3 w Q - 0 1", 5, kMate},
+        {"no #2 there", "8/8/pQ6/p1P5/P1p5/5p2/2k2P2/R3K3 w Q - 0 1", 3, kNoMate},
+    };
+    for (const ResultCase& c : cases) {
+        test::CMapStore store;
+        TSearchEnvironment env;
+        env.store = &store;
+        TMateSearch withStore(env), plain(TSearchEnvironment{});
+        const TChessboard board = Problem(c.fen, c.halfMoves);
+        EXPECT_EQ(withStore.FindForcedMate(board), c.result) << c.why;
+        EXPECT_EQ(plain.FindForcedMate(board), c.result) << c.why;
+        EXPECT_GT(store.Size(), 0u);
+        EXPECT_EQ(withStore.FindForcedMate(board), c.result) << c.why << " (from the register)";
+    }
+}
+
+TestLine Played(const TChessboard& start, std::initializer_list<const char*> moves) {
+    TestLine line(start);
+    for (const char* text : moves) line.Play(text);
+    return line;
+}
+
+TEST(FindForcedMate, RepetitionEndsTheLineWithoutSearch) {
+    const TChessboard start = Problem("4k3/8/8/8/8/8/8/RN2K3 w Q -", 11);
+    const TestLine back = Played(start, {"Nb1-c3", "Ke8-d8", "Nc3-b1", "Kd8-e8"});
+    TMateSearch search(TSearchEnvironment{});
+    EXPECT_EQ(search.FindForcedMate(back.Now()), kRepetition);
+    EXPECT_EQ(search.Nodes(), 1u);
+}
+
+TEST(FindForcedMate, RookThatCameBackMakesANewPosition) {
+    const TChessboard start = Problem("4k3/8/8/8/8/8/8/R3K3 w Q -", 11);
+    const TestLine back = Played(start, {"Ra1-a2", "Ke8-d8", "Ra2-a1", "Kd8-e8"});
+    TMateSearch search(TSearchEnvironment{});
+    EXPECT_NE(search.FindForcedMate(back.Now()), kRepetition);
+    EXPECT_GT(search.Nodes(), 1u);
+}
+
+TEST(FindForcedMate, RepetitionIsOnlyLookedForInLongProblems) {
+    const TChessboard start = Problem("4k3/8/8/8/8/8/8/RN2K3 w Q -", 9);
+    const TestLine back = Played(start, {"Nb1-c3", "Ke8-d8", "Nc3-b1", "Kd8-e8"});
+    TMateSearch search(TSearchEnvironment{});
+    EXPECT_EQ(search.FindForcedMate(back.Now()), kNoMate);
+}
+
+// A trivial rule: every move of the king of one colour makes the line doubtful.
+class CKingMustNotMove : public CHeuristicHook {
+  public:
+    explicit CKingMustNotMove(uint8_t colour) : m_nColour(colour) {}
+    uint32_t Check(const TChessboard& after) override {
+        return after.squares[after.lastMove.to] == (m_nColour | kKing) ? 0x4u : 0u;
+    }
+
+  private:
+    uint8_t m_nColour;
+};
+
+TEST(FindForcedMate, HeuristicMakesLinesDoubtfulButNeverHidesAMateAtOnce) {
+    CKingMustNotMove whiteKing(kWhite), blackKing(kBlack);
+    TSearchEnvironment env;
+    env.heuristics = &whiteKing;
+    TMateSearch search(env);
+    // The mate in two needs 1. Kf7: doubtful under the rule.
+    EXPECT_EQ(search.FindForcedMate(Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 3)), kDoubtful);
+    EXPECT_EQ(search.DoubtReason(), 0x4u);
+    // A king move that mates at once (by discovery) is never stopped.
+    EXPECT_EQ(search.FindForcedMate(Problem("6bk/7p/8/4K3/8/8/8/B7 w - -", 1)), kMate);
+    // Black's king moves in the same mate, but 1... Kh7 allows 2. Rh1 mate at once.
+    env.heuristics = &blackKing;
+    TMateSearch black(env);
+    EXPECT_EQ(black.FindForcedMate(Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 3)), kMate);
+}
+
+TEST(FindForcedMate, DoubtfulResultsAreStoredApartFromProofs) {
+    CKingMustNotMove rule(kWhite);
+    test::CMapStore store;
+    TSearchEnvironment env;
+    env.heuristics = &rule;
+    env.store = &store;
+    const TChessboard board = Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 3);
+    TMateSearch search(env);
+    EXPECT_EQ(search.FindForcedMate(board), kDoubtful);
+    EXPECT_EQ(store.Lookup(board.squares, 3), kDoubtful);
+    TMateSearch plain(TSearchEnvironment{});
+    EXPECT_EQ(plain.FindForcedMate(board), kMate);
+}
+
+// Precalculated data stand-in: settles every position where White has only the king left.
+class CBareKingHasNoMate : public CGlobalRegisterHook {
+  public:
+    bool Settle(const TChessboard& node, uint8_t& result) override {
+        ++m_nAsked;
+        if (node.whiteQueens + node.whiteRooks + node.whiteBishops + node.whiteKnights + node.whitePawns)
+            return false;
+        result = kNoMate;
+        return true;
+    }
+    int m_nAsked = 0;
+};
+
+TEST(FindForcedMate, GlobalRegisterSettlesNodesWithoutSearch) {
+    CBareKingHasNoMate hook;
+    TSearchEnvironment env;
+    env.globalRegister = &hook;
+    TMateSearch withHook(env), plain(TSearchEnvironment{});
+    // Black can take the rook at once: those lines end in the hook instead of being searched.
+    const TChessboard board = Problem("8/8/8/8/1k6/8/2R5/K7 w - -", 7);
+    EXPECT_EQ(withHook.FindForcedMate(board), plain.FindForcedMate(board));
+    EXPECT_GT(hook.m_nAsked, 0);
+    EXPECT_LT(withHook.Nodes(), plain.Nodes());
+}
+
+TEST(FindForcedMate, StopRequestUnwindsTheSearch) {
+    std::atomic<bool> stop{true};
+    TSearchEnvironment env;
+    env.stop = &stop;
+    TMateSearch search(env);
+    EXPECT_THROW(search.FindForcedMate(Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 5)), TSearchStopped);
+}
+
+}  // namespace
+}  // namespace moremate

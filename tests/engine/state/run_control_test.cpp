@@ -1,0 +1,160 @@
+#include "engine/state/run_control.h"
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <thread>
+
+#include "engine/passes/run_register.h"
+#include "engine/passes/solver.h"
+#include "engine/run/progress_tick.h"
+#include "engine/state/solving_run.h"
+#include "tests/core/test_line.h"
+
+namespace moremate {
+namespace {
+
+constexpr const char* kMateInFour = "B3k2r/2pp1p1p/1p3B2/1np1p2p/Q7/8/8/R3K3 w Qk - 0 1";
+
+TSolveRequest AllSolutions(CRunRegister& reg, CRunControl& control) {
+    TSolveRequest request;
+    request.position = test::Problem(kMateInFour, 7);
+    request.allSolutions = true;
+    request.threads = 2;
+    request.environment.store = &reg;
+    request.environment.control = &control;
+    return request;
+}
+
+std::vector<TMove> Keys(const TSolveResult& result) {
+    std::vector<TMove> keys;
+    for (const TKey& key : result.keys) keys.push_back(key.move);
+    return keys;
+}
+
+void WaitUntilHeld(const CRunControl& control, int threads) {
+    while (control.HeldThreads() < threads) std::this_thread::yield();
+}
+
+// Paused before it starts, a run holds each of its search threads at the first node they reach.
+TEST(ConcurrentRunControl, PauseHoldsEverySearchThreadUntilResumeOrStop) {
+    CRunRegister freeRegister(20'000), heldRegister(20'000), stoppedRegister(20'000);
+    CRunControl free, held, stopped;
+    const TSolveResult expected = Solve(AllSolutions(freeRegister, free), free.StopFlag());
+    ASSERT_EQ(expected.keys.size(), 1u);
+
+    held.Pause();
+    TSolveResult resumed;
+    std::thread run([&] { resumed = Solve(AllSolutions(heldRegister, held), held.StopFlag()); });
+    WaitUntilHeld(held, 2);
+    held.Resume();
+    run.join();
+    EXPECT_FALSE(resumed.stopped);
+    EXPECT_EQ(Keys(resumed), Keys(expected));
+
+    stopped.Pause();
+    TSolveResult ended;
+    {
+        const CSolvingRunScope run(5, false);
+        std::thread stoppedRun(
+            [&] { ended = Solve(AllSolutions(stoppedRegister, stopped), stopped.StopFlag()); });
+        WaitUntilHeld(stopped, 2);
+        stopped.Stop();
+        stoppedRun.join();
+        const std::string state = RunStateReport();
+        EXPECT_NE(state.find("g_bStopPending=1\n"), std::string::npos) << state;
+        EXPECT_NE(state.find("setProblemsBeingStoppedIds=1\n"), std::string::npos) << state;
+    }
+    EXPECT_NE(RunStateReport().find("g_bStopPending=0\n"), std::string::npos);
+    EXPECT_TRUE(ended.stopped);
+    EXPECT_TRUE(stopped.StoppedByUser());
+    EXPECT_FALSE(free.StoppedByUser());
+}
+
+// A skip ends the first move being analysed, as not proven, and the others are searched as ever.
+TEST(ConcurrentRunControl, SkipEndsTheMoveBeingAnalysedAndGoesOnWithTheNext) {
+    const TChessboard root = test::Problem(kMateInFour, 7);
+    TMoveList moves;
+    GenerateLegalMoves(root, moves);
+    const auto results = [&](CRunControl* control) {
+        CRunRegister reg(20'000);
+        TSearchEnvironment env;
+        env.store = &reg;
+        env.control = control;
+        TMateSearch search(env);
+        std::vector<uint8_t> out;
+        if (control) control->FirstMovesStarted(static_cast<size_t>(moves.count));
+        for (int i = 0; i < moves.count; ++i) {
+            TChessboard child;
+            PlayMove(root, moves.moves[i], child);
+            const auto find = [&] { return search.FindForcedMate(child); };
+            out.push_back(control ? control->AnalyseFirstMove(static_cast<size_t>(i), find) : find());
+        }
+        return out;
+    };
+    const std::vector<uint8_t> expected = results(nullptr);
+
+    CRunControl control;
+    EXPECT_FALSE(control.Skip());  // nothing analysed yet: the engine cannot take it
+    control.Pause();
+    std::vector<uint8_t> skipped;
+    std::thread run([&] { skipped = results(&control); });
+    WaitUntilHeld(control, 1);
+    EXPECT_TRUE(control.Skip());
+    EXPECT_FALSE(control.Skip());  // the only move being analysed is skipped already
+    control.Resume();
+    run.join();
+    ASSERT_EQ(skipped.size(), expected.size());
+    EXPECT_EQ(skipped[0], kDoubtful);
+    EXPECT_EQ(std::vector<uint8_t>(skipped.begin() + 1, skipped.end()),
+              std::vector<uint8_t>(expected.begin() + 1, expected.end()));
+    EXPECT_EQ(control.Pass().percent, 100.0);
+    EXPECT_FALSE(control.Skip());
+    // A later part of the skipped move (a defence another thread takes) is not searched; the next
+    // round of first moves searches the move again.
+    const auto mate = [] { return uint8_t{kMate}; };
+    EXPECT_EQ(control.AnalyseFirstMove(0, mate), kDoubtful);
+    control.FirstMovesStarted(static_cast<size_t>(moves.count));
+    EXPECT_EQ(control.AnalyseFirstMove(0, mate), kMate);
+}
+
+TEST(ConcurrentProgressTick, TicksCarryThePassUnderWayUntilStopped) {
+    CRunControl control;
+    std::atomic<uint64_t> nodes{12345};
+    std::mutex mutex;
+    std::condition_variable ticked;
+    std::vector<TRunProgress> ticks;
+    const auto count = [&] {
+        std::lock_guard lock(mutex);
+        return ticks.size();
+    };
+    const auto waitFor = [&](size_t n) {
+        std::unique_lock lock(mutex);
+        ticked.wait(lock, [&] { return ticks.size() >= n; });
+    };
+    CProgressTick tick(
+        TProgressSources{&control, &nodes, nullptr, [] { return std::string("2 threads"); }},
+        [&](const TRunProgress& progress) {
+            {
+                std::lock_guard lock(mutex);
+                ticks.push_back(progress);
+            }
+            ticked.notify_all();
+        },
+        std::chrono::milliseconds(1));
+    waitFor(1);
+    control.PassStarted(1, "b", 0x10);
+    waitFor(count() + 2);  // the tick under way may have read the progress before the pass started
+    tick.Stop();
+    const size_t stoppedAt = count();
+    tick.Stop();
+    EXPECT_EQ(count(), stoppedAt);
+    EXPECT_EQ(ticks.front().passStatus, "Initial position type check...");
+    EXPECT_EQ(ticks.back().passStatus, "Pass 1b, 0.0% 12345 SH:10h,TR:0(0)");
+    EXPECT_EQ(ticks.back().nodes, 12345u);
+    EXPECT_EQ(ticks.back().threadFigures, "2 threads");
+    for (size_t i = 1; i < ticks.size(); ++i) EXPECT_LE(ticks[i - 1].elapsed, ticks[i].elapsed);
+}
+
+}  // namespace
+}  // namespace moremate

@@ -1,0 +1,125 @@
+#include "problems/annotations/problem_variants.h"
+
+#include <gtest/gtest.h>
+
+#include "core/chess_exception.h"
+#include "core/notation.h"
+#include "problems/annotations/predefined_sort_indications.h"
+#include "problems/annotations/variant_commands.h"
+#include "tests/problems/problem_text.h"
+
+namespace moremate {
+namespace {
+
+using testing::ReadOne;
+
+const std::string kRecordBody = "{\n\tFEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n}\n";
+
+ProblemEntry Problem(const std::string& variantLines = "") {
+    const std::string block = variantLines.empty() ? "" : "//!VARIANTS\n" + variantLines + "//!ENDVARIANTS\n";
+    return ReadOne("1 #3\n" + block + kRecordBody);
+}
+
+std::string LineError(const std::string& line) {
+    try {
+        ParseVariantLine(line, Problem().m_position.board);
+    } catch (const ChessException& e) {
+        return e.what();
+    }
+    return "";
+}
+
+TEST(VariantLines, WrittenLinesReadBackAsTheSameVariant) {
+    const ProblemEntry entry = Problem();
+    const TChessboard& start = entry.m_position.board;
+    const std::vector<std::vector<TMove>> lines = {
+        {},
+        ParseVariantLine("x: Qa7-a3+ Kc1-c2 Qa3-a2+", start).vMoves,
+        ParseVariantLine("x: 0-0 Kc1-d2 Rf1-f2+ Kd2-c3 Qa7-a1", start).vMoves,
+    };
+    for (const std::string name : {"Main variant", "{Variant2}", "a: b: c", "with ::", "x:"}) {
+        for (const std::vector<TMove>& moves : lines) {
+            const std::string line = VariantLine(start, name, moves);
+            const TVariant variant = ParseVariantLine(line, start);
+            EXPECT_EQ(variant.sName, name) << line;
+            EXPECT_EQ(variant.vMoves, moves) << line;
+        }
+    }
+    EXPECT_EQ(VariantLine(start, "Main variant", lines[1]), "Main variant: 1. Qa7-a3+ Kc1-c2 2. Qa3-a2+");
+}
+
+TEST(VariantLines, Messages) {
+    EXPECT_EQ(LineError("v: 1. Qa7-a3+ Kc1-b2"), "Move Kc1-b2 in the stored variant is invalid");
+    EXPECT_EQ(LineError("v: Qa7-h8"), "Move Qa7-h8 in the stored variant is invalid");
+    EXPECT_EQ(LineError("no name"), "An error occurred.");
+    std::string shuffle;
+    for (size_t i = 0; i < kMaxVariantMoves / 4 + 1; ++i) shuffle += " Rh1-h2 Kc1-b1 Rh2-h1 Kb1-c1";
+    EXPECT_EQ(LineError("long:" + shuffle),
+              "The stored variant is too long: " + std::to_string(kMaxVariantMoves + 4) + " moves");
+    EXPECT_EQ(LineError("fits:" + shuffle.substr(0, shuffle.size() - 28)), "");
+}
+
+TEST(VariantLines, UnreadableStoredLinesAreSkippedWithAMessage) {
+    const ProblemEntry entry = Problem("//!Main variant: 1. Qa7-a3+\n//!Bad: 1. Qa7-h8\n//!Empty:\n");
+    const TVariantReading reading = ReadVariants(entry);
+    EXPECT_EQ(reading.variants.size(), 2u);
+    EXPECT_TRUE(reading.variants.at("Empty").empty());
+    EXPECT_EQ(reading.vsMessages, std::vector<std::string>{"Move Qa7-h8 in the stored variant is invalid"});
+}
+
+TEST(VariantCommands, StoreRenameDeleteAndTheirQuestions) {
+    ProblemEntry entry = Problem("//!Main variant: 1. Qa7-a3+\n");
+    CRecordingReporter reporter;
+    const TUserQuestions questions{&reporter, kEnglish};
+    const std::vector<TMove> key = ParseVariantLine("k: Rh1-h2", entry.m_position.board).vMoves;
+
+    EXPECT_TRUE(StoreVariant(entry, "Try", key, questions));
+    reporter.QueueAnswer(ReportAnswer::No);
+    EXPECT_FALSE(StoreVariant(entry, "Main variant", key, questions));
+    EXPECT_FALSE(RenameVariant(entry, "Try", "Main variant", questions));
+    EXPECT_FALSE(RenameVariant(entry, "Nothing", "New", questions));
+    EXPECT_TRUE(RenameVariant(entry, "Try", "Key", questions));
+    reporter.QueueAnswer(ReportAnswer::No);
+    EXPECT_FALSE(DeleteVariant(entry, "Key", questions));
+    EXPECT_FALSE(StoreVariant(entry, "Illegal", {TMove{4, 3, 0}}, questions));
+
+    const std::vector<CRecordingReporter::TReport> reports = reporter.Reports();
+    ASSERT_EQ(reports.size(), 5u);
+    EXPECT_EQ(reports[0].sText, "Variant\"Main variant\" already exists. Do you want to overwrite it?\n");
+    EXPECT_EQ(reports[0].sTitle, "Question");
+    EXPECT_EQ(reports[1].sText,
+              "Cannot rename variant\"Try\" to \"Main variant\" (such variant already exists)");
+    EXPECT_EQ(reports[2].sText, "An error occurred.");
+    EXPECT_EQ(reports[3].sText, "Do you really want to delete variant\"Key\"");
+    EXPECT_EQ(reports[4].sText, "Move Ke1-d1 in the stored variant is invalid");
+    EXPECT_EQ(entry.m_annotations.vsVariantLines,
+              (std::vector<std::string>{"Key: 1. Rh1-h2", "Main variant: 1. Qa7-a3+"}));
+
+    EXPECT_TRUE(DeleteVariant(entry, "Key", questions));
+    EXPECT_EQ(ReadOne(WriteCollectionText({entry})), entry);
+}
+
+TEST(PredefinedSortIndications, MoveNumbersDropped) {
+    EXPECT_EQ(WithoutMoveNumbers("1. Qf2-b6+ Kb4-a3 2. Qb6-a5+ 1...Ka3 12 x"),
+              " Qf2-b6+ Kb4-a3  Qb6-a5+ Ka3  x");
+    EXPECT_EQ(WithoutMoveNumbers("Rh2:h7+ a1b2"), "Rh2:h7+ a1b2");
+}
+
+TEST(PredefinedSortIndications, KnownCompositionsBecomeNumberedVariants) {
+    ProblemEntry entry = ReadOne("3 #8\n{\n\tFEN: 8/8/8/8/1k6/1p6/pp1p1Q2/rrbK4 w - - 0 1\n}\n");
+    EXPECT_EQ(AddPredefinedVariants(entry, {}), 1u);
+    EXPECT_EQ(entry.m_annotations.vsVariantLines, std::vector<std::string>{"{Variant1}: 1. Qf2-b6+"});
+    EXPECT_EQ(AddPredefinedVariants(entry, {}), 0u);  // the variant is there already
+
+    ProblemEntry unknown = Problem();
+    EXPECT_EQ(AddPredefinedVariants(unknown, {}), 0u);
+    EXPECT_THROW(VariantsFromSolutions({"1. Qf2-b6+", "1. Qf2-h8"}, entry.m_position.board), ChessException);
+    try {
+        VariantsFromSolutions({"1. Qf2-h8"}, entry.m_position.board);
+    } catch (const ChessException& e) {
+        EXPECT_STREQ(e.what(), "Error in predefined sort indications.");
+    }
+}
+
+}  // namespace
+}  // namespace moremate

@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+
+#include "problems/format/record_writer.h"
+#include "tests/problems/problem_text.h"
+
+namespace moremate {
+namespace {
+
+using testing::ReadAll;
+
+std::string Record(int number, const char* stipulation, const char* description) {
+    return std::to_string(number) + " " + stipulation + "\n{\n\tDescription: " + description +
+           "\n\tFEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n}\n";
+}
+
+TEST(Collections, LaterRecordOfANumberReplacesTheEarlierInItsPlace) {
+    CRecordingReporter reporter;
+    std::string log;
+    TCollectionReading reading;
+    reading.questions.pReporter = &reporter;
+    reading.log = [&](const std::string& line) { log += line; };
+    const std::vector<ProblemEntry> entries =
+        ReadAll("UTF-8\n\n" + Record(7, "#2", "first") + Record(3, "#2", "other") + Record(7, "#3", "second"),
+                reading);
+
+    ASSERT_EQ(entries.size(), 2u);
+    EXPECT_EQ(entries[0].m_nNumber, 7u);
+    EXPECT_EQ(entries[0].m_sDescription, "second");
+    EXPECT_EQ(entries[0].m_nPlies, 5);
+    EXPECT_EQ(entries[1].m_nNumber, 3u);
+    EXPECT_EQ(log, "Problem 7 read from file.\nProblem 3 read from file.\nProblem 7 read from file.\n");
+    const auto reports = reporter.Reports();
+    ASSERT_EQ(reports.size(), 1u);
+    EXPECT_EQ(reports[0].sTitle, "Warning");
+    EXPECT_EQ(reports[0].sText, "Problem id 7 defined more than once - the last definition prevails.");
+}
+
+TEST(Collections, EncodingMarkIsOptional) {
+    for (const std::string prefix : {"", "UTF-8\n\n", "utf-8 ", "\xEF\xBB\xBFUTF-8\n"}) {
+        const std::vector<ProblemEntry> entries =
+            ReadAll(prefix + Record(1, "#2", "a") + Record(2, "#2", "b"));
+        EXPECT_EQ(entries.size(), 2u) << prefix;
+    }
+    EXPECT_TRUE(ReadAll("UTF-8\n\n").empty());
+    EXPECT_TRUE(ReadAll("").empty());
+}
+
+TEST(Collections, ReadingAFileReplacesOrAppends) {
+    testing::CTempFolder folder;
+    const auto first = folder.Write("first.cp", "UTF-8\n\n" + Record(1, "#2", "a") + Record(2, "#2", "b"));
+    const auto second = folder.Write("second.cp", "UTF-8\n\n" + Record(2, "#3", "c") + Record(5, "#2", "d"));
+    std::vector<ProblemEntry> entries;
+    ReadCollectionFile(first, entries, false, {});
+    ReadCollectionFile(second, entries, true, {});
+    ASSERT_EQ(entries.size(), 3u);
+    EXPECT_EQ(entries[1].m_sDescription, "c");
+    ReadCollectionFile(second, entries, false, {});
+    EXPECT_EQ(entries.size(), 2u);
+    try {
+        ReadCollectionFile(folder.File("missing.cp"), entries, false, {});
+        FAIL();
+    } catch (const ChessException& error) {
+        EXPECT_EQ(error.what(), "Error opening file: " + folder.File("missing.cp").string());
+    }
+}
+
+TEST(Collections, EmptySlotsAreNotWritten) {
+    std::vector<ProblemEntry> entries = ReadAll(Record(1, "#2", "a") + Record(2, "#2", "b"));
+    entries[0].m_nNumber = kEmptySlotNumber;
+    EXPECT_EQ(WriteCollectionText(entries), "UTF-8\n\n" + WriteRecord(entries[1]));
+}
+
+TEST(Collections, EveryFeatureSurvivesWritingAndReading) {
+    const std::string text =
+        "UTF-8\n"
+        "3 s#3 guicheckbestdefence 2 THREADS 8 SafeMode Requires KQKR\n"
+        "//#TAGS\n//#2nd prize\n//!VARIANTS\n//!Main variant: a7-f2\n//!ENDVARIANTS\n"
+        "//@SortIndications: a7-f2\n//@tmpreg=12\n"
+        "{ DESC: Selfmate\n W: Ke1, Qa7, Rh1, Pb2 B: Kc1, Pb3 SWM: a7-f2, h1-h3 }\n"
+        "4 NoMirror { FEN: r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1\n Moves: 1. 0-0 0-0-0\n}\n";
+    const std::vector<ProblemEntry> entries = ReadAll(text);
+    ASSERT_EQ(entries.size(), 2u);
+    const std::string written = WriteCollectionText(entries);
+    EXPECT_EQ(ReadAll(written), entries);
+    EXPECT_EQ(WriteCollectionText(ReadAll(written)), written);
+}
+
+struct TSharedCollection {
+    const char* sFile;
+    size_t nProblems;
+};
+
+class SharedCollections : public ::testing::TestWithParam<TSharedCollection> {};
+
+TEST_P(SharedCollections, ReadWriteReadGivesTheSameRecords) {
+    const std::string original =
+        testing::FileText(std::string(MOREMATE_SHARED_PROBLEMS) + "/" + GetParam().sFile);
+    ASSERT_FALSE(original.empty());
+    const std::vector<ProblemEntry> entries = ReadAll(original);
+    ASSERT_EQ(entries.size(), GetParam().nProblems);
+    const std::string written = WriteCollectionText(entries);
+    EXPECT_EQ(ReadAll(written), entries);
+    EXPECT_EQ(WriteCollectionText(ReadAll(written)), written);
+    EXPECT_EQ(written, original);  // the collections are kept in the canonical layout
+}
+
+INSTANTIATE_TEST_SUITE_P(Collections, SharedCollections,
+                         ::testing::Values(TSharedCollection{"directmates.cp", 55},
+                                           TSharedCollection{"longmates.cp", 3},
+                                           TSharedCollection{"matetrack.cp", 111}),
+                         [](const auto& info) {
+                             std::string name = info.param.sFile;
+                             return name.substr(0, name.find('.'));
+                         });
+
+}  // namespace
+}  // namespace moremate

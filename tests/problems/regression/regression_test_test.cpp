@@ -1,0 +1,186 @@
+#include "problems/regression/regression_test.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "core/chessboard_id.h"
+#include "problems/annotations/mirrored_entry.h"
+#include "problems/format/collection_reader.h"
+#include "problems/regression/solved_problems_db.h"
+#include "tests/problems/problem_text.h"
+
+namespace moremate {
+namespace {
+
+const std::filesystem::path kData = MOREMATE_TEST_DATA;
+
+// Problem 2 of small.cp three times: tested both ways, only as its mirror, never mirrored.
+const char* const kMirrorCollection =
+    "2 #3\n{\n FEN: 8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1\n Answer: d2-c1, d2-c2, d2-c3, e3-b6\n}\n"
+    "5 #3 MirrorOnly\n{\n FEN: 8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1\n Answer: d2-c1, d2-c2, d2-c3, e3-b6\n}\n"
+    "6 #3 NoMirror\n{\n FEN: 8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1\n Answer: d2-c1, d2-c2, d2-c3, e3-b6\n}\n";
+
+class RegressionTestTest : public ::testing::Test {
+  protected:
+    TRegressionTestResult Run(const std::vector<ProblemEntry>& entries,
+                              const std::filesystem::path& collection) {
+        m_settings.logFolder = m_folder.Path();
+        return RunRegressionTest(entries, collection, m_settings, m_solve, m_options,
+                                 [this](const std::string& line) { m_printed += line; });
+    }
+    TRegressionTestResult RunFile(const std::filesystem::path& file) {
+        std::vector<ProblemEntry> entries;
+        ReadCollectionFile(file, entries, false, {});
+        return Run(entries, file);
+    }
+
+    testing::CTempFolder m_folder;
+    TRegressionTestSettings m_settings;
+    TSolveSettings m_solve;
+    TOptions m_options;
+    std::string m_printed;
+};
+
+TEST_F(RegressionTestTest, ShortTestWritesHeadingAndOneLinePerProblem) {
+    m_settings.bShort = true;
+    m_solve.timeLimitSeconds = 5;
+    const TRegressionTestResult result = RunFile(kData / "small.cp");
+    EXPECT_TRUE(result.bAnyFailed);  // the selfmate cannot be solved
+    EXPECT_TRUE(std::regex_match(result.logFile.filename().string(),
+                                 std::regex(R"(RegressionTest_\d{4}_\d\d_\d\d__\d\d_\d\d_\d\d\.log)")));
+    const std::string log = testing::FileText(result.logFile);
+    EXPECT_EQ(log, m_printed);
+    EXPECT_TRUE(std::regex_search(
+        log,
+        std::regex(
+            R"(^Short regression test \(64 sec\.\) started of \d{4}-\d\d-\d\d \d\d:\d\d:\d\d, file .*small\.cp\n)")));
+    EXPECT_TRUE(std::regex_search(
+        log, std::regex(R"(\n\[SnglSolution, 1thrd\(s\)\] Test #1 M1 ok \(\d+ msec\)\.\n)")));
+    EXPECT_TRUE(std::regex_search(
+        log, std::regex(R"(\n\[SnglSolution, 1thrd\(s\)\] Test #2 M1 ok \(\d+ msec\)\.\n)")));
+    EXPECT_TRUE(std::regex_search(
+        log, std::regex(R"(\n\[SnglSolution, 1thrd\(s\)\] Prob\.#3 M1 No solution \(\d+ msec\)\.\n)")));
+    EXPECT_NE(log.find("\nFailed: [SnglSolution, 1thrd(s)] Test #4 M1 failed: Only mate problems (type=1) "
+                       "supported currently.\n"),
+              std::string::npos);
+    EXPECT_EQ(m_solve.timeLimitSeconds, 5);  // the caller's limit is back
+}
+
+TEST_F(RegressionTestTest, WrongAnswerFailsWithFoundAndExpectedKeys) {
+    m_options.m_nShortRegTestSeconds = 30;
+    m_settings.bShort = true;
+    m_solve.allSolutions = true;
+    const TRegressionTestResult result = RunFile(kData / "wrong_answer.cp");
+    EXPECT_TRUE(result.bAnyFailed);
+    const std::string log = testing::FileText(result.logFile);
+    EXPECT_TRUE(log.starts_with("Short regression test (30 sec.) started of ")) << log;
+    EXPECT_NE(log.find("\nFailed: [AllSolutions, 1thrd(s)] Test #7 M1 failed:\n\tfound:\na7-f2\n\tshould "
+                       "be:\na7-a1\n"),
+              std::string::npos)
+        << log;
+}
+
+TEST_F(RegressionTestTest, FullTestHeadingAndLoops) {
+    std::vector<ProblemEntry> entries = testing::ReadAll(kMirrorCollection);
+    entries.resize(1);
+    m_settings.nLoops = 2;
+    const TRegressionTestResult result = Run(entries, "mirror.cp");
+    EXPECT_FALSE(result.bAnyFailed);
+    const std::regex heading(R"((^|\n)Regression test started of [-0-9 :]+, file mirror\.cp\n)");
+    const std::string log = testing::FileText(result.logFile);
+    EXPECT_EQ(std::distance(std::sregex_iterator(log.begin(), log.end(), heading), std::sregex_iterator()),
+              2);
+}
+
+TEST_F(RegressionTestTest, MirroredPositionsFollowNoMirrorAndMirrorOnly) {
+    m_settings.bWithMirror = true;
+    m_settings.databaseFolder = m_folder.File(kSolvedProblemsFolder);
+    const std::vector<ProblemEntry> entries = testing::ReadAll(kMirrorCollection);
+    const TRegressionTestResult result = Run(entries, "mirror.cp");
+    EXPECT_FALSE(result.bAnyFailed) << m_printed;
+    const std::regex line(R"((Mirror: )?\[SnglSolution, 1thrd\(s\)\] Test #(\d) M1 ok \(\d+ msec\)\.)");
+    std::vector<std::string> tested;
+    for (std::sregex_iterator it(m_printed.begin(), m_printed.end(), line), end; it != end; ++it)
+        tested.push_back((*it)[1].str() + (*it)[2].str());
+    EXPECT_EQ(tested, (std::vector<std::string>{"2", "Mirror: 2", "Mirror: 5", "6"}));
+
+    const std::vector<TSolvedProblemRow> rows =
+        ReadSolvedProblems(m_folder.File(kSolvedProblemsFolder) / "mirror.cpdb");
+    ASSERT_EQ(rows.size(), 4u);
+    EXPECT_EQ(rows[0].nProblem, 2u);
+    EXPECT_FALSE(rows[0].bMirrored);
+    EXPECT_TRUE(rows[1].bMirrored);
+    EXPECT_EQ(rows[0].sPositionId, ToAlphanum6(EncodeId(entries[0].m_position.board.squares)));
+    EXPECT_EQ(rows[1].sPositionId, ToAlphanum6(EncodeId(MirroredEntry(entries[0]).m_position.board.squares)));
+    EXPECT_EQ(rows[0].sStipulation, "#3");
+    EXPECT_EQ(rows[0].sResult, "solved");
+    EXPECT_NE(std::string("d2-c1 d2-c2 d2-c3 e3-b6").find(rows[0].sKeys), std::string::npos);
+    EXPECT_NE(std::string("e2-f1 e2-f2 e2-f3 d3-g6").find(rows[1].sKeys), std::string::npos);
+    EXPECT_EQ(rows[0].sSettings, "[SnglSolution, 1thrd(s)] time limit 0 sec.");
+    EXPECT_EQ(rows[2].nProblem, 5u);
+    EXPECT_TRUE(rows[2].bMirrored);
+}
+
+TEST_F(RegressionTestTest, ChecksAndExpectedOrdersOfBothPositions) {
+    m_settings.bWithMirror = true;
+    const TRegressionTestResult result = RunFile(kData / "checks.cp");
+    EXPECT_TRUE(result.bAnyFailed);
+    const std::string log = testing::FileText(result.logFile);
+    // The variants, the sort indications and the line of LookForBestDefencesAfter are mirrored too.
+    for (
+        const char* ok :
+        {R"(\n\[SnglSolution, 1thrd\(s\)\] Test #1 M1 ok \(\d+ msec\)\.\n)",
+         R"(\nMirror: \[SnglSolution, 1thrd\(s\)\] Test #1 M1 ok \(\d+ msec\)\.\n)",
+         R"(\n\[SnglSolution, 1thrd\(s\)\] Test #4 M1 ok \(\d+ msec\) - ExpectedSortWhiteMovesOnly\.\n)",
+         R"(\nMirror: \[SnglSolution, 1thrd\(s\)\] Test #4 M1 ok \(\d+ msec\) - ExpectedSortWhiteMovesOnly\.\n)"})
+        EXPECT_TRUE(std::regex_search(log, std::regex(ok))) << ok << "\n" << log;
+    for (const char* failed :
+         {"\nFailed: [SnglSolution, 1thrd(s)] Test #2 M1 failed: Requires clause not satisfied\n"
+          "Failed: [SnglSolution, 1thrd(s)] Test #2 M1 failed: RequiresSyzygy not satisfied\n"
+          "Failed: [SnglSolution, 1thrd(s)] Test #2 M1 failed: Error in best defence:\n\nexpected "
+          "d7-c8\nfound d7-e8\n",
+          "\nFailed: Mirror: [SnglSolution, 1thrd(s)] Test #2 M1 failed: Error in bestDefences "
+          "(LookForBestDefencesAfter):\n\n expected defence but not found by engine: e7-f8\n",
+          "\nFailed: Mirror: [SnglSolution, 1thrd(s)] Test #3 M1 failed: Error in auxMate:\n\nexpected "
+          "f8-f3\n",
+          "\nFailed: [SnglSolution, 1thrd(s)] Test #5 M1 failed:\n\tfound:\ne8-e5, c8-c2\n\tshould "
+          "be:\nc8-c2, e8-e5\n"})
+        EXPECT_NE(log.find(failed), std::string::npos) << failed << "\n" << log;
+}
+
+TEST(RegressionTestInLoop, AskedOnlyWhenTheOptionIsOn) {
+    CRecordingReporter reporter;
+    TOptions options;
+    EXPECT_FALSE(RunInLoop(options, {&reporter, kEnglish}));
+    EXPECT_TRUE(reporter.Reports().empty());
+    options.m_bRunRegressionTestInLoop = true;
+    reporter.QueueAnswer(ReportAnswer::No);
+    EXPECT_FALSE(RunInLoop(options, {&reporter, kEnglish}));
+    reporter.QueueAnswer(ReportAnswer::Yes);
+    EXPECT_TRUE(RunInLoop(options, {&reporter, kPolish}));
+    ASSERT_EQ(reporter.Reports().size(), 2u);
+    EXPECT_EQ(reporter.Reports()[0].sText,
+              "Ini setting RunRegressionTestInLoop is ON.\n\nDo you want to use it?");
+    EXPECT_EQ(reporter.Reports()[1].sTitle, "Pytanie");
+}
+
+TEST(MirroredEntry, ReflectsBoardAnswerAndDescriptionAndLosesCastling) {
+    const ProblemEntry entry = testing::ReadOne(
+        "1 #2\n{\n Description: castling\n FEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n Answer: a7-f2\n}\n");
+    const ProblemEntry mirrored = MirroredEntry(entry);
+    EXPECT_EQ(mirrored.m_position.board.squares[MakeSquare(7, 6)],
+              entry.m_position.board.squares[MakeSquare(0, 6)]);
+    EXPECT_EQ(mirrored.m_position.board.squares[MakeSquare(0, 0)],
+              entry.m_position.board.squares[MakeSquare(7, 0)]);
+    EXPECT_EQ(mirrored.m_position.board.WhiteKingSquare(), MakeSquare(3, 0));
+    EXPECT_EQ(mirrored.m_position.board.castling, 0);
+    ASSERT_EQ(mirrored.m_vAnswer.size(), 1u);
+    EXPECT_EQ(mirrored.m_vAnswer[0].from, MakeSquare(7, 6));
+    EXPECT_EQ(mirrored.m_vAnswer[0].to, MakeSquare(2, 1));
+    EXPECT_EQ(mirrored.m_sDescription, "Mirror: castling");
+    EXPECT_EQ(MirroredEntry(mirrored), entry);  // toggled back, rights restored from the position
+}
+
+}  // namespace
+}  // namespace moremate
