@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <set>
 
 #include "commands.h"
@@ -73,6 +74,8 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
     args.settings.run.control = &control;
     args.settings.run.reporter = &context.reporter;
     if (line.Terminal()) args.settings.run.onProgress = [&line](const TRunProgress& p) { line.Show(p); };
+    TSolveSummary summary;
+    const auto start = std::chrono::steady_clock::now();
     for (const ProblemEntry& entry : entries) {
         if (!Selected(args, entry.m_nNumber)) continue;
         const std::optional<std::string> registerLoad =
@@ -83,9 +86,14 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
         report.registerLoad = registerLoad;
         fmt::print("{}", args.json ? ReportJson(report) : ReportText(report));
         std::fflush(stdout);
+        summary.Add(report);
         if (report.match == false || report.error || !report.failedChecks.empty()) allMatched = false;
         if (control.StoppedByUser()) break;
     }
+    summary.msec =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
+            .count();
+    fmt::print(args.json ? stderr : stdout, "{}", SummaryText(summary));
     if (args.registerStats && runRegister) PrintRegisterStatistics(*runRegister);
     if (!args.saveRegister.empty() && runRegister) SaveRunRegister(args.saveRegister, *runRegister);
     if (!readError.empty()) return kExitBadInput;

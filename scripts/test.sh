@@ -4,6 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
+python3 scripts/check_includes.py
 build=build
 flags=(-DCMAKE_BUILD_TYPE=Release)
 if [ -n "${SANITIZE:-}" ]; then

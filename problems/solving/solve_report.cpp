@@ -31,6 +31,21 @@ std::string ReportText(const TProblemReport& r) {
     return text;
 }
 
+void TSolveSummary::Add(const TProblemReport& report) {
+    ++problems;
+    if (report.result == "solved") ++solved;
+    if (report.match) {
+        ++withAnswer;
+        if (*report.match) ++agreeing;
+    }
+}
+
+std::string SummaryText(const TSolveSummary& s) {
+    return fmt::format("Summary: {} problem{}, {} solved, {} of {} agreeing with their answers, {:.1f} s\n",
+                       s.problems, s.problems == 1 ? "" : "s", s.solved, s.agreeing, s.withAnswer,
+                       static_cast<double>(s.msec) / 1000);
+}
+
 std::string ReportJson(const TProblemReport& r) {
     nlohmann::json j;
     j["problem"] = r.problem;

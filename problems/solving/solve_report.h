@@ -34,7 +34,20 @@ struct TProblemReport {
     std::optional<std::string> registerLoad;     // the load report of the register the record refers to
 };
 
+// The closing line of a run over a collection: how many problems ran, how many were solved and how
+// many of those with an answer agree with it, and the time the whole run took.
+struct TSolveSummary {
+    unsigned problems = 0;
+    unsigned solved = 0;
+    unsigned withAnswer = 0;
+    unsigned agreeing = 0;
+    long long msec = 0;
+
+    void Add(const TProblemReport& report);
+};
+
 std::string ReportText(const TProblemReport& report);
+std::string SummaryText(const TSolveSummary& summary);
 std::string ReportJson(const TProblemReport& report);
 
 }  // namespace moremate

@@ -46,6 +46,8 @@ check "json fields" 0 '"keys":\["a7-f2"\],"match":true' -- solve "$data/small.cp
 check "json without answer" 0 '"expected":null,"found":\[\],"keys":\[\],"match":null.*"result":"no solution"' -- solve "$data/small.cp" --problem 3 --json
 check "selfmates are refused" 1 'Only mate problems \(type=1\) supported currently\.' -- solve "$data/small.cp" --problem 4
 check "a wrong answer gives status 1" 1 'DIFFERS from the answer: a7-a1' -- solve "$data/wrong_answer.cp"
+check "a run closes with its summary" 1 '^Summary: 1 problem, 1 solved, 0 of 1 agreeing with their answers, [0-9.]+ s$' -- solve "$data/wrong_answer.cp"
+check "a json run closes with the summary on stderr" 0 '^Summary: 2 problems, 1 solved, 1 of 1 agreeing' -- solve "$data/small.cp" --problem 1 --problem 3 --json
 check "a broken collection names the fault" 2 'Opening bracket expected \{ or unrecognized option encountered: NOSUCHOPTION' -- solve "$data/broken.cp"
 check "records before the fault are solved" 2 'Problem 1 #2: solved' -- solve "$data/broken.cp"
 check "missing collection" 2 '' -- solve "$data/no_such_file.cp"
