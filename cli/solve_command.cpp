@@ -85,6 +85,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
         line.Clear();
         report.registerLoad = registerLoad;
         fmt::print("{}", args.json ? ReportJson(report) : ReportText(report));
+        if (args.registerStats && report.proofNumberStats) fmt::print(stderr, "{}", *report.proofNumberStats);
         std::fflush(stdout);
         summary.Add(report);
         if (report.match == false || report.error || !report.failedChecks.empty()) allMatched = false;
@@ -124,6 +125,14 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
                     "Tokens added to pass 1's heuristics, e.g. \"SafeMode DLFU(h1,d5) FFM(#2) LFQMDepth(#5) !DLFU\"");
     cmd->add_flag("--no-heuristics", s.noHeuristics, "No heuristic passes: pass 2 only");
     cmd->add_flag("--no-pass2", s.noPassTwo, "No pass without heuristics after the heuristic passes");
+    cmd->add_option_function<std::string>(
+           "--proof-number",
+           [&s](const std::string& text) {
+               if (!ReadProofNumberMode(text, s.proofNumber))
+                   throw CLI::ValidationError("--proof-number", "auto, off or only expected, not \"" + text + "\"");
+           },
+           "The proof-number pass: auto (before the others, beyond #6), off, or only (alone)")
+        ->type_name("auto|off|only");
     cmd->add_option("--time-limit", s.timeLimitSeconds, "Seconds per problem (0 = none)")
         ->check(CLI::NonNegativeNumber);
     cmd->add_flag("--solution-details", s.solutionDetails, "Write SolutionDetails.log in the program folder");

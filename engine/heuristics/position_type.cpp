@@ -123,6 +123,10 @@ TPositionType PositionTypeCheck(const TChessboard& root) {
     return type;
 }
 
+bool ProofNumberPassFirst(const TChessboard& root) {
+    return (root.movesLeft + 1) / 2 >= kShortestMoremover;
+}
+
 THeuristicSet PositionTypeHeuristics(const TChessboard& root) {
     return PositionTypeCheck(root).set;
 }

@@ -56,6 +56,9 @@ struct TPositionType {
 // - the engine's own detections (position_detections.h): SH_USEBLOCKBLACKPAWNSLEVEL,
 //   SH_ZUGZWANGTRIANGLES, SH_KEYSQUARE, SH_SEASNAKE and the dynamic DLFU request.
 TPositionType PositionTypeCheck(const TChessboard& root);
+// Whether the proof-number pass runs before the passes with heuristics: for problems beyond the
+// range that is searched exhaustively at once.
+bool ProofNumberPassFirst(const TChessboard& root);
 // The set of PositionTypeCheck.
 THeuristicSet PositionTypeHeuristics(const TChessboard& root);
 

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "engine/heuristics/position_type.h"
 #include "engine/state/run_control.h"
 
 namespace moremate {
@@ -41,6 +42,35 @@ class CPassSeries {
             if (state.safeModeForced && !wasForced) Say(QuickModeLine(state));
             if (!next) return;
         }
+    }
+
+    // The proof-number pass; true when it settled the problem (the key limit reached, or every
+    // first move settled).
+    bool RunProofNumberPass(size_t limit) {
+        constexpr int64_t kDefaultBudgetMs = 120000;
+        const int seconds = RemainingSeconds();
+        if (seconds < 0) return m_bDone = m_result.stopped = true;
+        if (CRunControl* control = m_request.environment.control) control->PassStarted(-1, kProofNumberPassLabel, 0);
+        if (m_request.runRegister) m_request.runRegister->SetConfiguration(0, 0);
+        TProofNumberPassRequest pass;
+        pass.position = m_request.position;
+        pass.keyLimit = limit;
+        pass.preferredFirstMoves = m_request.preferredFirstMoves;
+        pass.tableBytes = m_request.proofNumberTableBytes;
+        pass.environment = m_request.environment;
+        const bool only = m_request.proofNumber == TProofNumberMode::Only;
+        pass.budgetMs = seconds == 0 ? (only ? 0 : kDefaultBudgetMs) : (only ? 0 : int64_t{seconds} * 750);
+        TProofNumberPassResult r = moremate::RunProofNumberPass(pass, m_stop);
+        for (const TKey& key : r.keys) m_result.keys.push_back({key, kProofNumberPassLabel, ""});
+        m_result.passes.push_back({kProofNumberPassLabel, "", r.result, r.nodes, r.msec});
+        m_result.nodes += r.nodes;
+        m_result.result = r.result;
+        m_result.stopped = r.stopped;
+        Say(PassStatusLine(-1, kProofNumberPassLabel, "", 100.0, static_cast<long long>(r.nodes), 0,
+                           m_request.runRegister ? m_request.runRegister->FillPercent() : 0, 0));
+        const bool settled = r.complete || r.stopped;
+        m_result.proofNumber = std::move(r);
+        return m_bDone = settled;
     }
 
     // Pass 2 without heuristics.
@@ -136,7 +166,11 @@ class CPassSeries {
 
 // The passes with heuristics, then pass 2 unless the series is over or pass 2 is not allowed.
 // A problem without heuristics runs pass 2 alone, whatever the flags say.
-void RunStandard(CPassSeries& series, const TPassState& state, size_t limit) {
+void RunStandard(CPassSeries& series, const TPassRunRequest& request, size_t limit) {
+    const TPassState& state = request.state;
+    const bool proofNumber = request.proofNumber == TProofNumberMode::Only ||
+                             (request.proofNumber == TProofNumberMode::Auto && ProofNumberPassFirst(request.position));
+    if (proofNumber && (series.RunProofNumberPass(limit) || request.proofNumber == TProofNumberMode::Only)) return;
     const bool heuristics = state.set.mask != 0;
     if (heuristics) series.RunHeuristicPasses(limit);
     if (!series.Done() && (!heuristics || state.pass2Allowed)) series.RunPassTwo(limit);
@@ -156,7 +190,7 @@ TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop) {
         case TBruteForce::Hybrid:
             series.Say(kHybridFirstPhaseText);
             series.SetHybridPhase(kHybridFirstPhase);
-            RunStandard(series, request.state, 1);
+            RunStandard(series, request, 1);
             if (series.KeyCount() > 0 && !series.Interrupted()) {
                 series.Say(kHybridSecondPhaseText);
                 series.SetHybridPhase(kHybridSecondPhase);
@@ -164,7 +198,7 @@ TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop) {
             }
             break;
         case TBruteForce::Off:
-            RunStandard(series, request.state, Limit(request.solutions));
+            RunStandard(series, request, Limit(request.solutions));
             break;
     }
     return series.Finish();
@@ -179,8 +213,9 @@ std::string QuickModeLine(const TPassState& state) {
 std::string PassStatusLine(int number, const std::string& letter, const std::string& prefix, double percent,
                            long long count, uint32_t mask, int registerFill, int doubtfulConfigurations) {
     char line[160];
-    std::snprintf(line, sizeof line, "Pass %d%s, %s%0.1f%% %lld SH:%xh,TR:%d(%d)     \r", number,
-                  letter.c_str(), prefix.c_str(), percent, count, mask, registerFill, doubtfulConfigurations);
+    const std::string pass = number < 0 ? letter : std::to_string(number) + letter;
+    std::snprintf(line, sizeof line, "Pass %s, %s%0.1f%% %lld SH:%xh,TR:%d(%d)     \r", pass.c_str(),
+                  prefix.c_str(), percent, count, mask, registerFill, doubtfulConfigurations);
     return line;
 }
 

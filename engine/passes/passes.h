@@ -6,10 +6,12 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "pass_threads.h"
+#include "proof_number_pass.h"
 #include "relaxation.h"
 #include "run_register.h"
 #include "solver.h"
@@ -38,6 +40,10 @@ struct TPassRunRequest {
     TSearchEnvironment environment;          // shared by the passes; `heuristics` is set per pass
     CRunRegister* runRegister = nullptr;     // when set: configured per pass, relaxed sets' lines removed
     FHookFactory hooks;
+    // The proof-number pass before the others: `Auto` runs it for problems beyond the exhaustive
+    // range, with three quarters of the time limit (two minutes without one).
+    TProofNumberMode proofNumber = TProofNumberMode::Off;
+    uint64_t proofNumberTableBytes = 64ULL << 20;
     TRelaxationEnvironment relaxation;               // its root is set to `position` by RunPasses
     std::function<void(const std::string&)> output;  // mode lines, phase texts and pass status lines
 };
@@ -64,6 +70,7 @@ struct TPassRunResult {
     std::vector<TPassSummary> passes;
     uint64_t nodes = 0;
     std::string error;
+    std::optional<TProofNumberPassResult> proofNumber;  // when the proof-number pass ran
 };
 
 // Runs the series; `stop` (may be null) ends it early from another thread. Passes without
@@ -73,7 +80,7 @@ TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop);
 // "> Quick Mode implicit heuristics ON (see Options)" and the two safe mode lines.
 std::string QuickModeLine(const TPassState& state);
 
-// "Pass %d%s, %s%0.1f%% %lld" with " SH:%xh,TR:%d(%d)", then blanks and a carriage return. RunPasses
+// "Pass %d%s, %s%0.1f%% %lld" ("Pass pn, ..." for the proof-number pass, number -1) with " SH:%xh,TR:%d(%d)", then blanks and a carriage return. RunPasses
 // writes it at the end of each pass: no prefix, 100.0%, the pass's nodes, the register's fill in
 // percent and the number of doubtful configurations it holds.
 std::string PassStatusLine(int number, const std::string& letter, const std::string& prefix, double percent,

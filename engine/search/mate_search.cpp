@@ -16,6 +16,8 @@ constexpr int kRepetitionMinHalfMoves = 10;
 constexpr int kQuickerMateMinHalfMoves = 17;
 constexpr int kQuickerMateMaxPlayed = 7;
 
+}  // namespace
+
 bool EnPassantPossible(const TChessboard& node) {
     if (node.epSquare == kNoSquare) return false;
     const uint8_t us = node.ToMove();
@@ -25,8 +27,6 @@ bool EnPassantPossible(const TChessboard& node) {
     return (file > 0 && node.squares[pawnSquare - 1] == ours) ||
            (file < 7 && node.squares[pawnSquare + 1] == ours);
 }
-
-}  // namespace
 
 bool SamePosition(const TChessboard& a, const TChessboard& b) {
     return std::memcmp(a.squares, b.squares, 64) == 0 && CastlingRights(a) == CastlingRights(b) &&

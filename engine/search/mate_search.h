@@ -100,6 +100,8 @@ class TMateSearch {
 // Whether the register may hold results for this position: its 64 squares must say all, so
 // positions whose castling or en passant chances differ from what the squares suggest are left out.
 bool SquaresTellAll(const TChessboard& node);
+// Whether the side to move can capture en passant (the square passed over is `epSquare`).
+bool EnPassantPossible(const TChessboard& node);
 // The same position for repetition: squares, castling rights and en passant chances.
 bool SamePosition(const TChessboard& a, const TChessboard& b);
 

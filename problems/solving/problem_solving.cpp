@@ -57,6 +57,7 @@ void Describe(const TChessboard& root, const TPassRunResult& result, TProblemRep
         report.found.push_back({report.keys.back(), k.pass, k.setText});
     }
     if (!result.keys.empty()) report.mainLine = SolutionLine(root, result.keys.front().key.mainLine);
+    if (result.proofNumber) report.proofNumberStats = ProofNumberStatsText(*result.proofNumber);
     for (const TPassSummary& p : result.passes) {
         report.msec += p.msec;
         report.nodes += p.nodes;
@@ -127,6 +128,8 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
     request.environment.store = &runRegister;
     request.environment.progressNodes = progress;
     request.runRegister = &runRegister;
+    request.proofNumber = settings.proofNumber;
+    request.proofNumberTableBytes = ProofNumberTableBytes(options.TempRegQuotaMB());
     request.preferredFirstMoves = PreferredFirstMoves(entry, options.m_nLanguageId);
     const TChessboard root = task.position;
     request.hooks = [root](const THeuristicSet& set) -> std::unique_ptr<CHeuristicHook> {

@@ -8,6 +8,7 @@
 
 #include <atomic>
 
+#include "engine/passes/proof_number_pass.h"
 #include "engine/passes/run_register.h"
 #include "engine/run/run_services.h"
 #include "problems/format/problem_entry.h"
@@ -26,6 +27,7 @@ struct TSolveSettings {
     std::string additionalHeuristics;       // tokens added to pass 1's set ("SafeMode", "DLFU(h1,d5)", ...)
     bool noHeuristics = false;
     bool noPassTwo = false;
+    TProofNumberMode proofNumber = TProofNumberMode::Auto;  // the proof-number pass before the others
     int timeLimitSeconds = 0;
     int threads = 1;
     int levels = 1;  // multithreading levels

@@ -32,6 +32,7 @@ struct TProblemReport {
                                                  // the order the solver tries them
     std::vector<std::string> failedChecks;       // the checks after the run that failed (run_checks.h)
     std::optional<std::string> registerLoad;     // the load report of the register the record refers to
+    std::optional<std::string> proofNumberStats;  // the figures of the proof-number pass, when it ran
 };
 
 // The closing line of a run over a collection: how many problems ran, how many were solved and how

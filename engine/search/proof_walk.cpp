@@ -1,0 +1,76 @@
+#include "proof_walk.h"
+
+#include <deque>
+
+#include "core/movegen.h"
+#include "move_ordering.h"
+
+namespace moremate {
+namespace {
+
+uint64_t MemoId(const TChessboard& node) {
+    const TPositionKey key = PositionKey(node);
+    return key.hash ^ (key.check * 0x9e3779b97f4a7c15ULL);
+}
+
+}  // namespace
+
+int CProofWalk::Length(const TChessboard& node) {
+    const uint64_t id = MemoId(node);
+    if (const auto found = m_memo.find(id); found != m_memo.end()) return found->second.length;
+    ++m_nNodes;
+    const TStep step = node.WhiteToMove() ? WhiteStep(node) : BlackStep(node);
+    m_memo[id] = step;
+    return step.length;
+}
+
+CProofWalk::TStep CProofWalk::WhiteStep(const TChessboard& node) {
+    if (node.movesLeft < 1) return {};
+    TMoveList moves;
+    GenerateLegalMoves(node, moves);
+    OrderWhiteMoves(node, moves, TKillerMoves{}, node.movesLeft == 1);
+    for (const TMove& m : moves) {
+        TChessboard child;
+        PlayMove(node, m, child);
+        if (node.movesLeft == 1 ? !IsMate(child) : !m_proofs.Numbers(child).Proven()) continue;
+        const int length = Length(child);
+        if (length >= 0) return {static_cast<int16_t>(length + 1), m};
+    }
+    if (node.movesLeft == 1) return {};
+    // The table no longer knows a proven move here: the ordinary search decides.
+    const TMove move = m_search.MatingMove(node, node.movesLeft);
+    return move.IsNull() ? TStep{} : TStep{node.movesLeft, move};
+}
+
+CProofWalk::TStep CProofWalk::BlackStep(const TChessboard& node) {
+    TMoveList moves;
+    GenerateLegalMoves(node, moves);
+    if (moves.count == 0) return node.InCheck() ? TStep{0, {}} : TStep{};
+    if (node.movesLeft < 1) return {};
+    TStep longest{0, {}};
+    for (const TMove& d : moves) {
+        TChessboard child;
+        PlayMove(node, d, child);
+        const int length = Length(child);
+        if (length < 0) return {};
+        if (length + 1 > longest.length) longest = {static_cast<int16_t>(length + 1), d};
+    }
+    return longest;
+}
+
+std::vector<TMove> CProofWalk::Line(const TChessboard& root, const TMove& key) {
+    std::deque<TChessboard> line(1);  // stable addresses: every position links to the one before
+    PlayMove(root, key, line.back());
+    std::vector<TMove> moves{key};
+    while (true) {
+        const TChessboard& node = line.back();
+        const auto found = m_memo.find(MemoId(node));
+        if (found == m_memo.end() || found->second.length <= 0 || found->second.move.IsNull()) break;
+        moves.push_back(found->second.move);
+        line.emplace_back();
+        PlayMove(node, found->second.move, line.back());
+    }
+    return moves;
+}
+
+}  // namespace moremate

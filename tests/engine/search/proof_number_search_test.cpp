@@ -1,0 +1,165 @@
+#include "engine/search/proof_number_search.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <regex>
+
+#include "core/movegen.h"
+#include "engine/passes/proof_number_pass.h"
+#include "engine/search/proof_walk.h"
+#include "tests/core/test_line.h"
+#include "tests/engine/map_store.h"
+
+namespace moremate {
+namespace {
+
+using test::Problem;
+
+struct TShared {
+    std::string fen;
+    int moves = 0;
+    bool solvable = false;
+};
+
+// The directmates of the shared collection up to #`maxMoves`, with whether they have a key.
+std::vector<TShared> SharedDirectmates(int maxMoves) {
+    std::ifstream in(std::string(MOREMATE_SHARED_PROBLEMS) + "/directmates.cp");
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const std::regex record(R"(\d+ #(\d+)\s*\{[^}]*?FEN: ([^\n]+)\n[^}]*?Answer:([^\n]*)\n)");
+    std::vector<TShared> out;
+    for (std::sregex_iterator it(text.begin(), text.end(), record), end; it != end; ++it) {
+        const int moves = std::stoi((*it)[1]);
+        if (moves > maxMoves) continue;
+        out.push_back({(*it)[2], moves, (*it)[3].str().find_first_not_of(" \t\r") != std::string::npos});
+    }
+    return out;
+}
+
+struct TRig {
+    explicit TRig(uint64_t tableBytes = 8 << 20) : table(tableBytes), proofs(Env(), table, nullptr) {}
+    TSearchEnvironment Env() {
+        TSearchEnvironment env;
+        env.store = &store;
+        return env;
+    }
+    test::CMapStore store;
+    CProofNumberTable table;
+    TProofNumberSearch proofs;
+};
+
+// Every first move of the small shared problems is proved or disproved as the ordinary search
+// finds it, and the root agrees with the record's answer.
+TEST(ProofNumberSearch, AgreesWithTheOrdinarySearchOnSharedDirectmates) {
+    const std::vector<TShared> problems = SharedDirectmates(3);
+    ASSERT_GT(problems.size(), 20u);
+    for (const TShared& p : problems) {
+        SCOPED_TRACE(p.fen);
+        const TChessboard root = Problem(p.fen, 2 * p.moves - 1);
+        TRig rig;
+        EXPECT_EQ(rig.proofs.Prove(root), p.solvable ? kMate : kNoMate);
+        TMoveList moves;
+        GenerateLegalMoves(root, moves);
+        TMateSearch plain(TSearchEnvironment{});
+        for (const TMove& m : moves) {
+            TChessboard child;
+            PlayMove(root, m, child);
+            EXPECT_EQ(rig.proofs.Prove(child), plain.FindForcedMate(child));
+        }
+    }
+}
+
+// A node is a position with its half-moves left: a line that comes back to a position meets a
+// node of its own, and what is proved there holds for the position without the line.
+TEST(ProofNumberSearch, ResultsDoNotDependOnTheLine) {
+    const std::string fen = "7k/8/5K2/8/8/8/8/6R1 w - -";
+    test::TestLine line(Problem(fen, 9));
+    line.Play("Rg1-a1").Play("Kh8-g8").Play("Ra1-g1").Play("Kg8-h8");  // back where it started
+    TRig rig, fresh;
+    EXPECT_EQ(rig.proofs.Prove(line.Now()), kMate);
+    EXPECT_EQ(fresh.proofs.Prove(Problem(fen, 5)), kMate);
+    TChessboard tooShort = Problem(fen, 1);
+    EXPECT_EQ(rig.proofs.Prove(tooShort), kNoMate);
+    // The facts stored agree with a plain search of each position by itself.
+    EXPECT_EQ(rig.store.Lookup(line.Now().squares, 5), kMate);
+    EXPECT_EQ(rig.store.Lookup(line.Now().squares, 1), kNoMate);
+}
+
+// A table of a few buckets loses entries all the time: the results stay right, the figures show
+// the replacements and collections.
+TEST(ProofNumberSearch, TinyTableStaysRight) {
+    const std::vector<TShared> problems = SharedDirectmates(4);
+    TRig rig(1024);
+    for (const TShared& p : problems) {
+        SCOPED_TRACE(p.fen);
+        EXPECT_EQ(rig.proofs.Prove(Problem(p.fen, 2 * p.moves - 1)), p.solvable ? kMate : kNoMate);
+    }
+    const TProofNumberTableStats stats = rig.table.Stats();
+    EXPECT_EQ(stats.capacity, 32u);
+    EXPECT_GT(stats.replacements, 0u);
+    EXPECT_GT(stats.collections, 0u);
+    EXPECT_LE(stats.used, stats.capacity);
+}
+
+TEST(ProofWalk, WalksProofsAndRefusesTheRest) {
+    const TChessboard root = Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 3);
+    TRig rig;
+    ASSERT_EQ(rig.proofs.Prove(root), kMate);
+    TMateSearch search(TSearchEnvironment{});
+    CProofWalk walk(rig.proofs, search);
+    const TMove mating = search.MatingMove(root, 3);
+    TChessboard key, other;
+    PlayMove(root, mating, key);
+    PlayMove(root, TMove{6, 62}, other);  // Rg1-g8+ Kxg8
+    EXPECT_TRUE(walk.Holds(key));
+    EXPECT_FALSE(walk.Holds(other));
+    const std::vector<TMove> line = walk.Line(root, mating);
+    ASSERT_EQ(line.size(), 3u);
+    TChessboard end = key;
+    for (size_t i = 1; i < line.size(); ++i) {
+        TChessboard next;
+        PlayMove(end, line[i], next);
+        end = next;
+    }
+    EXPECT_TRUE(IsMate(end));
+}
+
+TEST(ProofNumberPass, LongCompositionKeyAndAllSolutions) {
+    TProofNumberPassRequest request;
+    request.position = Problem("8/8/8/8/1k6/1p6/pp1p1Q2/rrbK4 w - - 0 1", 15);  // #8, key Qf2-b6+
+    request.tableBytes = 32 << 20;
+    test::CMapStore store;
+    request.environment.store = &store;
+    TProofNumberPassResult single = RunProofNumberPass(request, nullptr);
+    ASSERT_EQ(single.keys.size(), 1u);
+    EXPECT_EQ(single.keys[0].move, (TMove{13, 41}));
+    EXPECT_TRUE(single.complete);
+    EXPECT_GE(single.keys[0].mainLine.size(), 3u);
+
+    request.position = Problem("8/8/8/8/R7/2k5/8/4K2R w K - 0 1", 5);  // #3 with one key
+    request.keyLimit = SIZE_MAX;
+    const TProofNumberPassResult all = RunProofNumberPass(request, nullptr);
+    EXPECT_TRUE(all.complete);
+    TMoveList moves;
+    GenerateLegalMoves(request.position, moves);
+    EXPECT_EQ(all.keys.size() + all.disproved.size(), static_cast<size_t>(moves.count));
+    TMateSearch plain(TSearchEnvironment{});
+    for (const TKey& key : all.keys) {
+        TChessboard child;
+        PlayMove(request.position, key.move, child);
+        EXPECT_EQ(plain.FindForcedMate(child), kMate);
+    }
+}
+
+TEST(ProofNumberPass, ModesAndTexts) {
+    TProofNumberMode mode = TProofNumberMode::Off;
+    EXPECT_TRUE(ReadProofNumberMode("only", mode));
+    EXPECT_EQ(mode, TProofNumberMode::Only);
+    EXPECT_FALSE(ReadProofNumberMode("sometimes", mode));
+    EXPECT_EQ(mode, TProofNumberMode::Only);
+    EXPECT_EQ(ProofNumberTableBytes(1), 16ULL << 20);
+    EXPECT_EQ(ProofNumberTableBytes(1 << 20), 4ULL << 30);
+}
+
+}  // namespace
+}  // namespace moremate
