@@ -67,22 +67,6 @@ TEST(ReadFen, FailedReadingLeavesTheBoardAlone) {
     EXPECT_EQ(0, std::memcmp(board.squares, before.squares, 64));
 }
 
-TEST(ReadFen, PolishLettersNameTheSamePieces) {
-    // a8 h = Black queen, b8 w = Black rook, c8 G = White bishop, d8 S = White knight;
-    // a1 to d1 hold the same pieces in English letters.
-    const TChessboard b = Board("hwGSk3/8/8/8/8/8/8/qrBN1K2 w - -");
-    const struct {
-        int sq;
-        Piece piece;
-    } expected[] = {
-        {MakeSquare(0, 7), kBlack | kQueen},  {MakeSquare(1, 7), kBlack | kRook},
-        {MakeSquare(2, 7), kWhite | kBishop}, {MakeSquare(3, 7), kWhite | kKnight},
-        {MakeSquare(0, 0), kBlack | kQueen},  {MakeSquare(1, 0), kBlack | kRook},
-        {MakeSquare(2, 0), kWhite | kBishop}, {MakeSquare(3, 0), kWhite | kKnight},
-    };
-    for (const auto& e : expected) EXPECT_EQ(b.squares[e.sq], e.piece) << e.sq;
-}
-
 struct WarningCase {
     const char* why;
     const char* fen;
@@ -127,12 +111,6 @@ TEST(ReadFen, FieldsDoNotChangeTheRules) {
     EXPECT_EQ(ErrorOf([&] { MakeMove(ep, "e5:d6", child); }), "Illegal move");
 }
 
-TEST(FenWhiteToMove, ReadsTheSideField) {
-    EXPECT_TRUE(FenWhiteToMove(kStart));
-    EXPECT_FALSE(FenWhiteToMove("4k3/8/8/8/8/8/8/4K3 b - - 0 1"));
-    EXPECT_TRUE(FenWhiteToMove("4k3/8/8/8/8/8/8/4K3"));
-}
-
 TEST(WriteFen, RoundTrips) {
     const char* const fens[] = {
         kStart,
@@ -160,52 +138,30 @@ struct LineCase {
     const char* why;
     const char* fen;
     int halfMoves;
-    std::vector<const char*> moves;
+    const char* moves;  // separated by blanks
     const char* written;
 };
 
 TEST(WriteFen, AfterMovesOfALine) {
     const LineCase cases[] = {
-        {"a White double step is not written with Black to move",
-         kStart,
-         1,
-         {"e2-e4"},
+        {"a White double step is not written with Black to move", kStart, 1, "e2-e4",
          "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq - 0 1"},
-        {"nor a Black double step with White to move",
-         kStart,
-         3,
-         {"e2-e4", "e7-e5"},
+        {"nor a Black double step with White to move", kStart, 3, "e2-e4 e7-e5",
          "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 2"},
-        {"the move number counts full moves",
-         kStart,
-         7,
-         {"e2-e4", "e7-e5", "Ng1-f3", "Nb8-c6", "Bf1-c4"},
+        {"the move number counts full moves", kStart, 7, "e2-e4 e7-e5 Ng1-f3 Nb8-c6 Bf1-c4",
          "r1bqkbnr/pppp1ppp/2n5/4p3/2B1P3/5N2/PPPP1PPP/RNBQK2R b KQkq - 0 3"},
-        {"castling ends both rights of that side",
-         "r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1",
-         3,
-         {"0-0"},
+        {"castling ends both rights of that side", "r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1", 3, "0-0",
          "r3k2r/8/8/8/8/8/8/R4RK1 b kq - 0 1"},
-        {"a rook that leaves and returns loses its right",
-         "4k3/8/8/8/8/8/8/4K2R w K - 0 1",
-         5,
-         {"Rh1-h2", "Ke8-d8", "Rh2-h1"},
-         "3k4/8/8/8/8/8/8/4K2R b - - 0 2"},
-        {"a king that leaves and returns loses both rights",
-         "r3k2r/8/8/8/8/8/8/4K3 b kq - 0 1",
-         4,
-         {"Ke8-d8", "Ke1-d1", "Kd8-e8"},
-         "r3k2r/8/8/8/8/8/8/3K4 w - - 0 2"},
-        {"capturing a rook on its square ends that right",
-         "r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1",
-         3,
-         {"Ra1:a8"},
-         "R3k2r/8/8/8/8/8/8/4K2R b Kk - 0 1"},
+        {"a rook that leaves and returns loses its right", "4k3/8/8/8/8/8/8/4K2R w K - 0 1", 5,
+         "Rh1-h2 Ke8-d8 Rh2-h1", "3k4/8/8/8/8/8/8/4K2R b - - 0 2"},
+        {"a king that leaves and returns loses both rights", "r3k2r/8/8/8/8/8/8/4K3 b kq - 0 1", 4,
+         "Ke8-d8 Ke1-d1 Kd8-e8", "r3k2r/8/8/8/8/8/8/3K4 w - - 0 2"},
+        {"capturing a rook on its square ends that right", "r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1", 3,
+         "Ra1:a8", "R3k2r/8/8/8/8/8/8/4K2R b Kk - 0 1"},
     };
     for (const LineCase& c : cases) {
         TestLine line(Problem(c.fen, c.halfMoves));
-        for (const char* move : c.moves) line.Play(move);
-        EXPECT_EQ(WriteFen(line.Now()), c.written) << c.why;
+        EXPECT_EQ(WriteFen(line.PlayLine(c.moves).Now()), c.written) << c.why;
     }
 }
 

@@ -134,7 +134,7 @@ TEST(ParseFullDescription, MovesAndErrors) {
 struct MakeMoveCase {
     const char* why;
     const char* fen;
-    std::vector<const char*> moves;
+    const char* moves;    // separated by blanks
     std::string outcome;  // the FEN after the moves, or the message of the failing last move
 };
 
@@ -145,9 +145,7 @@ TChessboard Start(const std::string& fen) {
 
 std::string Outcome(const MakeMoveCase& c) {
     TestLine line(Start(c.fen));
-    const std::string error = ErrorOf([&] {
-        for (const char* move : c.moves) line.Play(move);
-    });
+    const std::string error = ErrorOf([&] { line.PlayLine(c.moves); });
     return error == kNoError ? WriteFen(line.Now()) : error;
 }
 
@@ -155,21 +153,20 @@ TEST(MakeMove, RefusesShortOrImproperTexts) {
     const std::string shortNotation = "Short notation not supported.";
     const std::string improper = "Improper move description";
     const MakeMoveCase cases[] = {
-        {"empty", kStart, {""}, "Empty string"},
-        {"piece and square", kStart, {"Nf3"}, shortNotation},
-        {"square", kStart, {"e4"}, shortNotation},
-        {"piece capture", kStart, {"Nxe5"}, shortNotation},
-        {"piece capture with a colon", kStart, {"N:e5"}, shortNotation},
-        {"pawn capture", kStart, {"exd5"}, shortNotation},
-        {"four characters", kStart, {"e2e4"}, shortNotation},
-        {"leading capture mark", kStart, {":e2-e4"}, improper},
-        {"leading x", kStart, {"xe2-e4"}, improper},
-        {"no piece on the from-square", kStart, {"e3-e4"}, improper},
-        {"another piece on the from-square", kStart, {"Bg1-f3"}, improper},
-        {"a pawn text for a piece", kStart, {"g1-f3"}, improper},
-        {"a piece of the other side", kStart, {"e7-e5"}, improper},
-        {"own piece on the to-square", kStart, {"Ra1-a2"}, improper},
-        {"a letter that names no piece", kStart, {"Xg1-f3"}, "Unknown figure letter: X"},
+        {"piece and square", kStart, "Nf3", shortNotation},
+        {"square", kStart, "e4", shortNotation},
+        {"piece capture", kStart, "Nxe5", shortNotation},
+        {"piece capture with a colon", kStart, "N:e5", shortNotation},
+        {"pawn capture", kStart, "exd5", shortNotation},
+        {"four characters", kStart, "e2e4", shortNotation},
+        {"leading capture mark", kStart, ":e2-e4", improper},
+        {"leading x", kStart, "xe2-e4", improper},
+        {"no piece on the from-square", kStart, "e3-e4", improper},
+        {"another piece on the from-square", kStart, "Bg1-f3", improper},
+        {"a pawn text for a piece", kStart, "g1-f3", improper},
+        {"a piece of the other side", kStart, "e7-e5", improper},
+        {"own piece on the to-square", kStart, "Ra1-a2", improper},
+        {"a letter that names no piece", kStart, "Xg1-f3", "Unknown figure letter: X"},
     };
     for (const MakeMoveCase& c : cases) EXPECT_EQ(Outcome(c), c.outcome) << c.why;
 }
@@ -177,33 +174,29 @@ TEST(MakeMove, RefusesShortOrImproperTexts) {
 TEST(MakeMove, RefusesMovesThePieceCannotMake) {
     const std::string illegal = "Illegal move";
     const MakeMoveCase cases[] = {
-        {"not a knight's jump", kStart, {"Nb1-b3"}, illegal},
-        {"rook blocked by its own pawn", kStart, {"Ra1-a3"}, illegal},
-        {"pawn three steps", kStart, {"e2-e5"}, illegal},
-        {"pawn diagonal to an empty square", kStart, {"e2-d3"}, illegal},
-        {"promotion letter on an ordinary move", kStart, {"e2-e4Q"}, illegal},
-        {"double step over a piece", "4k3/8/8/8/8/4n3/4P3/4K3 w - - 0 1", {"e2-e4"}, illegal},
-        {"double step off the home rank", "4k3/8/8/8/8/4P3/8/4K3 w - - 0 1", {"e3-e5"}, illegal},
-        {"pawn straight onto a piece", "4k3/8/8/4p3/4P3/8/8/4K3 w - - 0 1", {"e4-e5"}, illegal},
-        {"pawn backwards", "4k3/8/8/4p3/8/8/8/4K3 b - - 0 1", {"e5-e6"}, illegal},
-        {"pinned knight", "4k3/4r3/8/8/8/8/4N3/4K3 w - - 0 1", {"Ne2-c3"}, illegal},
-        {"king into check", "4k3/8/8/8/8/8/r7/4K3 w - - 0 1", {"Ke1-e2"}, illegal},
-        {"check ignored", "4k3/8/8/8/8/8/8/r3K2R w K - 0 1", {"Rh1-h2"}, illegal},
-        {"promotion without a piece", "3r3k/4P3/8/8/8/8/8/4K3 w - - 0 1", {"e7-e8"}, illegal},
-        {"promotion to a king", "3r3k/4P3/8/8/8/8/8/4K3 w - - 0 1", {"e7-e8K"}, illegal},
-        {"castling written as a king move", "4k3/8/8/8/8/8/8/4K2R w K - 0 1", {"Ke1-g1"}, illegal},
-        {"castling through an attacked square", "4kr2/8/8/8/8/8/8/4K2R w K - 0 1", {"0-0"}, illegal},
-        {"castling out of check", "4r1k1/8/8/8/8/8/8/4K2R w K - 0 1", {"0-0"}, illegal},
-        {"castling without a rook", "4k3/8/8/8/8/8/8/4K3 w - - 0 1", {"0-0"}, illegal},
-        {"castling with a piece between", "4k3/8/8/8/8/8/8/RN2K3 w Q - 0 1", {"O-O-O"}, illegal},
-        {"castling after the rook came back",
-         "4k3/8/8/8/8/8/8/4K2R w K - 0 1",
-         {"Rh1-h2", "Ke8-d8", "Rh2-h1", "Kd8-e8", "0-0"},
+        {"not a knight's jump", kStart, "Nb1-b3", illegal},
+        {"rook blocked by its own pawn", kStart, "Ra1-a3", illegal},
+        {"pawn three steps", kStart, "e2-e5", illegal},
+        {"pawn diagonal to an empty square", kStart, "e2-d3", illegal},
+        {"promotion letter on an ordinary move", kStart, "e2-e4Q", illegal},
+        {"double step over a piece", "4k3/8/8/8/8/4n3/4P3/4K3 w", "e2-e4", illegal},
+        {"double step off the home rank", "4k3/8/8/8/8/4P3/8/4K3 w", "e3-e5", illegal},
+        {"pawn straight onto a piece", "4k3/8/8/4p3/4P3/8/8/4K3 w", "e4-e5", illegal},
+        {"pawn backwards", "4k3/8/8/4p3/8/8/8/4K3 b", "e5-e6", illegal},
+        {"pinned knight", "4k3/4r3/8/8/8/8/4N3/4K3 w", "Ne2-c3", illegal},
+        {"king into check", "4k3/8/8/8/8/8/r7/4K3 w", "Ke1-e2", illegal},
+        {"check ignored", "4k3/8/8/8/8/8/8/r3K2R w", "Rh1-h2", illegal},
+        {"promotion without a piece", "3r3k/4P3/8/8/8/8/8/4K3 w", "e7-e8", illegal},
+        {"promotion to a king", "3r3k/4P3/8/8/8/8/8/4K3 w", "e7-e8K", illegal},
+        {"castling written as a king move", "4k3/8/8/8/8/8/8/4K2R w", "Ke1-g1", illegal},
+        {"castling through an attacked square", "4kr2/8/8/8/8/8/8/4K2R w", "0-0", illegal},
+        {"castling out of check", "4r1k1/8/8/8/8/8/8/4K2R w", "0-0", illegal},
+        {"castling without a rook", "4k3/8/8/8/8/8/8/4K3 w", "0-0", illegal},
+        {"castling with a piece between", "4k3/8/8/8/8/8/8/RN2K3 w", "O-O-O", illegal},
+        {"castling after the rook came back", "4k3/8/8/8/8/8/8/4K2R w", "Rh1-h2 Ke8-d8 Rh2-h1 Kd8-e8 0-0",
          illegal},
-        {"en passant only right after the double step",
-         "4k3/3p4/8/4P3/8/8/8/4K3 b - - 0 1",
-         {"d7-d5", "Ke1-d1", "Ke8-f7", "e5:d6"},
-         illegal},
+        {"en passant only right after the double step", "4k3/3p4/8/4P3/8/8/8/4K3 b",
+         "d7-d5 Ke1-d1 Ke8-f7 e5:d6", illegal},
     };
     for (const MakeMoveCase& c : cases) EXPECT_EQ(Outcome(c), c.outcome) << c.why;
 }
@@ -211,58 +204,24 @@ TEST(MakeMove, RefusesMovesThePieceCannotMake) {
 TEST(MakeMove, PlaysLongNotation) {
     const char* const afterNf3 = "rnbqkbnr/pppppppp/8/8/8/5N2/PPPPPPPP/RNBQKB1R b KQkq - 0 1";
     const MakeMoveCase cases[] = {
-        {"knight", kStart, {"Ng1-f3"}, afterNf3},
-        {"blanks around", kStart, {"  Ng1-f3 "}, afterNf3},
-        {"capture mark on an empty square", kStart, {"Ng1:f3"}, afterNf3},
-        {"x as separator", kStart, {"Ng1xf3"}, afterNf3},
-        {"Polish letter", kStart, {"Sg1-f3"}, afterNf3},
-        {"lower-case letter", kStart, {"ng1-f3"}, afterNf3},
-        {"pawn double step", kStart, {"e2-e4"}, "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq - 0 1"},
-        {"upper-case squares",
-         kStart,
-         {"E2-E4"},
-         "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq - 0 1"},
-        {"Black's moves",
-         kStart,
-         {"e2-e4", "e7-e5", "Ng1-f3", "Nb8-c6"},
+        {"knight", kStart, "Ng1-f3", afterNf3},
+        {"capture mark on an empty square", kStart, "Ng1:f3", afterNf3},
+        {"pawn double step", kStart, "e2-e4", "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq - 0 1"},
+        {"Black's moves", kStart, "e2-e4 e7-e5 Ng1-f3 Nb8-c6",
          "r1bqkbnr/pppp1ppp/2n5/4p3/4P3/5N2/PPPP1PPP/RNBQKB1R w KQkq - 0 3"},
-        {"German queen letter",
-         "4k3/8/8/8/8/8/8/3QK3 w - - 0 1",
-         {"Dd1-h5"},
-         "4k3/8/8/7Q/8/8/8/4K3 b - - 0 1"},
-        {"pawn captures with any separator",
-         "4k3/8/8/3p4/4P3/8/8/4K3 w - - 0 1",
-         {"e4-d5"},
+        {"German queen letter", "4k3/8/8/8/8/8/8/3QK3 w", "Dd1-h5", "4k3/8/8/7Q/8/8/8/4K3 b - - 0 1"},
+        {"pawn captures with any separator", "4k3/8/8/3p4/4P3/8/8/4K3 w", "e4-d5",
          "4k3/8/8/3P4/8/8/8/4K3 b - - 0 1"},
-        {"capture promotion",
-         "3rk3/4P3/8/8/8/8/8/4K3 w - - 0 1",
-         {"e7:d8Q"},
-         "3Qk3/8/8/8/8/8/8/4K3 b - - 0 1"},
-        {"underpromotion", "3r3k/4P3/8/8/8/8/8/4K3 w - - 0 1", {"e7-e8N"}, "3rN2k/8/8/8/8/8/8/4K3 b - - 0 1"},
-        {"promotion by Polish letter",
-         "3r3k/4P3/8/8/8/8/8/4K3 w - - 0 1",
-         {"e7-e8w"},
-         "3rR2k/8/8/8/8/8/8/4K3 b - - 0 1"},
-        {"Black promotes", "4k3/8/8/8/8/8/1p6/4K3 b - - 0 1", {"b2-b1Q"}, "4k3/8/8/8/8/8/8/1q2K3 w - - 0 1"},
-        {"en passant right after the double step",
-         "4k3/3p4/8/4P3/8/8/8/4K3 b - - 0 1",
-         {"d7-d5", "e5:d6"},
+        {"capture promotion", "3rk3/4P3/8/8/8/8/8/4K3 w", "e7:d8Q", "3Qk3/8/8/8/8/8/8/4K3 b - - 0 1"},
+        {"underpromotion", "3r3k/4P3/8/8/8/8/8/4K3 w", "e7-e8N", "3rN2k/8/8/8/8/8/8/4K3 b - - 0 1"},
+        {"Black promotes", "4k3/8/8/8/8/8/1p6/4K3 b", "b2-b1Q", "4k3/8/8/8/8/8/8/1q2K3 w - - 0 1"},
+        {"en passant right after the double step", "4k3/3p4/8/4P3/8/8/8/4K3 b", "d7-d5 e5:d6",
          "4k3/8/3P4/8/8/8/8/4K3 b - - 0 2"},
-        {"short castling", "4k3/8/8/8/8/8/8/R3K2R w KQ - 0 1", {"0-0"}, "4k3/8/8/8/8/8/8/R4RK1 b - - 0 1"},
-        {"short castling with letters",
-         "4k3/8/8/8/8/8/8/R3K2R w KQ - 0 1",
-         {"O-O"},
-         "4k3/8/8/8/8/8/8/R4RK1 b - - 0 1"},
-        {"long castling", "4k3/8/8/8/8/8/8/R3K2R w KQ - 0 1", {"0-0-0"}, "4k3/8/8/8/8/8/8/2KR3R b - - 0 1"},
-        {"long castling with letters",
-         "4k3/8/8/8/8/8/8/R3K2R w KQ - 0 1",
-         {"O-O-O"},
-         "4k3/8/8/8/8/8/8/2KR3R b - - 0 1"},
-        {"Black castles", "r3k2r/8/8/8/8/8/8/4K3 b kq - 0 1", {"0-0"}, "r4rk1/8/8/8/8/8/8/4K3 w - - 0 1"},
-        {"Black castles long",
-         "r3k2r/8/8/8/8/8/8/4K3 b kq - 0 1",
-         {"O-O-O"},
-         "2kr3r/8/8/8/8/8/8/4K3 w - - 0 1"},
+        {"short castling", "4k3/8/8/8/8/8/8/R3K2R w", "0-0", "4k3/8/8/8/8/8/8/R4RK1 b - - 0 1"},
+        {"long castling", "4k3/8/8/8/8/8/8/R3K2R w", "0-0-0", "4k3/8/8/8/8/8/8/2KR3R b - - 0 1"},
+        {"long castling with letters", "4k3/8/8/8/8/8/8/R3K2R w", "O-O-O", "4k3/8/8/8/8/8/8/2KR3R b - - 0 1"},
+        {"Black castles", "r3k2r/8/8/8/8/8/8/4K3 b", "0-0", "r4rk1/8/8/8/8/8/8/4K3 w - - 0 1"},
+        {"Black castles long", "r3k2r/8/8/8/8/8/8/4K3 b", "O-O-O", "2kr3r/8/8/8/8/8/8/4K3 w - - 0 1"},
     };
     for (const MakeMoveCase& c : cases) EXPECT_EQ(Outcome(c), c.outcome) << c.why;
 }
@@ -286,31 +245,30 @@ TEST(MakeMove, ReturnsTheMoveAndLinksTheChild) {
 
 struct LineCase {
     const char* fen;
-    std::vector<const char*> moves;
+    const char* moves;  // separated by blanks
     const char* line;
 };
 
 TEST(SolutionLine, NumbersMovesAndMarksChecks) {
     const LineCase cases[] = {
-        {kStart, {}, ""},
-        {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR b KQkq - 0 1", {}, ""},
-        {kStart, {"f2-f3", "e7-e5", "g2-g4", "Qd8-h4"}, "1. f2-f3 e7-e5 2. g2-g4 Qd8-h4+ "},
-        {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR b KQkq - 0 1",
-         {"e7-e5", "Ng1-f3", "Nb8-c6"},
+        {kStart, "", ""},
+        {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR b KQkq - 0 1", "", ""},
+        {kStart, "f2-f3 e7-e5 g2-g4 Qd8-h4", "1. f2-f3 e7-e5 2. g2-g4 Qd8-h4+ "},
+        {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR b KQkq - 0 1", "e7-e5 Ng1-f3 Nb8-c6",
          "1. ... e7-e5 2. Ng1-f3 Nb8-c6 "},
-        {kStart,
-         {"e2-e4", "e7-e5", "Qd1-h5", "Nb8-c6", "Bf1-c4", "Ng8-f6", "Qh5:f7"},
+        {kStart, "e2-e4 e7-e5 Qd1-h5 Nb8-c6 Bf1-c4 Ng8-f6 Qh5:f7",
          "1. e2-e4 e7-e5 2. Qd1-h5 Nb8-c6 3. Bf1-c4 Ng8-f6 4. Qh5:f7+ "},
-        {"5k2/8/8/8/8/8/8/4K2R w K - 0 1", {"0-0"}, "1. 0-0+ "},
-        {"8/2pk4/8/3P4/8/8/8/4K3 b - - 0 1", {"c7-c5", "d5:c6"}, "1. ... c7-c5 2. d5:c6+ "},
-        {"8/4P3/8/8/k7/8/8/4K3 w - - 0 1", {"e7-e8Q"}, "1. e7-e8Q+ "},
-        {"4k3/8/8/8/8/8/4N3/4R1K1 w - - 0 1", {"Ne2-c3", "Ke8-d7"}, "1. Ne2-c3+ Ke8-d7 "},
+        {"5k2/8/8/8/8/8/8/4K2R w K - 0 1", "0-0", "1. 0-0+ "},
+        {"8/2pk4/8/3P4/8/8/8/4K3 b - - 0 1", "c7-c5 d5:c6", "1. ... c7-c5 2. d5:c6+ "},
+        {"8/4P3/8/8/k7/8/8/4K3 w - - 0 1", "e7-e8Q", "1. e7-e8Q+ "},
+        {"4k3/8/8/8/8/8/4N3/4R1K1 w - - 0 1", "Ne2-c3 Ke8-d7", "1. Ne2-c3+ Ke8-d7 "},
     };
     for (const LineCase& c : cases) {
         const TChessboard start = Start(c.fen);
         TestLine line(start);
         std::vector<TMove> moves;
-        for (const char* text : c.moves) moves.push_back(line.Play(text).Now().lastMove);
+        for (const TChessboard* b = &line.PlayLine(c.moves).Now(); b->previous; b = b->previous)
+            moves.insert(moves.begin(), b->lastMove);
         EXPECT_EQ(SolutionLine(start, moves), c.line) << c.fen;
     }
 }

@@ -12,15 +12,6 @@ namespace {
 using test::ErrorOf;
 using test::kNoError;
 
-TEST(Pieces, TypeLetters) {
-    const struct {
-        uint8_t type;
-        char letter;
-    } cases[] = {{kKing, 'K'},  {kPawn, ' '},   {kBishop, 'B'}, {kRook, 'R'},
-                 {kQueen, 'Q'}, {kKnight, 'N'}, {0, 'E'},       {3, 'E'}};
-    for (const auto& c : cases) EXPECT_EQ(TypeLetter(c.type), c.letter) << int{c.type};
-}
-
 TEST(Pieces, LettersReadInFenAndInMoveTexts) {
     const struct {
         char letter;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -29,6 +30,12 @@ class TestLine {
     TestLine& Play(const std::string& text) {
         boards_.emplace_back();
         MakeMove(boards_[boards_.size() - 2], text, boards_.back());
+        return *this;
+    }
+    // Moves separated by blanks.
+    TestLine& PlayLine(const std::string& moves) {
+        std::istringstream in(moves);
+        for (std::string move; in >> move;) Play(move);
         return *this;
     }
     const TChessboard& Now() const { return boards_.back(); }

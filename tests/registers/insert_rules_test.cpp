@@ -133,29 +133,30 @@ INSTANTIATE_TEST_SUITE_P(Register, CoherencyChecking,
                                            TCheckingCase{"NormalIsRepairedNotReported", kNormal, true, 0}),
                          [](const auto& info) { return std::string(info.param.name); });
 
+// The report shows the values and the position; an invalid position by its placement only.
 TEST(RegisterCoherencyChecking, ReportShowsValuesAndPosition) {
-    CRecordingReporter reporter;
-    TAggregatedTemporaryChessboardRegister reg(1000, 16);
-    reg.SetServices({.log = {}, .pReporter = &reporter, .languageId = kPolish, .bCheckCoherency = true});
-    reg.Insert(5, kPosition, true, kSpecial);
-    reg.Insert(7, kPosition, false, kSpecial);
-    const auto reports = reporter.Reports();
-    ASSERT_EQ(reports.size(), 1u);
-    EXPECT_EQ(reports[0].sTitle, "Error");
-    EXPECT_EQ(reports[0].sText,
-              "\n\nnMoves=7, bThereIsMate=0\nMovesMate=5, MovesNoMate=7\n3k4/8/8/8/8/8/8/R2K4 w - - 0 1");
-}
-
-TEST(RegisterCoherencyChecking, InvalidPositionIsShownByItsPlacement) {
-    CRecordingReporter reporter;
-    TAggregatedTemporaryChessboardRegister reg(1000, 16);
-    reg.SetServices({.log = {}, .pReporter = &reporter, .languageId = kEnglish, .bCheckCoherency = true});
-    const TChessboardRegisterItem noKings = KeyOf({{0, kWhite | kRook}});
-    reg.Insert(6, noKings, true, kSpecial);
-    reg.Insert(8, noKings, false, kSpecial);
-    const auto reports = reporter.Reports();
-    ASSERT_EQ(reports.size(), 1u);
-    EXPECT_EQ(reports[0].sText, "\n\nnMoves=8, bThereIsMate=0\nMovesMate=6, MovesNoMate=8\n8/8/8/8/8/8/8/R7");
+    const struct {
+        TChessboardRegisterItem key;
+        int languageId;
+        const char* text;
+    } cases[] = {
+        {kPosition, kPolish,
+         "\n\nnMoves=7, bThereIsMate=0\nMovesMate=5, MovesNoMate=7\n3k4/8/8/8/8/8/8/R2K4 w - - 0 1"},
+        {KeyOf({{0, kWhite | kRook}}), kEnglish,
+         "\n\nnMoves=7, bThereIsMate=0\nMovesMate=5, MovesNoMate=7\n8/8/8/8/8/8/8/R7"},
+    };
+    for (const auto& c : cases) {
+        CRecordingReporter reporter;
+        TAggregatedTemporaryChessboardRegister reg(1000, 16);
+        reg.SetServices(
+            {.log = {}, .pReporter = &reporter, .languageId = c.languageId, .bCheckCoherency = true});
+        reg.Insert(5, c.key, true, kSpecial);
+        reg.Insert(7, c.key, false, kSpecial);
+        const auto reports = reporter.Reports();
+        ASSERT_EQ(reports.size(), 1u);
+        EXPECT_EQ(reports[0].sTitle, "Error");
+        EXPECT_EQ(reports[0].sText, c.text);
+    }
 }
 
 }  // namespace

@@ -253,8 +253,6 @@ TEST(RegisterFileNames, ReportTexts) {
     TRegisterLoadResult result;
     result.bRead = true;
     EXPECT_EQ(LoadReportText(result, "a", kEnglish, false), "File has been read with errors: a");
-    result.bComplete = true;
-    EXPECT_EQ(LoadReportText(result, "a", kPolish, false), "Plik wczytany: a");
 }
 
 }  // namespace

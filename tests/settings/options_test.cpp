@@ -133,23 +133,6 @@ TEST(OptionsRead, QuotasUseIntegerDivision) {
     EXPECT_EQ(options.PrecalcQuotaBytes(), (3 * kGiB + 5) * 7 / 100);
 }
 
-// The keys the options dialog writes, in order; hand-edited keys never appear.
-constexpr const char* kDefaultsAsWritten =
-    "[chess]\nQuickMode=1\nSchedulerLevels=5\nCustomScheduler=1\nSchedulerThreadPool=1\nObserverLevels=0\n"
-    "LichessLevels=1\nWarnAboutSecondInstanceOfProgram=2\nPromptHeuristics=0\nMaxMemRatioForTempReg=20\n"
-    "ClearRegisterOnStartSolving=0\nMaxMemRatioForPrecalculatedData=20\nLetAnalyzeTheSameMoveInTwoThreads=1\n"
-    "CommentCompatibilityMode=0\nShowMainVariant=1\nUseMainVariantAsSortIndications=0\nLogMoves=0\n"
-    "RegisterInfoLog=0\nTryRelaxSpecialHeuristicsLog=0\nMinimizeToTray=2\nUseGlobalRules=1\n"
-    "GlobalRegisterForceDiskAccess=1\nMultithreadingLevels=1\nEnableManualEngineControl=0\n"
-    "UsePredefinedIndications=0\nAutoSaveMinutes=240\nAutoSaveMB=256\nPrepareSolutionDescription=2\n"
-    "SolutionDetailsMoves=10\n";
-
-TEST(OptionsWrite, WritesOfferedKeysInOrder) {
-    CTempFolder folder;
-    ASSERT_TRUE(WriteOptions(folder.File("options.ini"), TOptions{}));
-    EXPECT_EQ(folder.Read("options.ini"), kDefaultsAsWritten);
-}
-
 TEST(OptionsWrite, EveryWrittenValueReadsBack) {
     constexpr const char* kChanged =
         "[chess]\nQuickMode=0\nSchedulerLevels=-1\nCustomScheduler=0\nSchedulerThreadPool=0\nObserverLevels="

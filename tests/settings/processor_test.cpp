@@ -56,11 +56,6 @@ TEST(ProcessorToggle, StaleMenuIsReportedAndChangesNothing) {
               "Settings were changed outside the program.\nRetry the attempt to change settings.");
 }
 
-TEST(ProcessorMenu, ItemTextFollowsLanguage) {
-    EXPECT_EQ(ProcessorMenuText(3, kPolish), "Procesor 3");
-    EXPECT_EQ(ProcessorMenuText(3, kEnglish), "Processor 3");
-}
-
 TEST(ProcessorCount, CountsDistinctCoresOfAllPackages) {
     CTempFolder folder;
     auto addCpu = [&](const std::string& name, const std::string& package, const std::string& core) {

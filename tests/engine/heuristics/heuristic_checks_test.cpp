@@ -34,20 +34,16 @@ TEST(HeuristicChecks, EveryMessage) {
     const std::vector<TMessageCase> cases = {
         {TFields{.m_bOutOfEdge = true, .m_bDontLetKingMove = true},
          "Conflict of heuristics (\"Don't let bl.king move (unless immed.mate)\" and \"Don't let bl.king out "
-         "of "
-         "the edge\")"},
+         "of the edge\")"},
         {TFields{.m_bOutOfExtEdge = true, .m_bDontLetKingMove = true},
          "Conflict of heuristics (\"Don't let bl.king move (unless immed.mate)\" and \"Don't let bl.king out "
-         "of "
-         "ext.edge\")"},
+         "of ext.edge\")"},
         {TFields{.m_bMoveUnlessOnEdge = true, .m_bDontLetKingMove = true},
          "Conflict of heuristics (\"Don't let bl.king move (unless immed.mate)\" and \"Don't let bl.king "
-         "move "
-         "unless on the edge\")"},
+         "move unless on the edge\")"},
         {TFields{.m_bOutOfExtEdge = true, .m_bMoveUnlessOnEdge = true},
          "Conflict of heuristics: select only one of 'Don't let black king out of ext.edge' and '(Don't let "
-         "black "
-         "king) move unless back to the edge'"},
+         "black king) move unless back to the edge'"},
         {TFields{.m_bAllowExc = true},
          "Heuristics 'Don't let black king move' is off, while 'allow exc' is on.\nIt requires correction."},
         {TFields{.m_bKeepNearCorner = true, .m_sCornerDistance = "3"},
@@ -62,8 +58,7 @@ TEST(HeuristicChecks, EveryMessage) {
          "Defer check is meaningful only when 'on advanced pawn' or 'on figure captured' selected."},
         {TFields{.m_bInclPawns = true, .m_bInclPromotablePawns = true},
          "Only one of additional options of Don't lose any figures (incl. pawns + incl.promotable pawns) can "
-         "be "
-         "selected."},
+         "be selected."},
         {TFields{.m_bDontLeaveMainDiagonal = true, .m_sMainDiagonalFigure = "c5"},
          "Improper field (Black figure not let leave main diagonal)"},
         {TFields{.m_bDontLeaveMainDiagonal = true, .m_sMainDiagonalFigure = "d9"}, "Improper square: d9"},
@@ -134,10 +129,9 @@ TEST(HeuristicChecks, FfmRelaxationsWithoutRelaxationGiveANote) {
     const THeuristicsCheck check =
         Check(TFields{.m_bFindForcedMate = true, .m_sFfmRelaxations = "2", .m_bRelaxHeuristics = false});
     EXPECT_TRUE(check.m_bOk);
-    EXPECT_EQ(
-        check.m_vsNotes,
-        std::vector<std::string>{"Note: relaxation of heuristics is off, so setting for FFM (2 time(s)) will "
-                                 "be ignored"});
+    EXPECT_EQ(check.m_vsNotes,
+              std::vector<std::string>{
+                  "Note: relaxation of heuristics is off, so setting for FFM (2 time(s)) will be ignored"});
     EXPECT_TRUE(
         Check(TFields{.m_bFindForcedMate = true, .m_sFfmRelaxations = "0", .m_bRelaxHeuristics = false})
             .m_vsNotes.empty());

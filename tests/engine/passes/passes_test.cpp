@@ -198,20 +198,8 @@ TEST(Passes, RunRegisterDropsTheDoubtfulLinesOfARelaxedSet) {
     EXPECT_EQ(KeyTexts(run.request.position, r), (Labels{"Rh1-h3@2"}));
 }
 
-TEST(Passes, ModeLinesAndTexts) {
-    TPassState s;
-    EXPECT_EQ(QuickModeLine(s), "> Quick Mode implicit heuristics ON (see Options)");
-    s.safeMode = true;
-    EXPECT_EQ(QuickModeLine(s), "> Safe Mode (Quick Mode heuristics is OFF)");
-    s.safeModeForced = true;
-    EXPECT_EQ(QuickModeLine(s), "> Safe Mode forced by engine");
-    EXPECT_EQ(PassStatusLine(1, "c", "", 42.25, 123456789012LL, 0x80004, 17, 2),
-              "Pass 1c, 42.2% 123456789012 SH:80004h,TR:17(2)     \r");
-    EXPECT_EQ(SolutionCountText(TSolutionCount::Single), "* Search for single solution");
-    EXPECT_EQ(SolutionCountText(TSolutionCount::UpTo3), "* Search for no more than 3 solutions");
-    EXPECT_EQ(SolutionCountText(TSolutionCount::All), "* Search for all solutions");
-
-    // The sea snake step forces safe mode during the run, and says so.
+// The sea snake step forces safe mode during the run, and says so.
+TEST(Passes, SeaSnakeForcesSafeMode) {
     CRun run(kOneKey, SH_SEASNAKE | SH_AREKINGSNEAR, true);
     run.Run();
     EXPECT_NE(std::find(run.output.begin(), run.output.end(), "> Safe Mode forced by engine"),

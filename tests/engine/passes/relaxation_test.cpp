@@ -14,6 +14,7 @@
 #include "core/fen.h"
 #include "core/validation.h"
 #include "tests/core/test_line.h"
+#include "tests/support/temp_folder.h"
 
 namespace moremate {
 namespace {
@@ -30,21 +31,7 @@ const TChessboard kOpen = Root("8/8/8/3k4/8/8/PP6/R3K3 w - - 0 1", 12);
 // A single white rook. #12.
 const TChessboard kLoneRook = Root("8/8/8/3k4/8/8/8/R3K3 w - - 0 1", 12);
 
-// A fresh folder for log files, removed afterwards.
-class CTempFolder {
-  public:
-    CTempFolder()
-        : m_path(std::filesystem::temp_directory_path() /
-                 ("relaxation_test_" + std::to_string(getpid()) + "_" + std::to_string(++s_nCount))) {
-        std::filesystem::create_directories(m_path);
-    }
-    ~CTempFolder() { std::filesystem::remove_all(m_path); }
-    std::string File(const char* name) const { return (m_path / name).string(); }
-
-  private:
-    static inline int s_nCount = 0;
-    std::filesystem::path m_path;
-};
+using testing::CTempFolder;
 
 std::vector<std::string> Lines(const std::string& path) {
     std::ifstream in(path);
@@ -337,7 +324,7 @@ TEST(Relaxation, TimeDependentStepNearTheLimit) {
     for (const TimeCase& c : cases) {
         CTempFolder folder;
         TRelaxationEnvironment env = Env(kOpen, 5000 + c.calcTime);
-        env.engineLogPath = folder.File("engine.log");
+        env.engineLogPath = folder.File("engine.log").string();
         TPassState s = State(SH_AREKINGSNEAR);
         SetFfm(s, kFfmThreat1Plus, 0);
         s.passEndTimes[0] = 5000;
@@ -381,12 +368,12 @@ TEST(Relaxation, LogWritesBeforeAndAfterLines) {
     CTempFolder folder;
     TRelaxationEnvironment env = Env(kOpen);
     env.log = true;
-    env.logFolder = folder.File("");
+    env.logFolder = folder.Path().string();
     env.thread = -3;
     TPassState s = State(SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK);
     s.quickMode = false;
     TryRelaxSpecialHeuristics(s, env);
-    const std::vector<std::string> lines = Lines(folder.File("TryRelaxSpecialHeuristics.log"));
+    const std::vector<std::string> lines = Lines(folder.File("TryRelaxSpecialHeuristics.log").string());
     ASSERT_EQ(lines.size(), 2u);
     const std::string time = R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)";
     EXPECT_TRUE(
@@ -400,19 +387,17 @@ TEST(Relaxation, ShowPathText) {
     TPassState s = State(SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK | SH_ZUGZWANG);
     s.quickMode = false;
     EXPECT_EQ(RelaxationPathText(s, env),
-              "Pass 1: SH_AREKINGSNEAR, SH_SWEEPINGWHITEROOK, SH_ZUGZWANG\n\n"
-              "Pass 1b: SH_AREKINGSNEAR, SH_ZUGZWANG\n\n"
-              "Pass 1c: SH_AREKINGSNEAR");
+              "Pass 1: SH_AREKINGSNEAR, SH_SWEEPINGWHITEROOK, SH_ZUGZWANG\n\nPass 1b: SH_AREKINGSNEAR, "
+              "SH_ZUGZWANG\n\nPass 1c: SH_AREKINGSNEAR");
     EXPECT_EQ(s.set.mask, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK | SH_ZUGZWANG);  // the copy is relaxed
 
     TPassState ffm = State(0);
     ffm.quickMode = false;
     SetFfm(ffm, kFfmThreat1, 1);
     EXPECT_EQ(RelaxationPathText(ffm, env),
-              "Pass 1: SH_FINDFORCEDMATE(#1)\n\nPass 1b: SH_FINDFORCEDMATE(#1+)\n\n"
-              "* time-dependent relaxation (non-deterministic) - possible, but actually occurs only if all "
-              "previous "
-              "passes are completed in a short time");
+              "Pass 1: SH_FINDFORCEDMATE(#1)\n\nPass 1b: SH_FINDFORCEDMATE(#1+)\n\n* time-dependent "
+              "relaxation (non-deterministic) - possible, but actually occurs only if all previous passes "
+              "are completed in a short time");
 
     TPassState snake = State(SH_SEASNAKE | SH_AREKINGSNEAR);
     snake.quickMode = false;

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cctype>
 #include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -30,16 +29,16 @@ struct TLineCase {
     const char* why;
     THeuristicSet set;
     const char* fen;
-    int halfMoves;
-    std::vector<const char*> moves;
+    const char* moves;  // separated by blanks
     uint32_t expected;
+    int halfMoves = 9;
 };
 
 void ExpectVerdicts(const std::vector<TLineCase>& cases) {
     for (const TLineCase& c : cases) {
         const TChessboard start = test::Problem(c.fen, c.halfMoves);
         test::TestLine line(start);
-        for (const char* m : c.moves) line.Play(m);
+        line.PlayLine(c.moves);
         CSpecialHeuristics heuristics(c.set, start);
         EXPECT_EQ(heuristics.Check(line.Now()), c.expected) << c.why;
     }
@@ -56,24 +55,15 @@ TEST(SpecialHeuristics, KingZones) {
         With(SH_KEEPKINGWITHINEXTEDGE, [](THeuristicParameters& p) { p.edgeStrict = true; });
     const char* second = "8/8/8/8/8/1k6/8/4K2R w - -";
     ExpectVerdicts({
-        {"edge: the king steps off the edge",
-         edge,
-         kCornerKing,
-         9,
-         {"Rh1-h2", "Ka8-b7"},
-         SH_KEEPKINGONTHEEDGE},
-        {"edge: a step along the edge", edge, kCornerKing, 9, {"Rh1-h2", "Ka8-b8"}, 0},
-        {"edge incl.corner: b7 counts as edge", corner, kCornerKing, 9, {"Rh1-h2", "Ka8-b7"}, 0},
-        {"ext.edge: third line", ext, second, 9, {"Rh1-h2", "Kb3-c4"}, SH_KEEPKINGWITHINEXTEDGE},
-        {"ext.edge: second line", ext, second, 9, {"Rh1-h2", "Kb3-b4"}, 0},
-        {"ext.edge strict: moves only onto the edge",
-         extStrict,
-         second,
-         9,
-         {"Rh1-h2", "Kb3-b4"},
+        {"edge: the king steps off the edge", edge, kCornerKing, "Rh1-h2 Ka8-b7", SH_KEEPKINGONTHEEDGE},
+        {"edge: a step along the edge", edge, kCornerKing, "Rh1-h2 Ka8-b8", 0},
+        {"edge incl.corner: b7 counts as edge", corner, kCornerKing, "Rh1-h2 Ka8-b7", 0},
+        {"ext.edge: third line", ext, second, "Rh1-h2 Kb3-c4", SH_KEEPKINGWITHINEXTEDGE},
+        {"ext.edge: second line", ext, second, "Rh1-h2 Kb3-b4", 0},
+        {"ext.edge strict: moves only onto the edge", extStrict, second, "Rh1-h2 Kb3-b4",
          SH_KEEPKINGWITHINEXTEDGE},
-        {"ext.edge strict: onto the edge", extStrict, second, 9, {"Rh1-h2", "Kb3-a4"}, 0},
-        {"ext.edge strict: staying put", extStrict, second, 9, {"Rh1-h3"}, 0},
+        {"ext.edge strict: onto the edge", extStrict, second, "Rh1-h2 Kb3-a4", 0},
+        {"ext.edge strict: staying put", extStrict, second, "Rh1-h3", 0},
     });
 }
 
@@ -85,37 +75,14 @@ TEST(SpecialHeuristics, KingMayNotMove) {
     const char* pawnFree = "k7/8/8/6p1/8/8/6P1/1R2K3 w - -";
     const char* pawnBlocks = "k7/8/8/8/6p1/8/6P1/1R2K3 w - -";
     ExpectVerdicts({
-        {"strict: a king move along the edge",
-         strict,
-         kCornerKing,
-         9,
-         {"Rh1-h2", "Ka8-b8"},
+        {"strict: a king move along the edge", strict, kCornerKing, "Rh1-h2 Ka8-b8", SH_KEEPKINGONTHEEDGE},
+        {"strict: pawn moves are free", strict, "k7/7p/8/8/8/8/8/4K2R w - -", "Rh1-g1 h7-h6", 0},
+        {"almost strict: the first step away", almost, kCornerKing, "Rh1-h2 Ka8-b8", 0},
+        {"almost strict: and straight back", almost, kCornerKing, "Rh1-h2 Ka8-b8 Rh2-h3 Kb8-a8", 0},
+        {"almost strict: wandering on", almost, kCornerKing, "Rh1-h2 Ka8-b8 Rh2-h3 Kb8-c8",
          SH_KEEPKINGONTHEEDGE},
-        {"strict: pawn moves are free", strict, "k7/7p/8/8/8/8/8/4K2R w - -", 9, {"Rh1-g1", "h7-h6"}, 0},
-        {"almost strict: the first step away", almost, kCornerKing, 9, {"Rh1-h2", "Ka8-b8"}, 0},
-        {"almost strict: and straight back",
-         almost,
-         kCornerKing,
-         9,
-         {"Rh1-h2", "Ka8-b8", "Rh2-h3", "Kb8-a8"},
-         0},
-        {"almost strict: wandering on",
-         almost,
-         kCornerKing,
-         9,
-         {"Rh1-h2", "Ka8-b8", "Rh2-h3", "Kb8-c8"},
-         SH_KEEPKINGONTHEEDGE},
-        {"almost strict: a pawn move that ends blocked",
-         almost,
-         pawnBlocks,
-         9,
-         {"Rb1-c1", "Ka8-a7", "Ke1-d1", "g4-g3"},
-         0},
-        {"almost strict: a free pawn move while away",
-         almost,
-         pawnFree,
-         9,
-         {"Rb1-c1", "Ka8-a7", "Ke1-d1", "g5-g4"},
+        {"almost strict: a pawn move that ends blocked", almost, pawnBlocks, "Rb1-c1 Ka8-a7 Ke1-d1 g4-g3", 0},
+        {"almost strict: a free pawn move while away", almost, pawnFree, "Rb1-c1 Ka8-a7 Ke1-d1 g5-g4",
          SH_KEEPKINGONTHEEDGE},
     });
 }
@@ -128,10 +95,10 @@ TEST(SpecialHeuristics, CornerDistanceInSquaresAndMoves) {
     };
     const char* fen = "8/8/8/8/8/8/2k5/4K2R w - -";
     ExpectVerdicts({
-        {"c3 is 4 squares from a1", corner(3), fen, 9, {"Rh1-h8", "Kc2-c3"}, SH_KEEPKINGNEARCORNER},
-        {"b2 is 2 squares from a1", corner(3), fen, 9, {"Rh1-h8", "Kc2-b2"}, 0},
-        {"c3 is 2 king moves from a1", corner(-2), fen, 9, {"Rh1-h8", "Kc2-c3"}, 0},
-        {"1M: c3 too far", corner(-1), fen, 9, {"Rh1-h8", "Kc2-c3"}, SH_KEEPKINGNEARCORNER},
+        {"c3 is 4 squares from a1", corner(3), fen, "Rh1-h8 Kc2-c3", SH_KEEPKINGNEARCORNER},
+        {"b2 is 2 squares from a1", corner(3), fen, "Rh1-h8 Kc2-b2", 0},
+        {"c3 is 2 king moves from a1", corner(-2), fen, "Rh1-h8 Kc2-c3", 0},
+        {"1M: c3 too far", corner(-1), fen, "Rh1-h8 Kc2-c3", SH_KEEPKINGNEARCORNER},
     });
 }
 
@@ -156,35 +123,17 @@ TEST(SpecialHeuristics, EdgeRelaxation) {
     const char* advanced = "k7/8/6P1/8/8/8/8/4K2R w - -";
     const char* knightFar = "k7/8/8/8/8/8/8/n3K2R w - -";
     ExpectVerdicts({
-        {"a captured figure relaxes the edge", capture, knight, 9, {"Rb1:b7", "Ka8:b7"}, 0},
-        {"without relaxation",
-         With(SH_KEEPKINGONTHEEDGE),
-         knight,
-         9,
-         {"Rb1:b7", "Ka8:b7"},
+        {"a captured figure relaxes the edge", capture, knight, "Rb1:b7 Ka8:b7", 0},
+        {"without relaxation", With(SH_KEEPKINGONTHEEDGE), knight, "Rb1:b7 Ka8:b7", SH_KEEPKINGONTHEEDGE},
+        {"an advanced pawn relaxes the edge", pawn, advanced, "Rh1-h2 Ka8-b7", 0},
+        {"relaxation for ext.edge only", pawnExtOnly, advanced, "Rh1-h2 Ka8-b7", SH_KEEPKINGONTHEEDGE},
+        {"deferred: just left", defer(false), knightFar, "Rh1-h2 Ka8-b7", 0},
+        {"deferred: one White move later", defer(false), knightFar, "Rh1-h2 Ka8-b7 Rh2-h3", 0},
+        {"deferred: time is up", defer(false), knightFar, "Rh1-h2 Ka8-b7 Rh2-h3 Kb7-c7",
          SH_KEEPKINGONTHEEDGE},
-        {"an advanced pawn relaxes the edge", pawn, advanced, 9, {"Rh1-h2", "Ka8-b7"}, 0},
-        {"relaxation for ext.edge only",
-         pawnExtOnly,
-         advanced,
-         9,
-         {"Rh1-h2", "Ka8-b7"},
+        {"no defer when nothing is left to capture", defer(true), kCornerKing, "Rh1-h2 Ka8-b7",
          SH_KEEPKINGONTHEEDGE},
-        {"deferred: just left", defer(false), knightFar, 9, {"Rh1-h2", "Ka8-b7"}, 0},
-        {"deferred: one White move later", defer(false), knightFar, 9, {"Rh1-h2", "Ka8-b7", "Rh2-h3"}, 0},
-        {"deferred: time is up",
-         defer(false),
-         knightFar,
-         9,
-         {"Rh1-h2", "Ka8-b7", "Rh2-h3", "Kb7-c7"},
-         SH_KEEPKINGONTHEEDGE},
-        {"no defer when nothing is left to capture",
-         defer(true),
-         kCornerKing,
-         9,
-         {"Rh1-h2", "Ka8-b7"},
-         SH_KEEPKINGONTHEEDGE},
-        {"defer while a figure can still be captured", defer(true), knightFar, 9, {"Rh1-h2", "Ka8-b7"}, 0},
+        {"defer while a figure can still be captured", defer(true), knightFar, "Rh1-h2 Ka8-b7", 0},
     });
 }
 
@@ -198,24 +147,15 @@ TEST(SpecialHeuristics, WhiteMaterial) {
     const char* pawnLow = "k7/8/8/8/8/8/r1P5/4K3 w - -";
     const char* pawnHigh = "k7/r1P5/8/8/8/8/8/4K3 w - -";
     ExpectVerdicts({
-        {"a figure lost",
-         lose(0),
-         "k7/8/8/8/8/8/r7/N3K3 w - -",
-         9,
-         {"Ke1-f1", "Ra2:a1"},
+        {"a figure lost", lose(0), "k7/8/8/8/8/8/r7/N3K3 w - -", "Ke1-f1 Ra2:a1", SH_DONTLOSEANYFIGURES},
+        {"pawns do not count", lose(0), pawnLow, "Ke1-f1 Ra2:c2", 0},
+        {"incl.pawns", lose(1), pawnLow, "Ke1-f1 Ra2:c2", SH_DONTLOSEANYFIGURES},
+        {"before promotion: a pawn far back", lose(2), pawnLow, "Ke1-f1 Ra2:c2", 0},
+        {"before promotion: a pawn on the seventh", lose(2), pawnHigh, "Ke1-f1 Ra7:c7",
          SH_DONTLOSEANYFIGURES},
-        {"pawns do not count", lose(0), pawnLow, 9, {"Ke1-f1", "Ra2:c2"}, 0},
-        {"incl.pawns", lose(1), pawnLow, 9, {"Ke1-f1", "Ra2:c2"}, SH_DONTLOSEANYFIGURES},
-        {"before promotion: a pawn far back", lose(2), pawnLow, 9, {"Ke1-f1", "Ra2:c2"}, 0},
-        {"before promotion: a pawn on the seventh",
-         lose(2),
-         pawnHigh,
-         9,
-         {"Ke1-f1", "Ra7:c7"},
-         SH_DONTLOSEANYFIGURES},
-        {"the last rook lost", save, "k7/8/8/8/8/8/r7/R3K3 w - -", 9, {"Ke1-f1", "Ra2:a1"}, SH_SAVEQUEENROOK},
-        {"another rook left", save, "k7/8/8/8/8/8/r7/R3K2R w - -", 9, {"Ke1-f1", "Ra2:a1"}, 0},
-        {"a promotion is coming", save, "k7/2P5/8/8/8/8/r7/R3K3 w - -", 9, {"Ke1-f1", "Ra2:a1"}, 0},
+        {"the last rook lost", save, "k7/8/8/8/8/8/r7/R3K3 w - -", "Ke1-f1 Ra2:a1", SH_SAVEQUEENROOK},
+        {"another rook left", save, "k7/8/8/8/8/8/r7/R3K2R w - -", "Ke1-f1 Ra2:a1", 0},
+        {"a promotion is coming", save, "k7/2P5/8/8/8/8/r7/R3K3 w - -", "Ke1-f1 Ra2:a1", 0},
     });
 }
 
@@ -223,15 +163,10 @@ TEST(SpecialHeuristics, CaptureKnightInTime) {
     const THeuristicSet knight = With(SH_CAPTUREKNIGHT);
     const char* fen = "k7/8/8/3n4/8/8/8/K5R1 w - -";
     ExpectVerdicts({
-        {"no move left for the capture", knight, fen, 3, {"Rg1-g2", "Nd5-e3"}, SH_CAPTUREKNIGHT},
-        {"capture and mate left, knight not attacked",
-         knight,
-         fen,
-         5,
-         {"Rg1-g2", "Nd5-e3"},
-         SH_CAPTUREKNIGHT},
-        {"capture and mate left, knight attacked", knight, fen, 5, {"Rg1-g3", "Nd5-e3"}, 0},
-        {"time to spare", knight, fen, 7, {"Rg1-g2", "Nd5-e3"}, 0},
+        {"no move left for the capture", knight, fen, "Rg1-g2 Nd5-e3", SH_CAPTUREKNIGHT, 3},
+        {"capture and mate left, knight not attacked", knight, fen, "Rg1-g2 Nd5-e3", SH_CAPTUREKNIGHT, 5},
+        {"capture and mate left, knight attacked", knight, fen, "Rg1-g3 Nd5-e3", 0, 5},
+        {"time to spare", knight, fen, "Rg1-g2 Nd5-e3", 0, 7},
     });
 }
 
@@ -245,17 +180,12 @@ TEST(SpecialHeuristics, BlockedFigures) {
     };
     const char* fen = "kr6/8/8/8/8/8/8/4K2R w - -";
     ExpectVerdicts({
-        {"one square is allowed", dlfu(false), fen, 9, {"Rh1-h2", "Rb8-c8"}, 0},
-        {"farther is not", dlfu(false), fen, 9, {"Rh1-h2", "Rb8-b5"}, SH_DONTLETFIGUREUNBLOCK},
-        {"step by step is traced",
-         dlfu(false),
-         fen,
-         9,
-         {"Rh1-h2", "Rb8-c8", "Rh2-h3", "Rc8-d8"},
-         SH_DONTLETFIGUREUNBLOCK},
-        {"into en prise", dlfu(false), fen, 9, {"Rh1-h5", "Rb8-b5"}, 0},
-        {"EFF: no en prise exception", dlfu(true), fen, 9, {"Rh1-h5", "Rb8-b5"}, SH_DONTLETFIGUREUNBLOCK},
-        {"unlisted figures are free", With(SH_DONTLETFIGUREUNBLOCK), fen, 9, {"Rh1-h2", "Rb8-b5"}, 0},
+        {"one square is allowed", dlfu(false), fen, "Rh1-h2 Rb8-c8", 0},
+        {"farther is not", dlfu(false), fen, "Rh1-h2 Rb8-b5", SH_DONTLETFIGUREUNBLOCK},
+        {"step by step is traced", dlfu(false), fen, "Rh1-h2 Rb8-c8 Rh2-h3 Rc8-d8", SH_DONTLETFIGUREUNBLOCK},
+        {"into en prise", dlfu(false), fen, "Rh1-h5 Rb8-b5", 0},
+        {"EFF: no en prise exception", dlfu(true), fen, "Rh1-h5 Rb8-b5", SH_DONTLETFIGUREUNBLOCK},
+        {"unlisted figures are free", With(SH_DONTLETFIGUREUNBLOCK), fen, "Rh1-h2 Rb8-b5", 0},
     });
 }
 
@@ -265,23 +195,15 @@ TEST(SpecialHeuristics, BlackQueenAndPromotedFigures) {
     const THeuristicSet figure = With(SH_DONTLETPROMOTEDFIGUREMOVE);
     const char* promote = "k7/8/8/8/8/8/p7/4K2R b - -";
     ExpectVerdicts({
-        {"first check", twice, "k6q/8/8/8/8/8/8/4K3 w - -", 9, {"Ke1-d2", "Qh8-h6"}, 0},
-        {"second check",
-         twice,
-         "k6q/8/8/8/8/8/8/4K3 w - -",
-         9,
-         {"Ke1-d2", "Qh8-h6", "Kd2-c2", "Qh6-h7"},
+        {"first check", twice, "k6q/8/8/8/8/8/8/4K3 w - -", "Ke1-d2 Qh8-h6", 0},
+        {"second check", twice, "k6q/8/8/8/8/8/8/4K3 w - -", "Ke1-d2 Qh8-h6 Kd2-c2 Qh6-h7",
          SH_DONTLETBLACKQUEENCHECKTWICE},
-        {"a check into en prise does not count",
-         twice,
-         "k6q/8/1R6/8/8/8/8/4K3 w - -",
-         9,
-         {"Ke1-d2", "Qh8-h6", "Kd2-c2", "Qh6-h7"},
-         0},
-        {"a promoted queen left free", queen, promote, 10, {"a2-a1Q", "Ke1-e2"}, SH_DONTLETPROMOTEDQUEENMOVE},
-        {"a promoted knight is no queen", queen, promote, 10, {"a2-a1N", "Ke1-e2"}, 0},
-        {"any promoted figure", figure, promote, 10, {"a2-a1N", "Ke1-e2"}, SH_DONTLETPROMOTEDFIGUREMOVE},
-        {"a queen from the start", queen, "k7/8/8/8/8/8/q7/4K2R w - -", 9, {"Rh1-h2"}, 0},
+        {"a check into en prise does not count", twice, "k6q/8/1R6/8/8/8/8/4K3 w - -",
+         "Ke1-d2 Qh8-h6 Kd2-c2 Qh6-h7", 0},
+        {"a promoted queen left free", queen, promote, "a2-a1Q Ke1-e2", SH_DONTLETPROMOTEDQUEENMOVE, 10},
+        {"a promoted knight is no queen", queen, promote, "a2-a1N Ke1-e2", 0, 10},
+        {"any promoted figure", figure, promote, "a2-a1N Ke1-e2", SH_DONTLETPROMOTEDFIGUREMOVE, 10},
+        {"a queen from the start", queen, "k7/8/8/8/8/8/q7/4K2R w - -", "Rh1-h2", 0},
     });
 }
 
@@ -294,32 +216,19 @@ TEST(SpecialHeuristics, KingsOfMiniatures) {
     const THeuristicSet three = With(SH_3MOVESTOMATE);
     const char* open = "8/8/8/3k4/8/8/8/K5R1 w - -";
     ExpectVerdicts({
-        {"kings too far apart for a mate in two",
-         near,
-         "7k/8/8/8/8/8/8/K5R1 w - -",
-         3,
-         {"Rg1-g2"},
-         SH_AREKINGSNEAR},
-        {"time enough to come close", near, "7k/8/8/8/8/8/8/K5R1 w - -", 15, {"Rg1-g2"}, 0},
-        {"the white king steps back",
-         recede,
-         "7k/8/8/8/8/8/1K6/6R1 w - -",
-         9,
-         {"Kb2-a1"},
-         SH_DONTRECEDEBLACKKING},
-        {"the white king closes in", recede, "7k/8/8/8/8/8/1K6/6R1 w - -", 9, {"Kb2-c3"}, 0},
-        {"a king in the open", surround, open, 9, {"Ka1-b1"}, SH_ASSERTBLACKKINGSURROUNDED},
-        {"checks are exempt", surround, open, 9, {"Rg1-d1"}, 0},
-        {"three free squares", surround, "7k/8/8/8/8/8/8/K1R5 w - -", 9, {"Ka1-b1"}, 0},
-        {"three free squares, strict",
-         surroundStrict,
-         "7k/8/8/8/8/8/8/K1R5 w - -",
-         9,
-         {"Ka1-b1"},
+        {"kings too far apart for a mate in two", near, "7k/8/8/8/8/8/8/K5R1 w - -", "Rg1-g2",
+         SH_AREKINGSNEAR, 3},
+        {"time enough to come close", near, "7k/8/8/8/8/8/8/K5R1 w - -", "Rg1-g2", 0, 15},
+        {"the white king steps back", recede, "7k/8/8/8/8/8/1K6/6R1 w - -", "Kb2-a1", SH_DONTRECEDEBLACKKING},
+        {"the white king closes in", recede, "7k/8/8/8/8/8/1K6/6R1 w - -", "Kb2-c3", 0},
+        {"a king in the open", surround, open, "Ka1-b1", SH_ASSERTBLACKKINGSURROUNDED},
+        {"checks are exempt", surround, open, "Rg1-d1", 0},
+        {"three free squares", surround, "7k/8/8/8/8/8/8/K1R5 w - -", "Ka1-b1", 0},
+        {"three free squares, strict", surroundStrict, "7k/8/8/8/8/8/8/K1R5 w - -", "Ka1-b1",
          SH_ASSERTBLACKKINGSURROUNDED},
-        {"three moves left, king in the open", three, open, 7, {"Rg1-g2", "Kd5-d4"}, SH_3MOVESTOMATE},
-        {"four moves left", three, open, 9, {"Rg1-g2", "Kd5-d4"}, 0},
-        {"enough force", three, "8/8/8/3k4/8/8/8/KQ4R1 w - -", 7, {"Rg1-g2", "Kd5-d4"}, 0},
+        {"three moves left, king in the open", three, open, "Rg1-g2 Kd5-d4", SH_3MOVESTOMATE, 7},
+        {"four moves left", three, open, "Rg1-g2 Kd5-d4", 0},
+        {"enough force", three, "8/8/8/3k4/8/8/8/KQ4R1 w - -", "Rg1-g2 Kd5-d4", 0, 7},
     });
 }
 
@@ -336,37 +245,23 @@ TEST(SpecialHeuristics, LinesAndTiedPieces) {
     const THeuristicSet single = With(SH_SINGLEQUEENMATE);
     const char* bishop = "k7/6b1/8/8/8/8/1B6/4K3 w - -";
     ExpectVerdicts({
-        {"the bishop leaves a1-h8", diagonal, bishop, 9, {"Bb2-a3"}, SH_DONTLEAVEMAINDIAGONAL},
-        {"the bishop keeps to it", diagonal, bishop, 9, {"Bb2-e5"}, 0},
-        {"the black bishop leaves it",
-         blackDiagonal,
-         bishop,
-         9,
-         {"Ke1-d1", "Bg7-h6"},
+        {"the bishop leaves a1-h8", diagonal, bishop, "Bb2-a3", SH_DONTLEAVEMAINDIAGONAL},
+        {"the bishop keeps to it", diagonal, bishop, "Bb2-e5", 0},
+        {"the black bishop leaves it", blackDiagonal, bishop, "Ke1-d1 Bg7-h6", SH_DONTLEAVEMAINDIAGONAL},
+        {"the black bishop steps back off it", blackDiagonal, bishop, "Ke1-d1 Bg7-f8",
          SH_DONTLEAVEMAINDIAGONAL},
-        {"the black bishop steps back off it",
-         blackDiagonal,
-         bishop,
-         9,
-         {"Ke1-d1", "Bg7-f8"},
-         SH_DONTLEAVEMAINDIAGONAL},
-        {"along the diagonal", blackDiagonal, bishop, 9, {"Ke1-d1", "Bg7-f6"}, 0},
-        {"the key file left empty", keyLine, kCornerKing, 9, {"Rh1-g1"}, SH_KEYLINE},
-        {"a move along the key file", keyLine, kCornerKing, 9, {"Rh1-h5"}, 0},
-        {"another rook holds it", keyLine, "k7/8/8/8/8/8/7R/4K2R w - -", 9, {"Rh1-g1"}, 0},
-        {"along the key diagonal", keyDiagonal, "k7/8/8/8/8/8/8/1B2K3 w - -", 9, {"Bb1-c2"}, 0},
-        {"off the key diagonal", keyDiagonal, "k7/8/8/8/8/8/8/1B2K3 w - -", 9, {"Bb1-a2"}, SH_KEYDIAGONAL},
-        {"the rook sweeps its rank", sweep, "7k/8/8/8/8/8/8/R3K3 w - -", 9, {"Ra1-b1"}, 0},
-        {"the rook leaves its rank", sweep, "7k/8/8/8/8/8/8/R3K3 w - -", 9, {"Ra1-a5"}, SH_SWEEPINGWHITEROOK},
-        {"unless to take a pawn", sweep, "7k/8/8/8/p7/8/8/R3K3 w - -", 9, {"Ra1:a4"}, 0},
-        {"the queen moves", single, "7k/7p/8/8/8/8/8/1Q2K3 w - -", 9, {"Qb1-c1", "Kh8-g8"}, 0},
-        {"the white king is tied", single, "7k/7p/8/8/8/8/8/1Q2K3 w - -", 9, {"Ke1-d1"}, SH_SINGLEQUEENMATE},
-        {"a black pawn is tied",
-         single,
-         "7k/7p/8/8/8/8/8/1Q2K3 w - -",
-         9,
-         {"Qb1-c1", "h7-h6"},
-         SH_SINGLEQUEENMATE},
+        {"along the diagonal", blackDiagonal, bishop, "Ke1-d1 Bg7-f6", 0},
+        {"the key file left empty", keyLine, kCornerKing, "Rh1-g1", SH_KEYLINE},
+        {"a move along the key file", keyLine, kCornerKing, "Rh1-h5", 0},
+        {"another rook holds it", keyLine, "k7/8/8/8/8/8/7R/4K2R w - -", "Rh1-g1", 0},
+        {"along the key diagonal", keyDiagonal, "k7/8/8/8/8/8/8/1B2K3 w - -", "Bb1-c2", 0},
+        {"off the key diagonal", keyDiagonal, "k7/8/8/8/8/8/8/1B2K3 w - -", "Bb1-a2", SH_KEYDIAGONAL},
+        {"the rook sweeps its rank", sweep, "7k/8/8/8/8/8/8/R3K3 w - -", "Ra1-b1", 0},
+        {"the rook leaves its rank", sweep, "7k/8/8/8/8/8/8/R3K3 w - -", "Ra1-a5", SH_SWEEPINGWHITEROOK},
+        {"unless to take a pawn", sweep, "7k/8/8/8/p7/8/8/R3K3 w - -", "Ra1:a4", 0},
+        {"the queen moves", single, "7k/7p/8/8/8/8/8/1Q2K3 w - -", "Qb1-c1 Kh8-g8", 0},
+        {"the white king is tied", single, "7k/7p/8/8/8/8/8/1Q2K3 w - -", "Ke1-d1", SH_SINGLEQUEENMATE},
+        {"a black pawn is tied", single, "7k/7p/8/8/8/8/8/1Q2K3 w - -", "Qb1-c1 h7-h6", SH_SINGLEQUEENMATE},
     });
 }
 
@@ -378,17 +273,12 @@ TEST(SpecialHeuristics, RulesOfTheEnginesOwnDetections) {
     const char* prison = "k7/8/1K6/4B3/8/8/8/8 w - -";
     const char* ending = "8/8/2k5/p7/P7/2K5/8/8 w - -";
     ExpectVerdicts({
-        {"the blockade holds", blockade, blocked, 9, {"Rh3-h4"}, 0},
-        {"the rook offers e4 a capture", blockade, blocked, 9, {"Rh3-f3"}, SH_USEBLOCKBLACKPAWNSLEVEL},
-        {"the bishop keeps guarding b8", key, prison, 9, {"Be5-f4"}, 0},
-        {"the bishop leaves b8 unguarded", key, prison, 9, {"Be5-d4"}, SH_KEYSQUARE},
-        {"a step away from the black king", tempo, ending, 9, {"Kc3-d2", "Kc6-b6", "Kd2-e2"}, 0},
-        {"a walk away from the black king",
-         tempo,
-         ending,
-         9,
-         {"Kc3-d2", "Kc6-b6", "Kd2-e1"},
-         SH_ZUGZWANGTRIANGLES},
+        {"the blockade holds", blockade, blocked, "Rh3-h4", 0},
+        {"the rook offers e4 a capture", blockade, blocked, "Rh3-f3", SH_USEBLOCKBLACKPAWNSLEVEL},
+        {"the bishop keeps guarding b8", key, prison, "Be5-f4", 0},
+        {"the bishop leaves b8 unguarded", key, prison, "Be5-d4", SH_KEYSQUARE},
+        {"a step away from the black king", tempo, ending, "Kc3-d2 Kc6-b6 Kd2-e2", 0},
+        {"a walk away from the black king", tempo, ending, "Kc3-d2 Kc6-b6 Kd2-e1", SH_ZUGZWANGTRIANGLES},
     });
 }
 
@@ -401,15 +291,10 @@ TEST(SpecialHeuristics, TempoPatterns) {
         return set;
     };
     ExpectVerdicts({
-        {"onto the triangle", snake(0), kCornerKing, 9, {"Ke1-d2"}, 0},
-        {"off the triangle", snake(0), kCornerKing, 9, {"Ke1-f2"}, SH_SEASNAKE},
-        {"before \"only after\"", snake(1), kCornerKing, 9, {"Ke1-f2"}, 0},
-        {"no precalculated data: never doubtful",
-         With(SH_REDUCTIONTOGLOBREGPOS),
-         kCornerKing,
-         9,
-         {"Rh1-h2"},
-         0},
+        {"onto the triangle", snake(0), kCornerKing, "Ke1-d2", 0},
+        {"off the triangle", snake(0), kCornerKing, "Ke1-f2", SH_SEASNAKE},
+        {"before \"only after\"", snake(1), kCornerKing, "Ke1-f2", 0},
+        {"no precalculated data: never doubtful", With(SH_REDUCTIONTOGLOBREGPOS), kCornerKing, "Rh1-h2", 0},
     });
     // The zugzwang position is the one after 1. Kd1.
     const TChessboard start = test::Problem(kCornerKing, 9);
@@ -424,10 +309,10 @@ TEST(SpecialHeuristics, TempoPatterns) {
         return set;
     };
     ExpectVerdicts({
-        {"reached on time", zugzwang(1), kCornerKing, 9, {"Ke1-d1"}, 0},
-        {"missed", zugzwang(1), kCornerKing, 9, {"Ke1-f1"}, SH_ZUGZWANG},
-        {"reached before the deadline", zugzwang(2), kCornerKing, 9, {"Ke1-d1", "Ka8-b8", "Kd1-c1"}, 0},
-        {"never reached", zugzwang(2), kCornerKing, 9, {"Ke1-f1", "Ka8-b8", "Kf1-e1"}, SH_ZUGZWANG},
+        {"reached on time", zugzwang(1), kCornerKing, "Ke1-d1", 0},
+        {"missed", zugzwang(1), kCornerKing, "Ke1-f1", SH_ZUGZWANG},
+        {"reached before the deadline", zugzwang(2), kCornerKing, "Ke1-d1 Ka8-b8 Kd1-c1", 0},
+        {"never reached", zugzwang(2), kCornerKing, "Ke1-f1 Ka8-b8 Kf1-e1", SH_ZUGZWANG},
     });
 }
 
@@ -475,14 +360,9 @@ TEST(SpecialHeuristics, OtherHeuristicsUnderFindForcedMate) {
         return s;
     };
     ExpectVerdicts({
-        {"FindForcedMate alone", set(0), kCornerKing, 9, {"Rh1-h2", "Ka8-b7"}, 0},
-        {"partially: not on the first moves",
-         set(1),
-         kCornerKing,
-         9,
-         {"Rh1-h2", "Ka8-b7"},
-         SH_KEEPKINGONTHEEDGE},
-        {"fully", set(2), kCornerKing, 9, {"Rh1-h2", "Ka8-b7"}, SH_KEEPKINGONTHEEDGE},
+        {"FindForcedMate alone", set(0), kCornerKing, "Rh1-h2 Ka8-b7", 0},
+        {"partially: not on the first moves", set(1), kCornerKing, "Rh1-h2 Ka8-b7", SH_KEEPKINGONTHEEDGE},
+        {"fully", set(2), kCornerKing, "Rh1-h2 Ka8-b7", SH_KEEPKINGONTHEEDGE},
     });
 }
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/run/run_texts.h"
 #include "tests/core/test_line.h"
 
 namespace moremate {
@@ -30,19 +29,6 @@ TEST(RunServices, RootProvenInTheRegisterIsNotSearched) {
     EXPECT_EQ(known.result, kNoMate);
     EXPECT_EQ(known.nodes, 0u);
     EXPECT_TRUE(known.passes.empty());
-}
-
-TEST(RunTexts, ResultOfAnalysisAndQuitQuestion) {
-    EXPECT_EQ(NoSolutionText(-1, false), "No solution found");
-    EXPECT_EQ(NoSolutionText(0, false), "No solution found (0 sec.)");
-    EXPECT_EQ(
-        NoSolutionText(75, true),
-        "No solution found (75 sec.) NOTE: Pass without heuristics is currently switched off (see heuristics "
-        "selection dialog box)");
-    EXPECT_EQ(SolutionsSoFarText(2), "Solutions found so far: 2");
-    EXPECT_EQ(RefutationsSoFarText(0), "Refutations found so far: 0");
-    EXPECT_EQ(QuitQuestionText(3),
-              "Search for solution is pending for 3 problem(s).\nAre you sure you want to quit?");
 }
 
 }  // namespace

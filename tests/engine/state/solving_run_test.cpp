@@ -18,13 +18,6 @@ TEST(SolvingRun, SchedulerLevelsFollowTheDepth) {
         EXPECT_EQ(SchedulerLevelsForRun(c.setting, c.depth, c.secondKind), c.levels) << c.depth;
 }
 
-TEST(SolvingRun, SafeModeWhenQuickModeIsOffForcedOrBruteForce) {
-    EXPECT_FALSE(SafeModeForRun(true, false, false));
-    EXPECT_TRUE(SafeModeForRun(false, false, false));
-    EXPECT_TRUE(SafeModeForRun(true, true, false));
-    EXPECT_TRUE(SafeModeForRun(true, false, true));
-}
-
 TEST(SolvingRun, StateReportFollowsRunningProblems) {
     {
         const CSolvingRunScope first(11, true), second(12, false);
@@ -37,18 +30,6 @@ TEST(SolvingRun, StateReportFollowsRunningProblems) {
     const std::string after = RunStateReport();
     EXPECT_NE(after.find("g_bRunning=0\n"), std::string::npos) << after;
     EXPECT_NE(after.find("setRunningProblemsIds=0\n"), std::string::npos) << after;
-}
-
-TEST(SolvingRun, ClosingTexts) {
-    EXPECT_EQ(RunOutcomeText(7, 2, ""),
-              "Thread solving problem 7 has completed successfully.\n2 solution(s) found of the problem 7");
-    EXPECT_EQ(RunOutcomeText(7, 0, ""),
-              "Thread solving problem 7 has completed successfully.\nNo solution found of the problem 7");
-    EXPECT_EQ(RunOutcomeText(7, 0, "Out of memory."),
-              "Thread solving problem 7 completed with error:\n\nOut of memory.");
-    EXPECT_EQ(TimeLimitHitText(20), "Solving time limit hit: 20 seconds\n");
-    EXPECT_EQ(EngineEndLine(true, "solved"), "Engine has completed: solved");
-    EXPECT_EQ(EngineEndLine(false, "stopped"), "Engine stopped: stopped");
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ TEST(MultithreadingLevels, MainThreadsAreTToTheLAndNoMoreThanTheMovesKeepBusy) {
     EXPECT_EQ(ThreadsText("AllSolutions,", 12, 0), "AllSolutions,12thrd(s)");
 }
 
-// The twelve variants give one result; anything outside them is refused, also through Solve.
+// The twelve variants give one result; anything outside them is refused.
 TEST(MultithreadingLevels, DispatchRunsTheTwelveVariantsAndRefusesOthers) {
     TChessboard root;
     ASSERT_TRUE(ReadFen("8/Q7/8/8/8/8/8/2k1K2R w K - 0 1", root));
@@ -73,13 +73,6 @@ TEST(MultithreadingLevels, DispatchRunsTheTwelveVariantsAndRefusesOthers) {
     EXPECT_EQ(errorOf({9, 1, 2}), prefix + "VerifyHeuristics");
     task.m_byVariant = kMaxTaskVariant + 1;
     EXPECT_EQ(errorOf({9, 1, 1}), prefix + "bAllowExceptions");
-
-    TSolveRequest request = Request(kMateInFour, 4);
-    request.threads = 2;
-    request.levelContext.m_shLookForQuickerMateDepth = QuickMateDepthPlies(7);
-    const TSolveResult r = Solve(request, nullptr);
-    EXPECT_EQ(r.error, prefix + "m_shLookForQuickerMateDepth");
-    EXPECT_EQ(g_nMainThreadsRunning.load(), 0);
 }
 
 TEST(MultithreadingLevels, PassThreadsFollowTheRunTheHeuristicsAndTheHybridPhase) {

@@ -46,25 +46,13 @@ TEST(CollectionFiles, AFolderIsNeitherOverwrittenNorBackedUp) {
     EXPECT_FALSE(std::filesystem::exists(folder.File("set.cp.BAK")));
 }
 
-TEST(CollectionFiles, UnwritableFileReportsItsName) {
-    const std::filesystem::path file = "/nonexistent-folder-of-moremate/set.cp";
-    try {
-        WriteCollectionFile(file, Problems("x"));
-        FAIL();
-    } catch (const ChessException& error) {
-        EXPECT_EQ(error.what(), "Error opening file: " + file.string());
-    }
-}
-
 TEST(CollectionFiles, NewCollectionHoldsTheTemplate) {
     CTempFolder folder;
     const auto file = folder.File("new.cp");
     CRecordingReporter reporter;
     ASSERT_TRUE(CreateNewCollection(file, {&reporter, kEnglish}));
     EXPECT_TRUE(reporter.Reports().empty());
-    EXPECT_EQ(FileText(file),
-              "UTF-8\n\n1 #2\n{\n\tDesc: Click here to change problem description\n\tWhite: Ke1\n\tBlack: "
-              "Ke8\n}\n");
+    EXPECT_EQ(FileText(file), kNewCollectionText);
     const ProblemEntry entry = testing::ReadOne(FileText(file));
     EXPECT_EQ(entry.m_nPlies, 3);
     EXPECT_EQ(entry.m_sDescription, "Click here to change problem description");

@@ -35,9 +35,6 @@ TEST_P(RecordFaults, StopReadingAtTheirRecord) {
 INSTANTIATE_TEST_SUITE_P(
     Records, RecordFaults,
     ::testing::Values(
-        // Lexer
-        TFault{"Slash", "2 #2 /x {" + kFen + "}", "Unexpected lexem (slash)."},
-        TFault{"UnclosedComment", "2 #2 /* {" + kFen + "}", "Unexpected end of file before comment closed."},
         // Header and options
         TFault{"StipulationSuffix", "2 #2X {" + kFen + "}", "Unrecognizable option: X"},
         TFault{"MoveCountMissing", "2 # { " + kFen + "}", "Number of moves expected after #: {"},
@@ -60,9 +57,6 @@ INSTANTIATE_TEST_SUITE_P(
         TFault{"BestDefenceNotClosed", "2 #2 LookForBestDefencesAfter (e2-e4;e7-e5 {" + kFen + "}",
                "Unexpected lexems after LookForBestDefencesAfter (closing bracket not found)"},
         TFault{"BestDefenceTwoSemicolons", "2 #2 LookForBestDefencesAfter (a;b;c) {" + kFen + "}",
-               "Unexpected lexems after LookForBestDefencesAfter (expected exactly one semicolon between the "
-               "brackets)"},
-        TFault{"BestDefenceNoSemicolon", "2 #2 LookForBestDefencesAfter (a) {" + kFen + "}",
                "Unexpected lexems after LookForBestDefencesAfter (expected exactly one semicolon between the "
                "brackets)"},
         TFault{"AnnotationsOutOfOrder", "2 #2\n//@tmpreg=5\n//!VARIANTS\n//!ENDVARIANTS\n{" + kFen + "}",

@@ -74,13 +74,12 @@ INSTANTIATE_TEST_SUITE_P(
                     "12 #2 BruteForce RequiresSyzygy SafeMode UseVariantsAsSortIndications MirrorOnly",
                     ProblemType::Directmate, 3,
                     "12 #2 MirrorOnly UseVariantsAsSortIndications SAFEMODE RequiresSyzygy BruteForce"},
-        THeaderCase{
-            "EveryWrittenFlag",
-            "13 #2 HybridBruteForce AllSolutionsRequiresSyzygy StopOn3Sol StopOnDual AllSolutions NoMirror "
-            "UseMainVariantAsSortIndications",
-            ProblemType::Directmate, 3,
-            "13 #2 NoMirror AllSolutions StopOnDual StopOn3Sol UseMainVariantAsSortIndications "
-            "AllSolutionsRequiresSyzygy HybridBruteForce"},
+        THeaderCase{"EveryWrittenFlag",
+                    "13 #2 HybridBruteForce AllSolutionsRequiresSyzygy StopOn3Sol StopOnDual AllSolutions "
+                    "NoMirror UseMainVariantAsSortIndications",
+                    ProblemType::Directmate, 3,
+                    "13 #2 NoMirror AllSolutions StopOnDual StopOn3Sol UseMainVariantAsSortIndications "
+                    "AllSolutionsRequiresSyzygy HybridBruteForce"},
         THeaderCase{
             "UnwrittenOptions",
             "14 #2 DontRelaxHeuristics DontRunPassTwo StopRelaxHeuristicsOnFirstSolution SchedulerLevels 3 "
@@ -143,12 +142,6 @@ TEST(Records, AnnotationLinesAreKeptAndWrittenInOrder) {
 TEST(Records, OtherAtLinesAndPlainCommentsAreIgnored) {
     const ProblemEntry entry = ReadOne("1 #2 //@other words\n/* note */ // more\n" + kBody);
     EXPECT_EQ(entry.m_annotations, TAnnotationLines{});
-}
-
-TEST(Records, TagsFollowedDirectlyByTheBody) {
-    const ProblemEntry entry = ReadOne("1 #2\n//#TAGS\n//#study\r\n" + kBody);
-    EXPECT_EQ(entry.m_annotations.vsTags, (std::vector<std::string>{"study"}));
-    EXPECT_TRUE(entry.m_annotations.vsVariantLines.empty());
 }
 
 TEST(Records, FigureListsBuildTheSamePositionAsFen) {
@@ -227,11 +220,10 @@ TEST(Records, ManyQueensAndPawnsAskBeforeLoading) {
     ASSERT_EQ(reports.size(), 2u);
     EXPECT_EQ(reports[0].sTitle, "Question");
     EXPECT_EQ(reports[0].buttons, ReportButtons::YesNo);
-    EXPECT_EQ(
-        reports[0].sText,
-        "Note: There are more than 9 queens and pawns of the same color. Program is able to properly handle "
-        "only legal positions (in which no more than 218 moves are possible); otherwise its behaviour may be "
-        "unpredictable.\nDo you want to continue anyway?");
+    EXPECT_EQ(reports[0].sText,
+              "Note: There are more than 9 queens and pawns of the same color. Program is able to properly "
+              "handle only legal positions (in which no more than 218 moves are possible); otherwise its "
+              "behaviour may be unpredictable.\nDo you want to continue anyway?");
 }
 
 }  // namespace

@@ -75,9 +75,10 @@ TEST_F(RegressionTestTest, WrongAnswerFailsWithFoundAndExpectedKeys) {
     EXPECT_TRUE(result.bAnyFailed);
     const std::string log = testing::FileText(result.logFile);
     EXPECT_TRUE(log.starts_with("Short regression test (30 sec.) started of ")) << log;
-    EXPECT_NE(log.find("\nFailed: [AllSolutions, 1thrd(s)] Test #7 M1 failed:\n\tfound:\na7-f2\n\tshould "
-                       "be:\na7-a1\n"),
-              std::string::npos)
+    EXPECT_NE(
+        log.find(
+            "\nFailed: [AllSolutions, 1thrd(s)] Test #7 M1 failed:\n\tfound:\na7-f2\n\tshould be:\na7-a1\n"),
+        std::string::npos)
         << log;
 }
 

@@ -41,9 +41,7 @@ TEST_F(ScriptTest, OpensCollectionAndRunsShortMirroredTest) {
     ASSERT_EQ(result.logFiles.size(), 1u);
     const std::string log = testing::FileText(result.logFiles[0]);
     EXPECT_TRUE(log.starts_with("Short regression test (64 sec.) started of ")) << log;
-    EXPECT_NE(log.find("] Test #2 M1 ok ("), std::string::npos) << log;
     EXPECT_NE(log.find("Mirror: [SnglSolution, 1thrd(s)] Test #2 M1 ok ("), std::string::npos) << log;
-    EXPECT_NE(log.find("Failed: [SnglSolution, 1thrd(s)] Test #4 M1 failed: "), std::string::npos) << log;
     EXPECT_TRUE(result.bAnyFailed);
     EXPECT_EQ(m_env.solve.timeLimitSeconds, 0);
     EXPECT_FALSE(ReadSolvedProblems(m_folder.File(kSolvedProblemsFolder) / "small.cspdb").empty());
@@ -79,7 +77,6 @@ TEST_F(ScriptTest, VerifyShortMateReportsAndRemoves) {
 
 TEST_F(ScriptTest, FaultyLinesNameTheirNumber) {
     EXPECT_EQ(Error("\nOPEN\n"), "Script line 2: OPEN needs a file name");
-    EXPECT_EQ(Error("runregtest short\n"), "Script line 1: no problem collection is open");
     EXPECT_EQ(Error("open small.cp\nSETTEMPREGSIZE 50 pct\n"),
               "Script line 2: SETTEMPREGSIZE needs a size with %, GB or MB: 50");
     EXPECT_EQ(Error("SETTEMPREGSIZE GB\n"),

@@ -44,8 +44,8 @@ TEST(ProblemHeuristics, UnreadableParametersNameProblemHeuristicAndItem) {
         FAIL();
     } catch (const ChessException& e) {
         EXPECT_STREQ(e.what(),
-                     "Problem 12: invalid parameters of SH_KEEPKINGNEARCORNER(3X): "
-                     "Invalid parameter of SH_KEEPKINGNEARCORNER: \"3X\"");
+                     "Problem 12: invalid parameters of SH_KEEPKINGNEARCORNER(3X): Invalid parameter of "
+                     "SH_KEEPKINGNEARCORNER: \"3X\"");
     }
     ProblemEntry noParameters;
     noParameters.m_mapHeuristicParams[SH_AREKINGSNEAR] = "near";
