@@ -36,4 +36,12 @@ void ConfigurePassThreads(TSolveRequest& pass, const TRunThreads& run, const TPa
     context.m_bForcedMatePass = (state.set.mask & SH_FINDFORCEDMATE) != 0;
 }
 
+int ProofNumberPassThreads(const TRunThreads& run) {
+    const int processors = static_cast<int>(LogicalProcessorCount());
+    int threads = 1;
+    for (int level = 0; level < std::max(run.levels, 1) && threads < processors; ++level)
+        threads *= std::max(run.threads, 1);
+    return std::clamp(threads, 1, std::max(processors, 1));
+}
+
 }  // namespace moremate

@@ -31,4 +31,7 @@ inline constexpr uint8_t kHybridSecondPhase = 1;
 void ConfigurePassThreads(TSolveRequest& pass, const TRunThreads& run, const TPassState& state, uint8_t phase,
                           bool onlyPass);
 
+// The threads of the proof-number pass: T^L, at least one level, no more than the processors.
+int ProofNumberPassThreads(const TRunThreads& run);
+
 }  // namespace moremate

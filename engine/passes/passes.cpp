@@ -57,6 +57,7 @@ class CPassSeries {
         pass.keyLimit = limit;
         pass.preferredFirstMoves = m_request.preferredFirstMoves;
         pass.tableBytes = m_request.proofNumberTableBytes;
+        pass.threads = ProofNumberPassThreads(m_request.threads);
         pass.environment = m_request.environment;
         const bool only = m_request.proofNumber == TProofNumberMode::Only;
         pass.budgetMs = seconds == 0 ? (only ? 0 : kDefaultBudgetMs) : (only ? 0 : int64_t{seconds} * 750);

@@ -31,6 +31,7 @@ struct TProofNumberPassRequest {
     std::vector<TMove> preferredFirstMoves;
     int64_t budgetMs = 0;     // 0: until settled or stopped
     uint64_t tableBytes = 0;  // memory of the pass's table
+    int threads = 1;          // threads sharing the table
     TSearchEnvironment environment;
 };
 

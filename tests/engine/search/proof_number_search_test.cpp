@@ -151,6 +151,28 @@ TEST(ProofNumberPass, LongCompositionKeyAndAllSolutions) {
     }
 }
 
+// Two threads share the table and settle first moves apart: the same keys, the same verdicts.
+TEST(ProofNumberPass, ThreadsAgreeWithOneThread) {
+    for (const TShared& p : SharedDirectmates(3)) {
+        SCOPED_TRACE(p.fen);
+        TProofNumberPassRequest request;
+        request.position = Problem(p.fen, 2 * p.moves - 1);
+        request.keyLimit = SIZE_MAX;
+        request.tableBytes = 4 << 20;
+        std::vector<TMove> keys[2], disproved[2];
+        for (int threads = 1; threads <= 2; ++threads) {
+            request.threads = threads;
+            const TProofNumberPassResult r = RunProofNumberPass(request, nullptr);
+            EXPECT_TRUE(r.complete);
+            for (const TKey& key : r.keys) keys[threads - 1].push_back(key.move);
+            disproved[threads - 1] = r.disproved;
+        }
+        EXPECT_EQ(keys[0], keys[1]);
+        EXPECT_EQ(disproved[0], disproved[1]);
+        EXPECT_EQ(keys[0].empty(), !p.solvable);
+    }
+}
+
 TEST(ProofNumberPass, ModesAndTexts) {
     TProofNumberMode mode = TProofNumberMode::Off;
     EXPECT_TRUE(ReadProofNumberMode("only", mode));
