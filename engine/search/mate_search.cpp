@@ -15,6 +15,9 @@ constexpr int kRepetitionMinHalfMoves = 10;
 // for first; the deepening of every White node does that, and says so in the log here.
 constexpr int kQuickerMateMinHalfMoves = 17;
 constexpr int kQuickerMateMaxPlayed = 7;
+// From three moves to mate on, White's moves that leave Black fewest replies are tried first
+// within their group; nearer the end counting the replies costs more than it saves.
+constexpr int kFewestRepliesMinHalfMoves = 5;
 
 }  // namespace
 
@@ -165,7 +168,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     }
     GenerateLegalMoves(node, moves);
     bool doubtful = Filtered(node, moves);
-    OrderWhiteMoves(node, moves, m_killers[ply], false);
+    OrderWhiteMoves(node, moves, m_killers[ply], false, n >= kFewestRepliesMinHalfMoves);
     if (m_env.scheduler) m_env.scheduler->AtWhiteNode(node, moves);
     const uint64_t repetitionsBefore = m_nRepetitions;
     for (int k = 1; k <= n; k += 2) {

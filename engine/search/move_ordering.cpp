@@ -23,9 +23,21 @@ void SortByScore(TMoveList& list, int* score) {
     }
 }
 
+// Up to this many points for leaving Black no reply at all, fewer for each reply: less than a
+// check's bonus, about a queen capture's.
+constexpr int kMobilityPoints = 480;
+constexpr int kPointsPerReply = 12;
+
+int MobilityScore(const TChessboard& board, const TMove& m) {
+    TChessboard child;
+    PlayMove(board, m, child);
+    return std::max(0, kMobilityPoints - kPointsPerReply * CountLegalMoves(child));
+}
+
 }  // namespace
 
-int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly) {
+int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
+                    bool fewestRepliesFirst) {
     int score[256];
     int kept = 0, checks = 0;
     const int blackKing = board.BlackKingSquare();
@@ -38,6 +50,7 @@ int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMove
         int s = killers.Rank(m) * 10000 + (check ? 1000 : 0) + victim * 50 +
                 (m.PromotedType() == kQueen ? 300 : 0);
         s += 8 - KingDistance(m.to, blackKing);
+        if (fewestRepliesFirst) s += MobilityScore(board, m);
         list.moves[kept] = m;
         score[kept++] = s;
     }

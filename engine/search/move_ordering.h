@@ -24,8 +24,11 @@ struct TKillerMoves {
 
 // White's moves: killers, then checks, then captures (most valuable victim first), then moves
 // that come near the Black king. With `checksOnly` non-checking moves are dropped (a mate in
-// one is always a check). Returns how many moves of `list` are checks.
-int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly);
+// one is always a check). With `fewestRepliesFirst`, moves that leave Black fewer replies rank
+// higher within each group (each move is played and Black's replies counted: worth it only far
+// from the end of a line). Returns how many moves of `list` are checks.
+int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
+                    bool fewestRepliesFirst = false);
 
 // Black's defences: killers (refutations of sibling lines), captures, king moves, the rest.
 void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers);
