@@ -20,12 +20,12 @@ struct ResultCase {
 
 TEST(FindForcedMate, ResultCodes) {
     const ResultCase cases[] = {
-        {"the first move mates", "6k1/5ppp/8/8/8/8/8/R5K1 w - -", 1, kMate},
-        {"no mate in one", "6k1/5pp1/7p/8/8/8/8/R5K1 w - -", 1, kNoMate},
-        {"mate in two", "7k/8/5K2/8/8/8/8/6R1 w - -", 3, kMate},
-        {"stalemate is not mate", "7k/5Q2/6K1/8/8/8/8/8 b - -", 2, kNoMate},
-        {"Black mated already", "R6k/6pp/8/8/8/8/8/6K1 b - -", 2, kMate},
-        {"stalemating moves are no mates", "7k/8/5NK1/8/8/8/8/8 w - -", 1, kNoMate},
+        {"the first move mates", "6k1/5ppp/8/8/8/8/8/R5K1 w", 1, kMate},
+        {"no mate in one", "6k1/5pp1/7p/8/8/8/8/R5K1 w", 1, kNoMate},
+        {"mate in two", "7k/8/5K2/8/8/8/8/6R1 w", 3, kMate},
+        {"stalemate is not mate", "7k/5Q2/6K1/8/8/8/8/8 b", 2, kNoMate},
+        {"Black mated already", "R6k/6pp/8/8/8/8/8/6K1 b", 2, kMate},
+        {"stalemating moves are no mates", "7k/8/5NK1/8/8/8/8/8 w", 1, kNoMate},
     };
     for (const ResultCase& c : cases) {
         TMateSearch search(TSearchEnvironment{});
@@ -35,7 +35,7 @@ TEST(FindForcedMate, ResultCodes) {
 
 TEST(FindForcedMate, ShortestMateAndMatingMove) {
     TMateSearch search(TSearchEnvironment{});
-    const TChessboard board = Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 7);
+    const TChessboard board = Problem("7k/8/5K2/8/8/8/8/6R1 w", 7);
     EXPECT_EQ(search.ShortestMate(board), 3);
     const TMove m = search.MatingMove(board, 3);
     EXPECT_FALSE(m.IsNull());
@@ -108,14 +108,14 @@ TEST(FindForcedMate, HeuristicMakesLinesDoubtfulButNeverHidesAMateAtOnce) {
     env.heuristics = &whiteKing;
     TMateSearch search(env);
     // The mate in two needs 1. Kf7: doubtful under the rule.
-    EXPECT_EQ(search.FindForcedMate(Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 3)), kDoubtful);
+    EXPECT_EQ(search.FindForcedMate(Problem("7k/8/5K2/8/8/8/8/6R1 w", 3)), kDoubtful);
     EXPECT_EQ(search.DoubtReason(), 0x4u);
     // A king move that mates at once (by discovery) is never stopped.
-    EXPECT_EQ(search.FindForcedMate(Problem("6bk/7p/8/4K3/8/8/8/B7 w - -", 1)), kMate);
+    EXPECT_EQ(search.FindForcedMate(Problem("6bk/7p/8/4K3/8/8/8/B7 w", 1)), kMate);
     // Black's king moves in the same mate, but 1... Kh7 allows 2. Rh1 mate at once.
     env.heuristics = &blackKing;
     TMateSearch black(env);
-    EXPECT_EQ(black.FindForcedMate(Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 3)), kMate);
+    EXPECT_EQ(black.FindForcedMate(Problem("7k/8/5K2/8/8/8/8/6R1 w", 3)), kMate);
 }
 
 TEST(FindForcedMate, DoubtfulResultsAreStoredApartFromProofs) {
@@ -124,7 +124,7 @@ TEST(FindForcedMate, DoubtfulResultsAreStoredApartFromProofs) {
     TSearchEnvironment env;
     env.heuristics = &rule;
     env.store = &store;
-    const TChessboard board = Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 3);
+    const TChessboard board = Problem("7k/8/5K2/8/8/8/8/6R1 w", 3);
     TMateSearch search(env);
     EXPECT_EQ(search.FindForcedMate(board), kDoubtful);
     EXPECT_EQ(store.Lookup(board.squares, 3), kDoubtful);
@@ -151,7 +151,7 @@ TEST(FindForcedMate, GlobalRegisterSettlesNodesWithoutSearch) {
     env.globalRegister = &hook;
     TMateSearch withHook(env), plain(TSearchEnvironment{});
     // Black can take the rook at once: those lines end in the hook instead of being searched.
-    const TChessboard board = Problem("8/8/8/8/1k6/8/2R5/K7 w - -", 7);
+    const TChessboard board = Problem("8/8/8/8/1k6/8/2R5/K7 w", 7);
     EXPECT_EQ(withHook.FindForcedMate(board), plain.FindForcedMate(board));
     EXPECT_GT(hook.m_nAsked, 0);
     EXPECT_LT(withHook.Nodes(), plain.Nodes());
@@ -162,7 +162,7 @@ TEST(FindForcedMate, StopRequestUnwindsTheSearch) {
     TSearchEnvironment env;
     env.stop = &stop;
     TMateSearch search(env);
-    EXPECT_THROW(search.FindForcedMate(Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 5)), TSearchStopped);
+    EXPECT_THROW(search.FindForcedMate(Problem("7k/8/5K2/8/8/8/8/6R1 w", 5)), TSearchStopped);
 }
 
 }  // namespace

@@ -19,7 +19,7 @@
 namespace moremate {
 namespace {
 
-constexpr const char* kMateInFour = "8/7P/p7/6B1/5K2/8/8/6k1 w - - 0 1";  // keys Kf4-f3, h7-h8Q
+constexpr const char* kMateInFour = "8/7P/p7/6B1/5K2/8/8/6k1 w";  // keys Kf4-f3, h7-h8Q
 
 TSolveRequest Request(const char* fen, int moves) {
     TSolveRequest request;
