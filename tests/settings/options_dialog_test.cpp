@@ -50,6 +50,7 @@ TEST_P(OptionsDialogCheck, GivesFirstFailureOrNotes) {
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Failures, OptionsDialogCheck, ::testing::Values(
     D{.pszName = "PrecalcRatioAbove100", .sPrecalcRatio = "101", .sFailure = kBadPrecalcMemRatio},
+    D{.pszName = "PrecalcRatioNotANumber", .sPrecalcRatio = "20%", .sFailure = kBadPrecalcMemRatio},
     D{.pszName = "TempRatioNegative", .sTempRegRatio = "-1", .sFailure = kBadTempRegMemRatio},
     D{.pszName = "FirstOfTwoFailures", .sPrecalcRatio = "x", .sTempRegRatio = "x",
       .sFailure = kBadPrecalcMemRatio},
@@ -58,11 +59,12 @@ INSTANTIATE_TEST_SUITE_P(Failures, OptionsDialogCheck, ::testing::Values(
     D{.pszName = "LichessLevelsAbove255", .sLichessLevels = "256", .sFailure = kBadLichessLevels},
     D{.pszName = "SixtyFourThreadsOnThreeLevels", .nThreads = 64, .nLevels = 3, .sFailure = kTooManyThreads},
     D{.pszName = "AdjustedLevelsStillTooMany", .nThreads = 2, .nLevels = 100, .sFailure = kTooManyThreads},
-    D{.pszName = "AutoSaveMinutesNegative", .sAutoSaveMinutes = "-1", .sFailure = kBadAutoSave},
+    D{.pszName = "AutoSaveMinutesNegative", .sAutoSaveMinutes = "-1", .sFailure = kBadAutoSave}),
     [](const auto& info) { return info.param.pszName; });
 
 INSTANTIATE_TEST_SUITE_P(Notes, OptionsDialogCheck, ::testing::Values(
     D{.pszName = "UnchangedIsQuiet"},
+    D{.pszName = "BlanksAroundNumbers", .sSchedulerLevels = " 3 "},
     D{.pszName = "LichessOffEverywhere", .sLichessLevels = "-1"},
     D{.pszName = "SixtyFourThreadsOnTwoLevels", .nThreads = 64, .nLevels = 2, .notes = {kThreadsNotSaved}},
     D{.pszName = "ThreadsClampedSilently", .nThreads = 0, .notes = {kThreadsNotSaved}},
