@@ -29,12 +29,13 @@ struct KnownId {
 };
 
 TEST(ChessboardId, KnownPositionsGiveTheirBitCountsAndTexts) {
+    // clang-format off
     const KnownId cases[] = {
-        {"8/8/8/8/8/8/8/8", 64, "00000000000"},
-        {"7k/8/8/8/8/8/8/K7", 72, "100000000006"},
+        {"8/8/8/8/8/8/8/8", 64, "00000000000"}, {"7k/8/8/8/8/8/8/K7", 72, "100000000006"},
         {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", 192, "Jqc5yRmFkaBiF00000MVseDPVYKPRouv"},
         {"r3k2r/1q6/8/3Pp3/8/5N2/4B3/R3K2R", 108, "d4E1h0G00a70w5M33u"},
     };
+    // clang-format on
     for (const KnownId& c : cases) {
         // The empty board cannot be read as a position: place its squares directly.
         TChessboard board;
@@ -80,29 +81,19 @@ TEST(ChessboardId, UnknownPieceCodeIsRejected) {
 
 TEST(ChessboardId, DecodeRejectsBrokenIds) {
     const TChessboardId empty = EncodeId(Board("7k/8/8/8/8/8/8/K7").squares);
-    struct Case {
-        const char* why;
-        int16_t bitCount;
-        int shortCode;  // written into the first square's code, -1 to keep it
-        std::string error;
+    const std::string wrong = "Wrong chessboard id", shortCode = "Unknown figure short code";
+    // A count that ends inside the last square still reads it; short codes 12 to 15 name no piece.
+    // clang-format off
+    const struct Case { int16_t bitCount; int shortCode; std::string error; } cases[] = {
+        {0, -1, wrong}, {0, 15, wrong}, {-5, -1, wrong}, {5, -1, wrong}, {67, -1, wrong}, {68, -1, kNoError},
+        {72, 12, shortCode}, {72, 15, shortCode}, {72, -1, kNoError}, {72, 11, kNoError},
     };
-    const Case cases[] = {
-        {"no bits", 0, -1, "Wrong chessboard id"},
-        {"no bits, whatever they hold", 0, 15, "Wrong chessboard id"},
-        {"negative count", -5, -1, "Wrong chessboard id"},
-        {"ends after the first square", 5, -1, "Wrong chessboard id"},
-        {"ends right before the last square", 67, -1, "Wrong chessboard id"},
-        {"ends inside the last square, which is still read", 68, -1, kNoError},
-        {"short code 12", 72, 12, "Unknown figure short code"},
-        {"short code 15", 72, 15, "Unknown figure short code"},
-        {"exact count", 72, -1, kNoError},
-        {"last short code", 72, 11, kNoError},
-    };
+    // clang-format on
     for (const Case& c : cases) {
         TChessboardId id = empty;
         id.bitCount = c.bitCount;
         if (c.shortCode >= 0) id.bits[0] = static_cast<uint8_t>(1 | c.shortCode << 1);
-        EXPECT_EQ(DecodeError(id), c.error) << c.why;
+        EXPECT_EQ(DecodeError(id), c.error) << c.bitCount << " " << c.shortCode;
     }
 }
 
@@ -115,20 +106,15 @@ TEST(ChessboardId, DecodeStopsAtSixtyFourSquares) {
     EXPECT_EQ(squares[60], kBlack | kKing);
 }
 
-TEST(Alphanum, SixBitGroupsUseTheWholeAlphabet) {
-    const struct {
-        uint8_t value;
-        char letter;
-    } cases[] = {{0, '0'}, {9, '9'}, {10, 'a'}, {35, 'z'}, {36, 'A'}, {61, 'Z'}, {62, '('}, {63, ')'}};
-    for (const auto& c : cases) {
+TEST(Alphanum, SixBitGroupsUseTheWholeAlphabetAndCrossBytes) {
+    const std::pair<uint8_t, char> cases[] = {{0, '0'}, {9, '9'}, {10, 'a'}, {35, 'z'}, {36, 'A'}, {61, 'Z'}, {62,
+        '('}, {63, ')'}};
+    for (const auto& [value, letter] : cases) {
         TChessboardId id;
         id.bitCount = 6;
-        id.bits[0] = c.value;
-        EXPECT_EQ(ToAlphanum6(id), std::string(1, c.letter)) << int{c.value};
+        id.bits[0] = value;
+        EXPECT_EQ(ToAlphanum6(id), std::string(1, letter)) << int{value};
     }
-}
-
-TEST(Alphanum, SixBitGroupsCrossByteBoundaries) {
     TChessboardId id;
     id.bitCount = 13;          // three groups, the last one of a single bit
     id.bits[0] = 0b1100'0001;  // group 0 = 1, group 1 starts with bits 6 and 7
@@ -137,11 +123,7 @@ TEST(Alphanum, SixBitGroupsCrossByteBoundaries) {
 }
 
 TEST(Alphanum, FiveBitGroups) {
-    struct Case {
-        std::vector<uint8_t> bytes;
-        int bitCount;
-        const char* text;
-    };
+    struct Case { std::vector<uint8_t> bytes; int bitCount; const char* text; };
     // With 8 bits of 0xFF 0xFF the second group is bits 5..7 and two zeros, not bits 8 and 9.
     const Case cases[] = {
         {{0x00}, 5, "0"},         {{0x09}, 5, "9"},        {{0x0A}, 5, "a"}, {{0x1F}, 5, "v"},

@@ -22,12 +22,6 @@ using test::TestLine;
 
 const char* const kStart = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
 
-struct ReadCase {
-    const char* why;
-    const char* text;
-    std::string outcome;  // "read", "not a FEN", or the exception's text
-};
-
 std::string ReadOutcome(const std::string& text) {
     TChessboard board;
     bool read = false;
@@ -37,62 +31,42 @@ std::string ReadOutcome(const std::string& text) {
 }
 
 TEST(ReadFen, AcceptsPlacementsOfEightRanksOfEightSquares) {
-    const ReadCase cases[] = {
-        {"placement only", "4k3/8/8/8/8/8/8/4K3", "read"},
-        {"full FEN", kStart, "read"},
-        {"adjacent digits", "4k3/8/8/8/8/8/8/4K12", "read"},
-        {"a rank skipping nine squares", "4k3/9/8/8/8/8/8/4K3", "not a FEN"},
-        {"a rank of nine pawns", "4k3/ppppppppp/8/8/8/8/8/4K3", "not a FEN"},
-        {"a rank of nine squares by digits", "4k3/p8/8/8/8/8/8/4K3", "not a FEN"},
-        {"zero in a rank", "4k3/08/8/8/8/8/8/4K3", "not a FEN"},
-        {"a rank of seven squares", "4k3/7/8/8/8/8/8/4K3", "not a FEN"},
-        {"a last rank of seven squares", "4k3/8/8/8/8/8/8/4K2", "not a FEN"},
-        {"seven ranks", "4k3/8/8/8/8/8/4K3", "not a FEN"},
-        {"nine ranks", "4k3/8/8/8/8/8/8/8/4K3", "not a FEN"},
-        {"a trailing slash", "4k3/8/8/8/8/8/8/4K3/", "not a FEN"},
-        {"a brace anywhere", "4k3/8/8/8/8/8/8/4K3 w - - 0 1 {comment}", "not a FEN"},
-        {"no slash", "4k3", "not a FEN"},
-        {"empty text", "", "not a FEN"},
-        {"a sign that is no piece", "4k3/8/8/8/8/8/8/4K2*", "not a FEN"},
-        {"a letter that is no piece", "4k3/8/8/8/8/8/8/4K2x", "Unknown figure letter: x"},
-        {"no kings", "8/8/8/8/8/8/8/8", "Illegal number of kings."},
+    // clang-format off
+    const std::pair<const char*, std::string> cases[] = {
+        {"4k3/8/8/8/8/8/8/4K3", "read"}, {kStart, "read"}, {"4k3/8/8/8/8/8/8/4K12", "read"},
+        {"4k3/9/8/8/8/8/8/4K3", "not a FEN"}, {"4k3/ppppppppp/8/8/8/8/8/4K3", "not a FEN"},
+        {"4k3/p8/8/8/8/8/8/4K3", "not a FEN"}, {"4k3/08/8/8/8/8/8/4K3", "not a FEN"},
+        {"4k3/8/8/8/8/8/8/4K2", "not a FEN"}, {"4k3/8/8/8/8/8/4K3", "not a FEN"},
+        {"4k3/8/8/8/8/8/8/8/4K3", "not a FEN"}, {"4k3/8/8/8/8/8/8/4K3/", "not a FEN"},
+        {"4k3/8/8/8/8/8/8/4K3 w - - 0 1 {comment}", "not a FEN"}, {"", "not a FEN"},
+        {"4k3/8/8/8/8/8/8/4K2*", "not a FEN"}, {"4k3/8/8/8/8/8/8/4K2x", "Unknown figure letter: x"},
+        {"8/8/8/8/8/8/8/8", "Illegal number of kings."},
     };
-    for (const ReadCase& c : cases) EXPECT_EQ(ReadOutcome(c.text), c.outcome) << c.why;
-}
-
-TEST(ReadFen, FailedReadingLeavesTheBoardAlone) {
+    // clang-format on
+    for (const auto& [text, outcome] : cases) EXPECT_EQ(ReadOutcome(text), outcome) << text;
+    // A failed reading leaves the board alone.
     TChessboard board = Board("4k3/8/8/8/8/8/8/4K3");
     const TChessboard before = board;
     EXPECT_FALSE(ReadFen("rnbqkbnr/ppppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", board));
     EXPECT_EQ(0, std::memcmp(board.squares, before.squares, 64));
 }
 
-struct WarningCase {
-    const char* why;
-    const char* fen;
-    bool castling;
-    bool enPassant;
-};
-
 TEST(ReadFen, WarnsAboutFieldsItDoesNotHonour) {
-    const WarningCase cases[] = {
-        {"placement only grants every castling", "r3k2r/8/8/8/8/8/8/R3K2R", false, false},
-        {"all rights given", "r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1", false, false},
-        {"no right given for Ke1 and Rh1", "4k3/8/8/8/8/8/8/4K2R w - - 0 1", true, false},
-        {"the right that exists is given", "4k3/8/8/8/8/8/8/4K2R w K - 0 1", false, false},
-        {"rights the position lacks may be given", "4k3/8/8/8/8/8/8/4K2R w KQkq - 0 1", false, false},
-        {"Black's queenside withheld", "r3k3/8/8/8/8/8/8/4K2R w K - 0 1", true, false},
-        {"no castling possible", "4k3/8/8/8/8/8/8/4K1R1 w - - 0 1", false, false},
-        {"a side field but no castling field", "4k3/8/8/8/8/8/8/4K2R w", true, false},
-        {"en passant square given", "4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", false, true},
-        {"en passant field empty", "4k3/8/8/3pP3/8/8/8/4K3 w - - 0 1", false, false},
+    // Castling rights the position has but the FEN withholds, and any en passant square.
+    // clang-format off
+    const struct { const char* fen; bool castling, enPassant; } cases[] = {
+        {"r3k2r/8/8/8/8/8/8/R3K2R", false, false},            {"4k3/8/8/8/8/8/8/4K2R w - - 0 1", true, false},
+        {"4k3/8/8/8/8/8/8/4K2R w K - 0 1", false, false},     {"4k3/8/8/8/8/8/8/4K2R w KQkq - 0 1", false, false},
+        {"r3k3/8/8/8/8/8/8/4K2R w K - 0 1", true, false},     {"4k3/8/8/8/8/8/8/4K1R1 w - - 0 1", false, false},
+        {"4k3/8/8/8/8/8/8/4K2R w", true, false},              {"4k3/8/8/3pP3/8/8/8/4K3 w - d6 0 1", false, true},
     };
-    for (const WarningCase& c : cases) {
+    // clang-format on
+    for (const auto& c : cases) {
         TChessboard board;
         TFenWarnings warnings;
-        ASSERT_TRUE(ReadFen(c.fen, board, &warnings)) << c.why;
-        EXPECT_EQ(warnings.castling, c.castling) << c.why;
-        EXPECT_EQ(warnings.enPassant, c.enPassant) << c.why;
+        ASSERT_TRUE(ReadFen(c.fen, board, &warnings)) << c.fen;
+        EXPECT_EQ(warnings.castling, c.castling) << c.fen;
+        EXPECT_EQ(warnings.enPassant, c.enPassant) << c.fen;
     }
 }
 
@@ -111,57 +85,32 @@ TEST(ReadFen, FieldsDoNotChangeTheRules) {
     EXPECT_EQ(ErrorOf([&] { MakeMove(ep, "e5:d6", child); }), "Illegal move");
 }
 
-TEST(WriteFen, RoundTrips) {
-    const char* const fens[] = {
-        kStart,
-        "4k3/8/8/8/8/8/8/R3K3 w Q - 0 1",
-        "4k3/8/8/8/8/8/8/4K2R w K - 0 1",
-        "r3k2r/8/8/8/8/8/8/4K3 b kq - 0 1",
-        "r3k2r/pppq1ppp/2n2n2/3p4/1b1P4/2N1PN2/PPPB1PPP/R2QKB1R w KQkq - 0 1",
-        "7k/8/8/8/8/8/8/K7 b - - 0 1",
-        "1n2k1n1/8/8/8/8/8/8/R3K1R1 w Q - 0 1",
-    };
-    for (const char* fen : fens) {
-        const TChessboard b = Board(fen);
-        EXPECT_EQ(WriteFen(b), fen);
-        const std::string placement = std::string(fen).substr(0, std::string(fen).find(' '));
-        EXPECT_EQ(WriteFenPlacement(b), placement);
+TEST(WriteFen, RoundTripsWithCastlingFromThePosition) {
+    for (const char* fen : {kStart, "4k3/8/8/8/8/8/8/R3K3 w Q - 0 1", "r3k2r/8/8/8/8/8/8/4K3 b kq - 0 1",
+                            "r3k2r/pppq1ppp/2n2n2/3p4/1b1P4/2N1PN2/PPPB1PPP/R2QKB1R w KQkq - 0 1"}) {
+        EXPECT_EQ(WriteFen(Board(fen)), fen);
+        EXPECT_EQ(WriteFenPlacement(Board(fen)), std::string(fen).substr(0, std::string(fen).find(' ')));
     }
-}
-
-TEST(WriteFen, CastlingComesFromThePositionNotTheFen) {
     EXPECT_EQ(WriteFen(Board("4k3/8/8/8/8/8/8/4K2R w - - 0 1")), "4k3/8/8/8/8/8/8/4K2R w K - 0 1");
     EXPECT_EQ(WriteFen(Board("4k3/8/8/8/8/8/8/R3K2R w k - 0 1")), "4k3/8/8/8/8/8/8/R3K2R w KQ - 0 1");
 }
 
-struct LineCase {
-    const char* why;
-    const char* fen;
-    int halfMoves;
-    const char* moves;  // separated by blanks
-    const char* written;
-};
-
 TEST(WriteFen, AfterMovesOfALine) {
-    const LineCase cases[] = {
-        {"a White double step is not written with Black to move", kStart, 1, "e2-e4",
-         "rnbqkbnr/pppppppp/8/8/4P3/8/PPPP1PPP/RNBQKBNR b KQkq - 0 1"},
-        {"nor a Black double step with White to move", kStart, 3, "e2-e4 e7-e5",
-         "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 2"},
-        {"the move number counts full moves", kStart, 7, "e2-e4 e7-e5 Ng1-f3 Nb8-c6 Bf1-c4",
+    // Move numbers, double steps not written, castling rights lost by moves and captures.
+    // clang-format off
+    const struct { const char* fen; int halfMoves; const char* moves; const char* written; } cases[] = {
+        {kStart, 3, "e2-e4 e7-e5", "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 2"},
+        {kStart, 7, "e2-e4 e7-e5 Ng1-f3 Nb8-c6 Bf1-c4",
          "r1bqkbnr/pppp1ppp/2n5/4p3/2B1P3/5N2/PPPP1PPP/RNBQK2R b KQkq - 0 3"},
-        {"castling ends both rights of that side", "r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1", 3, "0-0",
-         "r3k2r/8/8/8/8/8/8/R4RK1 b kq - 0 1"},
-        {"a rook that leaves and returns loses its right", "4k3/8/8/8/8/8/8/4K2R w K - 0 1", 5,
-         "Rh1-h2 Ke8-d8 Rh2-h1", "3k4/8/8/8/8/8/8/4K2R b - - 0 2"},
-        {"a king that leaves and returns loses both rights", "r3k2r/8/8/8/8/8/8/4K3 b kq - 0 1", 4,
-         "Ke8-d8 Ke1-d1 Kd8-e8", "r3k2r/8/8/8/8/8/8/3K4 w - - 0 2"},
-        {"capturing a rook on its square ends that right", "r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1", 3,
-         "Ra1:a8", "R3k2r/8/8/8/8/8/8/4K2R b Kk - 0 1"},
+        {"r3k2r/8/8/8/8/8/8/R3K2R w", 3, "0-0", "r3k2r/8/8/8/8/8/8/R4RK1 b kq - 0 1"},
+        {"4k3/8/8/8/8/8/8/4K2R w", 5, "Rh1-h2 Ke8-d8 Rh2-h1", "3k4/8/8/8/8/8/8/4K2R b - - 0 2"},
+        {"r3k2r/8/8/8/8/8/8/4K3 b", 4, "Ke8-d8 Ke1-d1 Kd8-e8", "r3k2r/8/8/8/8/8/8/3K4 w - - 0 2"},
+        {"r3k2r/8/8/8/8/8/8/R3K2R w", 3, "Ra1:a8", "R3k2r/8/8/8/8/8/8/4K2R b Kk - 0 1"},
     };
-    for (const LineCase& c : cases) {
+    // clang-format on
+    for (const auto& c : cases) {
         TestLine line(Problem(c.fen, c.halfMoves));
-        EXPECT_EQ(WriteFen(line.PlayLine(c.moves).Now()), c.written) << c.why;
+        EXPECT_EQ(WriteFen(line.PlayLine(c.moves).Now()), c.written) << c.moves;
     }
 }
 

@@ -17,7 +17,7 @@ TMove M(const char* from, const char* to, uint8_t promotion = 0) {
 
 TEST(Attacks, AnswerNamesSingleAttackerOrMany) {
     // d4 is hit by the rook on d1 and the bishop on a7; e5 only by the rook on a5; h3 by nobody.
-    const TChessboard b = Board("k7/B7/8/R7/8/8/8/3R2K1 w - -");
+    const TChessboard b = Board("k7/B7/8/R7/8/8/8/3R2K1 w");
     EXPECT_EQ(AttackerOf(b, kWhite, 3, 3), kManyAttackers);
     EXPECT_EQ(AttackerOf(b, kWhite, 4, 4), MakeSquare(0, 4));
     EXPECT_EQ(AttackerOf(b, kBlack, 7, 2), kNoAttacker);
@@ -27,7 +27,7 @@ TEST(Attacks, AnswerNamesSingleAttackerOrMany) {
 }
 
 TEST(Attacks, KnightsAndPawnsAttackTheRightWay) {
-    const TChessboard b = Board("4k3/8/8/3p4/8/2N5/8/4K3 w - -");
+    const TChessboard b = Board("4k3/8/8/3p4/8/2N5/8/4K3 w");
     EXPECT_TRUE(IsAttackedByWhite(b, 3, 4));   // Nc3 hits d5
     EXPECT_TRUE(IsAttackedByBlack(b, 2, 3));   // d5 pawn hits c4
     EXPECT_TRUE(IsAttackedByBlack(b, 4, 3));   // and e4
@@ -36,11 +36,11 @@ TEST(Attacks, KnightsAndPawnsAttackTheRightWay) {
 
 TEST(Attacks, FlightSquaresLiftTheKing) {
     // The rook on a8 checks along the eighth rank: g8 stays covered behind the lifted king.
-    EXPECT_EQ(BlackKingFlightSquares(Board("R6k/8/8/8/8/8/8/K7 b - -")), 2);
+    EXPECT_EQ(BlackKingFlightSquares(Board("R6k/8/8/8/8/8/8/K7 b")), 2);
     // Corner king with three neighbours, all free.
-    EXPECT_EQ(BlackKingFlightSquares(Board("7k/8/8/8/8/8/8/K7 b - -")), 3);
+    EXPECT_EQ(BlackKingFlightSquares(Board("7k/8/8/8/8/8/8/K7 b")), 3);
     // Black pieces block their own king.
-    EXPECT_EQ(BlackKingFlightSquares(Board("6rk/6pp/8/8/8/8/8/K7 b - -")), 0);
+    EXPECT_EQ(BlackKingFlightSquares(Board("6rk/6pp/8/8/8/8/8/K7 b")), 0);
 }
 
 struct CountCase {
@@ -51,20 +51,20 @@ struct CountCase {
 
 TEST(LegalMoves, Counts) {
     const CountCase cases[] = {
-        {"double check: king moves only", "4k3/8/8/8/1b6/8/4r3/3NK3 w - -", 2},
+        {"double check: king moves only", "4k3/8/8/8/1b6/8/4r3/3NK3 w", 2},
         {"single check: capture, block or step aside", "4k3/8/8/8/8/8/4r3/R3K3 w Q -", 3},
-        {"pinned rook moves along the pin only", "4r1k1/8/8/8/8/8/4R3/4K3 w - -", 10},
-        {"pinned knight never moves", "4r1k1/8/8/8/8/8/4N3/4K3 w - -", 4},
+        {"pinned rook moves along the pin only", "4r1k1/8/8/8/8/8/4R3/4K3 w", 10},
+        {"pinned knight never moves", "4r1k1/8/8/8/8/8/4N3/4K3 w", 4},
         {"no castling through an attacked square", "4k3/8/8/8/8/8/5r2/R3K2R w KQ -", 22},
         {"castling with the rook attacked is fine", "4k3/8/8/8/8/8/7r/R3K2R w KQ -", 17},
-        {"four promotions each", "4k3/1P6/8/8/8/8/8/4K3 w - -", 9},
-        {"stalemate", "7k/5Q2/8/8/8/8/8/K7 b - -", 0},
+        {"four promotions each", "4k3/1P6/8/8/8/8/8/4K3 w", 9},
+        {"stalemate", "7k/5Q2/8/8/8/8/8/K7 b", 0},
     };
     for (const CountCase& c : cases) EXPECT_EQ(CountLegalMoves(Board(c.fen)), c.moves) << c.why;
 }
 
 TEST(LegalMoves, EnPassantOnlyAfterDoubleStepInsideTheLine) {
-    const TChessboard white = Board("4k3/8/8/8/3p4/8/4P3/4K3 w - -");
+    const TChessboard white = Board("4k3/8/8/8/3p4/8/4P3/4K3 w");
     TChessboard afterDouble, afterSingle, afterSecond;
     PlayMove(white, M("e2", "e4"), afterDouble);
     TMoveList list;
@@ -81,7 +81,7 @@ TEST(LegalMoves, EnPassantOnlyAfterDoubleStepInsideTheLine) {
 }
 
 TEST(LegalMoves, EnPassantThatUncoversTheKingIsIllegal) {
-    const TChessboard b = Board("8/8/8/8/k2p3R/8/4P3/4K3 w - -");
+    const TChessboard b = Board("8/8/8/8/k2p3R/8/4P3/4K3 w");
     TChessboard after;
     PlayMove(b, M("e2", "e4"), after);
     TMoveList list;
@@ -109,10 +109,10 @@ TEST(PlayMove, KeepsDerivedFieldsUpToDate) {
 }
 
 TEST(Mate, MateAndStalemateAreTold) {
-    EXPECT_TRUE(IsMate(Board("R5k1/5ppp/8/8/8/8/8/6K1 b - -")));
-    EXPECT_FALSE(IsStalemate(Board("R5k1/5ppp/8/8/8/8/8/6K1 b - -")));
-    EXPECT_TRUE(IsStalemate(Board("7k/5Q2/8/8/8/8/8/K7 b - -")));
-    EXPECT_FALSE(IsMate(Board("7k/5Q2/8/8/8/8/8/K7 b - -")));
+    EXPECT_TRUE(IsMate(Board("R5k1/5ppp/8/8/8/8/8/6K1 b")));
+    EXPECT_FALSE(IsStalemate(Board("R5k1/5ppp/8/8/8/8/8/6K1 b")));
+    EXPECT_TRUE(IsStalemate(Board("7k/5Q2/8/8/8/8/8/K7 b")));
+    EXPECT_FALSE(IsMate(Board("7k/5Q2/8/8/8/8/8/K7 b")));
 }
 
 }  // namespace

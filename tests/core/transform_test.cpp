@@ -16,91 +16,64 @@ using test::Board;
 using test::Problem;
 using test::TestLine;
 
-TEST(Rotate90, TurnsTheBoardAQuarterClockwise) {
+TEST(Rotate90, TurnsTheBoardAQuarterClockwiseAndFourTurnsRestoreIt) {
     // a1 -> a8, a8 -> h8, h8 -> h1, h1 -> a1, d2 -> b5.
     TChessboard b = Board("N6k/8/8/8/8/8/3B4/K6n w - -");
     std::string description;
     EXPECT_EQ(Rotate90(b, description), std::nullopt);
     EXPECT_EQ(WriteFenPlacement(b), "K6N/8/8/1B6/8/8/8/n6k");
     EXPECT_EQ(b.WhiteKingSquare(), MakeSquare(0, 7));
-    EXPECT_EQ(b.BlackKingSquare(), MakeSquare(7, 0));
-}
-
-TEST(Rotate90, FourTurnsRestoreBoardAndDescription) {
     const char* const start = "r3k2r/1q6/8/3Pp3/8/5N2/4B3/R3K2R";
-    TChessboard b = Board(start);
-    std::string description = "J. Smith, 1st Prize";
+    b = Board(start);
+    description = "J. Smith, 1st Prize";
     for (int turn = 0; turn < 4; ++turn) Rotate90(b, description);
     EXPECT_EQ(description, "J. Smith, 1st Prize");
     EXPECT_EQ(WriteFenPlacement(b), start);
 }
 
 TEST(Rotate90, DescriptionPrefix) {
-    const struct {
-        const char* before;
-        const char* after;
-    } cases[] = {
-        {"", "Rotated 90°: "},
-        {"Rotated 180°: a: b", "Rotated 270°: a: b"},
-        {"Rotated 270°: a: b", "a: b"},
-        {"Rotated 360°: a", "Rotated 450°: a"},
-        {"Rotated 0°: a", "Rotated 90°: a"},
-        {"Rotated 270°", ""},
-        {"Rotated 45°: a", "Rotated 90°: Rotated 45°: a"},
-        {"Rotated 90: a", "Rotated 90°: Rotated 90: a"},
-        {"Rotated °: a", "Rotated 90°: Rotated °: a"},
-        {"Rotated x90°: a", "Rotated 90°: Rotated x90°: a"},
-        {"rotated 90°: a", "Rotated 90°: rotated 90°: a"},
+    // Only a leading "Rotated <digits>°: " counts as an earlier turn.
+    // clang-format off
+    const std::pair<const char*, const char*> cases[] = {
+        {"", "Rotated 90°: "}, {"Rotated 180°: a: b", "Rotated 270°: a: b"}, {"Rotated 270°: a: b", "a: b"},
+        {"Rotated 360°: a", "Rotated 450°: a"}, {"Rotated 0°: a", "Rotated 90°: a"}, {"Rotated 270°", ""},
+        {"Rotated 45°: a", "Rotated 90°: Rotated 45°: a"}, {"Rotated 90: a", "Rotated 90°: Rotated 90: a"},
+        {"Rotated x90°: a", "Rotated 90°: Rotated x90°: a"}, {"rotated 90°: a", "Rotated 90°: rotated 90°: a"},
         {"B&Wh.swapped: Rotated 90°: a", "Rotated 90°: B&Wh.swapped: Rotated 90°: a"},
     };
-    for (const auto& c : cases) {
+    // clang-format on
+    for (const auto& [before, after] : cases) {
         TChessboard b = Board("4k3/8/8/8/8/8/8/4K3");
-        std::string description = c.before;
+        std::string description = before;
         Rotate90(b, description);
-        EXPECT_EQ(description, c.after) << c.before;
+        EXPECT_EQ(description, after) << before;
     }
 }
 
-TEST(Rotate90, BrokenRuleIsReportedAndTheTurnKept) {
-    // The pawn on a2 lands on b8.
-    TChessboard b = Board("4k3/8/8/8/8/8/P7/4K3 w - -");
+TEST(Transforms, BrokenRuleIsReportedAndTheTransformKept) {
+    TChessboard b = Board("4k3/8/8/8/8/8/P7/4K3 w - -");  // the pawn on a2 lands on b8
     std::string description = "x";
     EXPECT_EQ(Rotate90(b, description), "Pawns cannot occupy 1st nor 8th line of the chessboard.");
     EXPECT_EQ(b.squares[MakeSquare(1, 7)], kWhite | kPawn);
-    EXPECT_EQ(b.squares[MakeSquare(0, 1)], kEmpty);
     EXPECT_EQ(description, "Rotated 90°: x");
+    TChessboard lone;
+    lone.squares[MakeSquare(4, 0)] = kWhite | kKing;
+    description.clear();
+    EXPECT_EQ(SwapColours(lone, description), "Illegal number of kings.");
+    EXPECT_EQ(lone.squares[MakeSquare(4, 7)], kBlack | kKing);
+    EXPECT_EQ(description, "B&Wh.swapped: ");
 }
 
-TEST(SwapColours, MirrorsRanksAndExchangesColours) {
+TEST(SwapColours, MirrorsRanksAndExchangesColoursTwiceRestores) {
     TChessboard b = Board("4k3/8/8/8/8/2n5/4P3/R3K3 w Q -");
     std::string description = "x";
     EXPECT_EQ(SwapColours(b, description), std::nullopt);
     EXPECT_EQ(WriteFenPlacement(b), "r3k3/4p3/2N5/8/8/8/8/4K3");
     EXPECT_EQ(description, "B&Wh.swapped: x");
-    EXPECT_EQ(b.whiteKnights, 1);
-    EXPECT_EQ(b.blackKnights, 0);
-    EXPECT_EQ(b.blackRooks, 1);
-    EXPECT_EQ(b.blackPawns, 1);
-}
-
-TEST(SwapColours, TwiceRestoresTheBoardButNotTheDescription) {
-    const char* const start = "r3k2r/1q6/8/3Pp3/8/5N2/4B3/R3K2R";
-    TChessboard b = Board(start);
-    std::string description = "d";
+    EXPECT_EQ(b.whiteKnights + 2 * b.blackKnights + 4 * b.blackRooks + 8 * b.blackPawns, 1 + 4 + 8);
     SwapColours(b, description);
-    EXPECT_NE(WriteFenPlacement(b), start);
-    SwapColours(b, description);
-    EXPECT_EQ(WriteFenPlacement(b), start);
-    EXPECT_EQ(description, "B&Wh.swapped: B&Wh.swapped: d");
-}
-
-TEST(SwapColours, BrokenRuleIsReportedAndTheSwapKept) {
-    TChessboard b;
-    b.squares[MakeSquare(4, 0)] = kWhite | kKing;
-    std::string description;
-    EXPECT_EQ(SwapColours(b, description), "Illegal number of kings.");
-    EXPECT_EQ(b.squares[MakeSquare(4, 7)], kBlack | kKing);
-    EXPECT_EQ(description, "B&Wh.swapped: ");
+    EXPECT_EQ(WriteFenPlacement(b), "4k3/8/8/8/8/2n5/4P3/R3K3");
+    EXPECT_EQ(description, "B&Wh.swapped: B&Wh.swapped: x");
 }
 
 TEST(Transforms, StartANewLine) {

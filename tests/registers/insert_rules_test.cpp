@@ -48,25 +48,24 @@ TEST_P(InsertSequence, LeavesTheExpectedEntry) {
 constexpr TSolvingMode kNormal = TSolvingMode::Normal;
 constexpr TSolvingMode kSpecial = TSolvingMode::Special;
 
-INSTANTIATE_TEST_SUITE_P(
-    Register, InsertSequence,
-    ::testing::Values(
-        TSequenceCase{"FirstMate", {{5, true}}, kNormal, 5, 0, true},
-        TSequenceCase{"FirstNoMate", {{6, false}}, kNormal, 0, 6, true},
-        TSequenceCase{"NoMateAboveMateIsRepairedByTwo", {{5, true}, {7, false}}, kNormal, 5, 3, true},
-        TSequenceCase{"NoMateEqualToMateOneIsRepairedToZero", {{1, true}, {1, false}}, kNormal, 1, 0, false},
-        TSequenceCase{"MateTwoRepairsToZero", {{4, false}, {2, true}}, kNormal, 2, 0, true},
-        TSequenceCase{"MateFoundBelowNoMateRepairs", {{9, false}, {7, true}}, kNormal, 7, 5, true},
-        TSequenceCase{"LongerMateKeepsShorter", {{5, true}, {7, true}}, kNormal, 5, 0, false},
-        TSequenceCase{"ShorterMateReplacesLonger", {{7, true}, {5, true}}, kNormal, 5, 0, true},
-        TSequenceCase{"SmallerNoMateKeepsLarger", {{4, false}, {2, false}}, kNormal, 0, 4, false},
-        TSequenceCase{"LargerNoMateReplacesSmaller", {{2, false}, {4, false}}, kNormal, 0, 4, true},
-        TSequenceCase{"CoherentPairIsKept", {{9, true}, {7, false}}, kNormal, 9, 7, true},
-        TSequenceCase{"RepeatedResultChangesNothing", {{7, false}, {7, false}}, kNormal, 0, 7, false},
-        TSequenceCase{"SpecialModeKeepsIncoherentPair", {{5, true}, {7, false}}, kSpecial, 5, 7, true},
-        TSequenceCase{
-            "SpecialModeStillKeepsShorterMate", {{7, true}, {5, true}, {9, true}}, kSpecial, 5, 0, false}),
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Register, InsertSequence, ::testing::Values(
+    TSequenceCase{"FirstMate", {{5, true}}, kNormal, 5, 0, true},
+    TSequenceCase{"FirstNoMate", {{6, false}}, kNormal, 0, 6, true},
+    TSequenceCase{"NoMateAboveMateIsRepairedByTwo", {{5, true}, {7, false}}, kNormal, 5, 3, true},
+    TSequenceCase{"NoMateEqualToMateOneIsRepairedToZero", {{1, true}, {1, false}}, kNormal, 1, 0, false},
+    TSequenceCase{"MateTwoRepairsToZero", {{4, false}, {2, true}}, kNormal, 2, 0, true},
+    TSequenceCase{"MateFoundBelowNoMateRepairs", {{9, false}, {7, true}}, kNormal, 7, 5, true},
+    TSequenceCase{"LongerMateKeepsShorter", {{5, true}, {7, true}}, kNormal, 5, 0, false},
+    TSequenceCase{"ShorterMateReplacesLonger", {{7, true}, {5, true}}, kNormal, 5, 0, true},
+    TSequenceCase{"SmallerNoMateKeepsLarger", {{4, false}, {2, false}}, kNormal, 0, 4, false},
+    TSequenceCase{"LargerNoMateReplacesSmaller", {{2, false}, {4, false}}, kNormal, 0, 4, true},
+    TSequenceCase{"CoherentPairIsKept", {{9, true}, {7, false}}, kNormal, 9, 7, true},
+    TSequenceCase{"RepeatedResultChangesNothing", {{7, false}, {7, false}}, kNormal, 0, 7, false},
+    TSequenceCase{"SpecialModeKeepsIncoherentPair", {{5, true}, {7, false}}, kSpecial, 5, 7, true},
+    TSequenceCase{"SpecialModeStillKeepsShorterMate", {{7, true}, {5, true}, {9, true}}, kSpecial, 5, 0, false}),
     [](const auto& info) { return std::string(info.param.name); });
+// clang-format on
 
 struct TAnswerCase {
     uint16_t nMovesMate;
@@ -85,17 +84,14 @@ TEST_P(AnswerFromEntry, SettlesOnlyWhatTheValuesProve) {
     EXPECT_EQ(AnswerFor(entry, c.n), c.answer);
 }
 
-INSTANTIATE_TEST_SUITE_P(Register, AnswerFromEntry,
-                         ::testing::Values(TAnswerCase{5, 0, 5, TRegisterAnswer::Mate},
-                                           TAnswerCase{5, 0, 7, TRegisterAnswer::Mate},
-                                           TAnswerCase{5, 0, 3, TRegisterAnswer::Unknown},
-                                           TAnswerCase{0, 7, 7, TRegisterAnswer::NoMate},
-                                           TAnswerCase{0, 7, 5, TRegisterAnswer::NoMate},
-                                           TAnswerCase{0, 7, 9, TRegisterAnswer::Unknown},
-                                           TAnswerCase{9, 7, 9, TRegisterAnswer::Mate},
-                                           TAnswerCase{9, 7, 7, TRegisterAnswer::NoMate},
-                                           TAnswerCase{9, 5, 7, TRegisterAnswer::Unknown},
-                                           TAnswerCase{0, 0, 1, TRegisterAnswer::Unknown}));
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Register, AnswerFromEntry, ::testing::Values(
+    TAnswerCase{5, 0, 5, TRegisterAnswer::Mate}, TAnswerCase{5, 0, 7, TRegisterAnswer::Mate},
+    TAnswerCase{5, 0, 3, TRegisterAnswer::Unknown}, TAnswerCase{0, 7, 7, TRegisterAnswer::NoMate},
+    TAnswerCase{0, 7, 5, TRegisterAnswer::NoMate}, TAnswerCase{0, 7, 9, TRegisterAnswer::Unknown},
+    TAnswerCase{9, 7, 9, TRegisterAnswer::Mate}, TAnswerCase{9, 7, 7, TRegisterAnswer::NoMate},
+    TAnswerCase{9, 5, 7, TRegisterAnswer::Unknown}, TAnswerCase{0, 0, 1, TRegisterAnswer::Unknown}));
+// clang-format on
 
 TEST(RegisterLookup, AbsentPositionIsUnknown) {
     TAggregatedTemporaryChessboardRegister reg(1000, 16);

@@ -48,14 +48,13 @@ TEST_P(RemovalBounds, DoubtfulnessStoreUsesOneBound) {
     EXPECT_EQ(reg.ElementCount(), c.bRemovedFromDoubtfulness ? 0u : 1u);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Register, RemovalBounds,
-    ::testing::Values(TBoundsCase{5, 0, 5, true, true}, TBoundsCase{7, 0, 5, false, false},
-                      TBoundsCase{0, 3, 5, true, true}, TBoundsCase{0, 4, 5, false, true},
-                      TBoundsCase{0, 5, 5, false, true}, TBoundsCase{0, 6, 5, false, false},
-                      TBoundsCase{5, 3, 5, true, true}, TBoundsCase{5, 4, 5, false, true},
-                      TBoundsCase{0, 1, 1, false, true}, TBoundsCase{1, 0, 1, true, true},
-                      TBoundsCase{0, 1, 3, true, true}, TBoundsCase{0, 2, 2, false, true}));
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Register, RemovalBounds, ::testing::Values(
+    TBoundsCase{5, 0, 5, true, true}, TBoundsCase{7, 0, 5, false, false}, TBoundsCase{0, 3, 5, true, true},
+    TBoundsCase{0, 4, 5, false, true}, TBoundsCase{0, 5, 5, false, true}, TBoundsCase{0, 6, 5, false, false},
+    TBoundsCase{5, 3, 5, true, true}, TBoundsCase{5, 4, 5, false, true}, TBoundsCase{0, 1, 1, false, true},
+    TBoundsCase{1, 0, 1, true, true}, TBoundsCase{0, 1, 3, true, true}, TBoundsCase{0, 2, 2, false, true}));
+// clang-format on
 
 TEST(RegisterRemoveNMovers, AggregatedRunsOverEveryRegisterAndLogs) {
     CLogRecorder log;

@@ -64,19 +64,15 @@ TEST_P(SubproblemContradiction, ThrowsInTheInterfaceLanguage) {
     EXPECT_EQ(reg.SubproblemCount(), 1u);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Register, SubproblemContradiction,
-    ::testing::Values(TContradictionCase{"English", kEnglish, false,
-                                         "Incoherent information in TChessboardRegister::Insert()"},
-                      TContradictionCase{"EnglishDefence", kEnglish, true,
-                                         "Incoherent information in TChessboardRegister::Insert()"},
-                      TContradictionCase{"Ukrainian", kUkrainian, false,
-                                         "Incoherent information in TChessboardRegister::Insert()"},
-                      TContradictionCase{"Polish", kPolish, false,
-                                         "Sprzeczna informacja w TChessboardRegister::Insert()"},
-                      TContradictionCase{"PolishDefence", kPolish, true,
-                                         "Sprzeczna informacja w TChessboardRegister::InsertDefence()"}),
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Register, SubproblemContradiction, ::testing::Values(
+    TContradictionCase{"English", kEnglish, false, "Incoherent information in TChessboardRegister::Insert()"},
+    TContradictionCase{"EnglishDefence", kEnglish, true, "Incoherent information in TChessboardRegister::Insert()"},
+    TContradictionCase{"Ukrainian", kUkrainian, false, "Incoherent information in TChessboardRegister::Insert()"},
+    TContradictionCase{"Polish", kPolish, false, "Sprzeczna informacja w TChessboardRegister::Insert()"},
+    TContradictionCase{"PolishDefence", kPolish, true, "Sprzeczna informacja w TChessboardRegister::InsertDefence()"}),
     [](const auto& info) { return std::string(info.param.name); });
+// clang-format on
 
 struct TStored {
     uint16_t n;
@@ -110,22 +106,16 @@ TEST_P(Subsumption, ErasesOnlyImpliedResultsAtOddLevels) {
 
 constexpr uint8_t kUnknown = kSubproblemUnknown;
 
-INSTANTIATE_TEST_SUITE_P(
-    Register, Subsumption,
-    ::testing::Values(
-        TSubsumptionCase{"NoMateErasesSmallerOddNoMates",
-                         {{5, false}, {6, false}, {7, false}, {11, false}},
-                         {9, false},
-                         {{5, kUnknown}, {6, 0}, {7, kUnknown}, {9, 0}, {11, 0}}},
-        TSubsumptionCase{
-            "NoMateKeepsMates", {{5, true}, {7, false}}, {9, false}, {{5, 1}, {7, kUnknown}, {9, 0}}},
-        TSubsumptionCase{"MateErasesLargerOddMates",
-                         {{3, true}, {7, true}, {8, true}, {9, true}},
-                         {5, true},
-                         {{3, 1}, {5, 1}, {7, kUnknown}, {8, 1}, {9, kUnknown}}},
-        TSubsumptionCase{
-            "MateKeepsNoMates", {{7, false}, {9, true}}, {5, true}, {{5, 1}, {7, 0}, {9, kUnknown}}}),
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Register, Subsumption, ::testing::Values(
+    TSubsumptionCase{"NoMateErasesSmallerOddNoMates", {{5, false}, {6, false}, {7, false}, {11, false}}, {9, false},
+        {{5, kUnknown}, {6, 0}, {7, kUnknown}, {9, 0}, {11, 0}}},
+    TSubsumptionCase{"NoMateKeepsMates", {{5, true}, {7, false}}, {9, false}, {{5, 1}, {7, kUnknown}, {9, 0}}},
+    TSubsumptionCase{"MateErasesLargerOddMates", {{3, true}, {7, true}, {8, true}, {9, true}}, {5, true}, {{3, 1}, {5,
+        1}, {7, kUnknown}, {8, 1}, {9, kUnknown}}},
+    TSubsumptionCase{"MateKeepsNoMates", {{7, false}, {9, true}}, {5, true}, {{5, 1}, {7, 0}, {9, kUnknown}}}),
     [](const auto& info) { return std::string(info.param.name); });
+// clang-format on
 
 TEST(RegisterSubsumption, OffKeepsEveryResult) {
     TAggregatedTemporaryChessboardRegister reg(1000, 16);

@@ -90,27 +90,24 @@ TEST_P(IniWrite, ChangesOnlyTheKey) {
         << "the temporary file is left behind";
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Values, IniWrite,
-    ::testing::Values(
-        TWriteCase{"ReplacesKeepingEverythingElse",
-                   "; options\r\n[chess]\r\nA=1\r\nB=2\r\n[other]\r\nA=9\r\n", "a", "5",
-                   "; options\r\n[chess]\r\nA=5\r\nB=2\r\n[other]\r\nA=9\r\n"},
-        TWriteCase{"KeepsSpellingOfSectionAndKey", "[CHESS]\nQuickMode = 1\n", "QUICKMODE", "0",
-                   "[CHESS]\nQuickMode =0\n"},
-        TWriteCase{"AddsKeyAtEndOfItsSection", "[chess]\nA=1\n\n[other]\nB=2\n", "C", "3",
-                   "[chess]\nA=1\nC=3\n\n[other]\nB=2\n"},
-        TWriteCase{"AddsKeyToFirstSectionOfThatName", "[chess]\nA=1\n[chess]\nB=2\n", "C", "3",
-                   "[chess]\nA=1\nC=3\n[chess]\nB=2\n"},
-        TWriteCase{"AppendsMissingSection", "[other]\nB=2", "A", "1", "[other]\nB=2\n\n[chess]\nA=1\n"},
-        TWriteCase{"NewLinesFollowFileLineEndings", "[other]\r\nB=2\r\n", "A", "1",
-                   "[other]\r\nB=2\r\n\r\n[chess]\r\nA=1\r\n"},
-        TWriteCase{"CreatesMissingFile", "", "A", "1", "[chess]\nA=1\n"},
-        TWriteCase{"KeepsByteOrderMark", "\xEF\xBB\xBF[chess]\nA=1\n", "A", "2",
-                   "\xEF\xBB\xBF[chess]\nA=2\n"},
-        TWriteCase{"ValueStaysOneLine", "[chess]\nA=1\nB=2\n", "A", "x\ny", "[chess]\nA=x y\nB=2\n"},
-        TWriteCase{"DoesNotMatchCommentedKey", "[chess]\n;A=1\n", "A", "2", "[chess]\n;A=1\nA=2\n"}),
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Values, IniWrite, ::testing::Values(
+    TWriteCase{"ReplacesKeepingEverythingElse", "; options\r\n[chess]\r\nA=1\r\nB=2\r\n[other]\r\nA=9\r\n", "a", "5",
+        "; options\r\n[chess]\r\nA=5\r\nB=2\r\n[other]\r\nA=9\r\n"},
+    TWriteCase{"KeepsSpellingOfSectionAndKey", "[CHESS]\nQuickMode = 1\n", "QUICKMODE", "0", "[CHESS]\nQuickMode =0\n"},
+    TWriteCase{"AddsKeyAtEndOfItsSection", "[chess]\nA=1\n\n[other]\nB=2\n", "C", "3",
+        "[chess]\nA=1\nC=3\n\n[other]\nB=2\n"},
+    TWriteCase{"AddsKeyToFirstSectionOfThatName", "[chess]\nA=1\n[chess]\nB=2\n", "C", "3",
+        "[chess]\nA=1\nC=3\n[chess]\nB=2\n"},
+    TWriteCase{"AppendsMissingSection", "[other]\nB=2", "A", "1", "[other]\nB=2\n\n[chess]\nA=1\n"},
+    TWriteCase{"NewLinesFollowFileLineEndings", "[other]\r\nB=2\r\n", "A", "1",
+        "[other]\r\nB=2\r\n\r\n[chess]\r\nA=1\r\n"},
+    TWriteCase{"CreatesMissingFile", "", "A", "1", "[chess]\nA=1\n"},
+    TWriteCase{"KeepsByteOrderMark", "\xEF\xBB\xBF[chess]\nA=1\n", "A", "2", "\xEF\xBB\xBF[chess]\nA=2\n"},
+    TWriteCase{"ValueStaysOneLine", "[chess]\nA=1\nB=2\n", "A", "x\ny", "[chess]\nA=x y\nB=2\n"},
+    TWriteCase{"DoesNotMatchCommentedKey", "[chess]\n;A=1\n", "A", "2", "[chess]\n;A=1\nA=2\n"}),
     [](const auto& info) { return info.param.pszName; });
+// clang-format on
 
 TEST(IniWrite, FailureLeavesNoTemporaryFile) {
     CTempFolder folder;

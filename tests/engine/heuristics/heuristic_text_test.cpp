@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <tuple>
 #include <vector>
 
 #include "core/chess_exception.h"
+#include "tests/core/test_errors.h"
 
 namespace moremate {
 namespace {
@@ -27,117 +29,74 @@ struct TParameterCase {
 };
 
 TEST(HeuristicText, ParameterTexts) {
+    // clang-format off
     const std::vector<TParameterCase> cases = {
         {SH_KEEPKINGONTHEEDGE, [](auto&) {}, ""},
-        {SH_KEEPKINGONTHEEDGE,
-         [](auto& p) {
-             p.kingMode = TKingMode::AlmostStrict;
-             p.inclCorner = true;
-             p.edgeStrict = true;
-             p.edgeRelaxation.figuresToCapture = 2;
-             p.edgeRelaxation.onAdvancedPawn = true;
-             p.edgeRelaxation.deferCheck = true;
-             p.edgeRelaxation.deferMoves = 3;
-             p.edgeRelaxation.deferSecondCount = 1;
-         },
+        {SH_KEEPKINGONTHEEDGE, [](auto& p) {
+             p.kingMode = TKingMode::AlmostStrict, p.inclCorner = p.edgeStrict = true;
+             p.edgeRelaxation.figuresToCapture = 2,
+                 p.edgeRelaxation.onAdvancedPawn = p.edgeRelaxation.deferCheck = true;
+             p.edgeRelaxation.deferMoves = 3, p.edgeRelaxation.deferSecondCount = 1; },
          "ALMOST_STRICT,incl.corner,C2f,A,D3,M1,strict"},
-        {SH_KEEPKINGONTHEEDGE,
-         [](auto& p) {
-             p.edgeRelaxation.figuresToCapture = 1;
-             p.edgeRelaxation.alsoPawns = true;
-             p.edgeRelaxation.extEdgeOnly = true;
-             p.edgeStrict = true;
-         },
-         "strict"},
-        {SH_KEEPKINGWITHINEXTEDGE,
-         [](auto& p) {
-             p.edgeRelaxation.figuresToCapture = 1;
-             p.edgeRelaxation.alsoPawns = true;
-             p.edgeRelaxation.extEdgeOnly = true;
-             p.inclCorner = true;
-             p.edgeStrict = true;
-         },
+        // Relaxations for the ext.edge only are not written for the edge.
+        {SH_KEEPKINGONTHEEDGE, [](auto& p) { p.edgeRelaxation.figuresToCapture = 1,
+         p.edgeRelaxation.extEdgeOnly = true; }, ""},
+        {SH_KEEPKINGWITHINEXTEDGE, [](auto& p) {
+             p.edgeRelaxation.figuresToCapture = 1, p.edgeRelaxation.alsoPawns = p.edgeRelaxation.extEdgeOnly = true;
+             p.inclCorner = p.edgeStrict = true; },
          "C1,incl.corner,strict"},
-        {SH_KEEPKINGWITHINEXTEDGE, [](auto& p) { p.edgeRelaxation.onAdvancedPawn = true; }, "A"},
-        {SH_ONECOLORPLAYPOSSIBLE, [](auto& p) { p.colourMode = TColourMode::WhiteSquaresOnly; },
-         "WhiteSquaresOnly"},
-        {SH_ONECOLORPLAYPOSSIBLE, [](auto& p) { p.colourMode = TColourMode::BlackSquaresOnly; },
-         "BlackSquaresOnly"},
         {SH_ONECOLORPLAYPOSSIBLE, [](auto& p) { p.colourMode = TColourMode::SeparatedBlackBishop; },
          "SeparatedBlackBishop"},
         {SH_ONECOLORPLAYPOSSIBLE, [](auto&) {}, ""},
         {SH_DONTLEAVEMAINDIAGONAL, [](auto& p) { p.mainDiagonalFigure = D5; }, "D5"},
-        {SH_DONTLEAVEMAINDIAGONAL, [](auto&) {}, ""},
-        {SH_DONTLETFIGUREUNBLOCK,
-         [](auto& p) {
-             p.dlfuEff = true;
-             p.blockedFigures[0] = H1;
-             p.blockedFigures[1] = D5;
-             p.blockedCount = 2;
-         },
-         "EFF,H1,D5"},
-        {SH_DONTLETFIGUREUNBLOCK, [](auto& p) { p.blockedFigures[0] = E7, p.blockedCount = 1; }, "E7"},
+        {SH_DONTLETFIGUREUNBLOCK, [](auto& p) { p.dlfuEff = true, p.blockedFigures[0] = H1, p.blockedFigures[1] = D5,
+         p.blockedCount = 2; }, "EFF,H1,D5"},
         {SH_FINDFORCEDMATE, [](auto& p) { p.ffm.mode = kFfmCheckOnly; }, "CheckOnly"},
         {SH_FINDFORCEDMATE, [](auto& p) { p.ffm.mode = kFfmThreat1Plus; }, "#1+"},
-        {SH_FINDFORCEDMATE,
-         [](auto& p) {
-             p.ffm.mode = kFfmThreat5;
-             p.ffm.withOtherHeuristics = 1;
-             p.ffm.preliminary = true;
-             p.ffm.custom = true;
-         },
+        {SH_FINDFORCEDMATE, [](auto& p) { p.ffm.mode = kFfmThreat5, p.ffm.withOtherHeuristics = 1,
+         p.ffm.preliminary = p.ffm.custom = true; },
          "#5-WithOtherHeuristics-Preliminary-Custom"},
-        {SH_FINDFORCEDMATE,
-         [](auto& p) { p.ffm.mode = 1, p.ffm.withOtherHeuristics = 2, p.ffm.custom = true; },
+        {SH_FINDFORCEDMATE, [](auto& p) { p.ffm.mode = 1, p.ffm.withOtherHeuristics = 2, p.ffm.custom = true; },
          "-WithOtherHeuristics-Custom"},
         {SH_FINDFORCEDMATE, [](auto& p) { p.ffm.mode = 10; }, ""},
-        {SH_DONTLETPROMOTEDQUEENMOVE, [](auto& p) { p.promotedStrict = true; }, "strict"},
         {SH_DONTLETPROMOTEDFIGUREMOVE, [](auto& p) { p.promotedStrict = true; }, "strict"},
         {SH_KEYLINE, [](auto& p) { p.keyLine = 7; }, "H"},
-        {SH_KEYLINE, [](auto&) {}, ""},
         {SH_KEYDIAGONAL, [](auto& p) { p.keyDiagonal[0] = A1, p.keyDiagonal[1] = H8; }, "A1-H8"},
         {SH_KEYDIAGONAL, [](auto& p) { p.keyDiagonal[0] = 0x40, p.keyDiagonal[1] = 0x80 | C3; }, "-"},
         {SH_DONTLOSEANYFIGURES, [](auto& p) { p.loseFiguresPawns = 1; }, "incl.pawns"},
-        {SH_DONTLOSEANYFIGURES, [](auto& p) { p.loseFiguresPawns = 2; }, "incl.pawnsBeforePromo"},
         {SH_DONTLOSEANYFIGURES, [](auto& p) { p.loseFiguresPawns = 7; }, "incl.pawnsBeforePromo"},
-        {SH_KEYSQUARE, [](auto& p) { p.keySquare = C3; }, "C3"},
         {SH_KEYWHITEFIGURE, [](auto& p) { p.keyWhiteFigure = B2; }, "B2"},
-        {SH_ASSERTBLACKKINGSURROUNDED, [](auto& p) { p.surroundedStrict = true; }, "strict"},
         {SH_SKIPWORSTWHITEMOVES, [](auto& p) { p.skipPassive = true; }, "SkipPassive"},
         {SH_KEEPKINGNEARCORNER, [](auto& p) { p.cornerDistance = 0; }, "0M"},
         {SH_KEEPKINGNEARCORNER, [](auto& p) { p.cornerDistance = 3; }, "3S"},
-        {SH_KEEPKINGNEARCORNER, [](auto& p) { p.cornerDistance = -2; }, "2M"},
         {SH_KEEPKINGNEARCORNER, [](auto& p) { p.cornerDistance = -128; }, "128M"},
         {SH_SEASNAKE, [](auto& p) { p.seaSnake.approach = C3, p.seaSnake.turnBack = B2; }, "C3,B2"},
-        {SH_SEASNAKE,
-         [](auto& p) { p.seaSnake.approach = C3, p.seaSnake.turnBack = B2, p.seaSnake.onlyAfterMove = 4; },
-         "C3,B2,4"},
+        {SH_SEASNAKE, [](auto& p) { p.seaSnake.approach = C3, p.seaSnake.turnBack = B2,
+         p.seaSnake.onlyAfterMove = 4; }, "C3,B2,4"},
         {SH_AREKINGSNEAR, [](auto& p) { p.promotedStrict = true, p.skipPassive = true; }, ""},
         {SH_ZUGZWANG, [](auto& p) { p.zugzwangSet = true, p.zugzwangAfterMove = 3; }, ""},
     };
+    // clang-format on
     for (const TParameterCase& c : cases)
-        EXPECT_EQ(HeuristicParameterText(c.bit, With(c.setUp)), c.text)
-            << HeuristicName(c.bit) << " " << c.text;
+        EXPECT_EQ(HeuristicParameterText(c.bit, With(c.setUp)), c.text) << HeuristicName(c.bit) << " " << c.text;
 }
 
 TEST(HeuristicText, DisplayNamesReplaceOnlyTheFourComposedTexts) {
-    const std::vector<std::pair<TSetUp, std::string>> edge = {
-        {[](auto&) {}, "SH_KEEPKINGONTHEEDGE"},
-        {[](auto& p) { p.kingMode = TKingMode::Strict; }, "SH_DONTLETKINGMOVE"},
-        {[](auto& p) { p.kingMode = TKingMode::AlmostStrict; }, "SH_DONTLETKINGMOVE(excptns)"},
-        {[](auto& p) { p.edgeStrict = true; }, "SH_DONTLETKINGMOVE"},
-        {[](auto& p) { p.kingMode = TKingMode::Strict, p.inclCorner = true; },
+    // clang-format off
+    const std::vector<std::tuple<uint32_t, TSetUp, std::string>> cases = {
+        {SH_KEEPKINGONTHEEDGE, [](auto&) {}, "SH_KEEPKINGONTHEEDGE"},
+        {SH_KEEPKINGONTHEEDGE, [](auto& p) { p.kingMode = TKingMode::Strict; }, "SH_DONTLETKINGMOVE"},
+        {SH_KEEPKINGONTHEEDGE, [](auto& p) { p.kingMode = TKingMode::AlmostStrict; }, "SH_DONTLETKINGMOVE(excptns)"},
+        {SH_KEEPKINGONTHEEDGE, [](auto& p) { p.edgeStrict = true; }, "SH_DONTLETKINGMOVE"},
+        {SH_KEEPKINGONTHEEDGE, [](auto& p) { p.kingMode = TKingMode::Strict, p.inclCorner = true; },
          "SH_KEEPKINGONTHEEDGE(STRICT,incl.corner)"},
-        {[](auto& p) { p.inclCorner = true; }, "SH_KEEPKINGONTHEEDGE(incl.corner)"},
+        {SH_SKIPWORSTWHITEMOVES, [](auto& p) { p.skipPassive = true; }, "SH_SKIPPASSIVEWHITEMOVES"},
+        {SH_ASSERTBLACKKINGSURROUNDED, [](auto& p) { p.surroundedStrict = true; },
+         "SH_ASSERTBLACKKINGSURROUNDED(strict)"},
+        {SH_SAVEQUEENROOK, [](auto&) {}, "SH_SAVEQUEEN/ROOK"}, {0x100, [](auto&) {}, "..."},
     };
-    for (const auto& [setUp, text] : edge) EXPECT_EQ(HeuristicText(SH_KEEPKINGONTHEEDGE, With(setUp)), text);
-    EXPECT_EQ(HeuristicText(SH_SKIPWORSTWHITEMOVES, With([](auto& p) { p.skipPassive = true; })),
-              "SH_SKIPPASSIVEWHITEMOVES");
-    EXPECT_EQ(HeuristicText(SH_SKIPWORSTWHITEMOVES, {}), "SH_SKIPWORSTWHITEMOVES");
-    EXPECT_EQ(HeuristicText(SH_ASSERTBLACKKINGSURROUNDED, With([](auto& p) { p.surroundedStrict = true; })),
-              "SH_ASSERTBLACKKINGSURROUNDED(strict)");
-    EXPECT_EQ(HeuristicText(SH_SAVEQUEENROOK, {}), "SH_SAVEQUEEN/ROOK");
-    EXPECT_EQ(HeuristicText(0x100, {}), "...");
+    // clang-format on
+    for (const auto& [bit, setUp, text] : cases) EXPECT_EQ(HeuristicText(bit, With(setUp)), text);
 }
 
 THeuristicSet SetOf(
@@ -154,87 +113,51 @@ TEST(HeuristicText, SetTexts) {
     const THeuristicSet noDynamicDlfu = SetOf(SH_DONTLETFIGUREUNBLOCK, [](auto& p) {
         p.blockedFigures[0] = D5, p.blockedCount = 1, p.dlfuDynamic = false;
     });
-    struct TCase {
-        THeuristicSet set;
-        THeuristicTextContext context;
-        std::string text;
-    };
-    const std::vector<TCase> cases = {
+    // clang-format off
+    const std::vector<std::tuple<THeuristicSet, THeuristicTextContext, std::string>> cases = {
         {plain, {}, "SH_AREKINGSNEAR, SH_3MOVESTOMATE, SH_KEEPKINGNEARCORNER(2S)"},
         {plain, {true, 0}, "SH_AREKINGSNEAR, SH_3MOVESTOMATE, SH_KEEPKINGNEARCORNER(2S),  QuickMode"},
         {almostStrict, {true, 1}, "SH_DONTLETKINGMOVE(excptns), SH_SINGLEQUEENMATE"},
         {almostStrict, {true, 2}, "SH_DONTLETKINGMOVE(excptns), SH_SINGLEQUEENMATE,  QuickMode"},
-        {almostStrict, {false, 2}, "SH_DONTLETKINGMOVE(excptns), SH_SINGLEQUEENMATE"},
         {ffm, {true, 2}, "SH_FINDFORCEDMATE(#2)"},
         {noDynamicDlfu, {true, 2}, "SH_DONTLETFIGUREUNBLOCK(D5),  QuickMode (CannotApplyDLFUDynamically)"},
-        {SetOf(0), {}, ""},
-        {SetOf(0x100 | SH_ZUGZWANG), {}, "..., SH_ZUGZWANG"},
+        {SetOf(0), {}, ""}, {SetOf(0x100 | SH_ZUGZWANG), {}, "..., SH_ZUGZWANG"},
     };
-    for (const TCase& c : cases) EXPECT_EQ(HeuristicSetText(c.set, c.context), c.text);
+    // clang-format on
+    for (const auto& [set, context, text] : cases) EXPECT_EQ(HeuristicSetText(set, context), text);
 }
 
 // Sets whose every parameter has a printed form, so that they read back unchanged.
 std::vector<THeuristicSet> PrintableSets() {
+    // clang-format off
     return {
-        SetOf(SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE,
-              [](auto& p) {
-                  p.kingMode = TKingMode::Strict;
-                  p.inclCorner = true;
-                  p.edgeStrict = true;
-                  p.edgeRelaxation.figuresToCapture = 3;
-                  p.edgeRelaxation.onAdvancedPawn = true;
-                  p.edgeRelaxation.deferCheck = true;
-                  p.edgeRelaxation.deferMoves = 4;
-                  p.edgeRelaxation.deferSecondCount = 2;
-              }),
-        SetOf(SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE,
-              [](auto& p) {
-                  p.edgeRelaxation.figuresToCapture = 1;
-                  p.edgeRelaxation.alsoPawns = true;
-                  p.edgeRelaxation.extEdgeOnly = true;
-              }),
+        SetOf(SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE, [](auto& p) {
+            p.kingMode = TKingMode::Strict, p.inclCorner = p.edgeStrict = true;
+            p.edgeRelaxation.figuresToCapture = 3, p.edgeRelaxation.onAdvancedPawn = p.edgeRelaxation.deferCheck = true;
+            p.edgeRelaxation.deferMoves = 4, p.edgeRelaxation.deferSecondCount = 2; }),
+        SetOf(SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE, [](auto& p) {
+            p.edgeRelaxation.figuresToCapture = 1, p.edgeRelaxation.alsoPawns = p.edgeRelaxation.extEdgeOnly = true; }),
         SetOf(SH_KEEPKINGONTHEEDGE | SH_SKIPWORSTWHITEMOVES | SH_ZUGZWANG,
               [](auto& p) { p.kingMode = TKingMode::AlmostStrict, p.skipPassive = true; }),
         SetOf(SH_ONECOLORPLAYPOSSIBLE | SH_DONTLEAVEMAINDIAGONAL | SH_DONTLETFIGUREUNBLOCK |
-                  SH_DONTLETPROMOTEDQUEENMOVE | SH_DONTLETPROMOTEDFIGUREMOVE | SH_DONTLOSEANYFIGURES,
-              [](auto& p) {
-                  p.colourMode = TColourMode::SeparatedBlackBishop;
-                  p.mainDiagonalFigure = C3;
-                  p.dlfuEff = true;
-                  for (Square s : {A1, H1, D5, E7, H8, B2, C3, Square{44}})
-                      p.blockedFigures[p.blockedCount++] = s;
-                  p.dlfuDynamic = false;
-                  p.promotedStrict = true;
-                  p.loseFiguresPawns = 2;
-              }),
-        SetOf(SH_FINDFORCEDMATE | SH_KEYLINE | SH_KEYDIAGONAL | SH_KEYSQUARE | SH_KEYWHITEFIGURE,
-              [](auto& p) {
-                  p.ffm.mode = p.ffm.initialMode = kFfmThreat2Plus;
-                  p.ffm.withOtherHeuristics = 2;
-                  p.ffm.preliminary = true;
-                  p.ffm.custom = true;
-                  p.keyLine = 0;
-                  p.keyDiagonal[0] = H1;
-                  p.keyDiagonal[1] = A1 + 56;
-                  p.keySquare = E7;
-                  p.keyWhiteFigure = H8;
-              }),
-        SetOf(SH_ASSERTBLACKKINGSURROUNDED | SH_KEEPKINGNEARCORNER | SH_SEASNAKE | SH_CAPTUREKNIGHT,
-              [](auto& p) {
-                  p.surroundedStrict = true;
-                  p.cornerDistance = -3;
-                  p.seaSnake.approach = D5;
-                  p.seaSnake.turnBack = E7;
-                  p.seaSnake.onlyAfterMove = 12;
-              }),
-        SetOf(SH_KEEPKINGNEARCORNER | SH_FINDFORCEDMATE | SH_ONECOLORPLAYPOSSIBLE,
-              [](auto& p) {
-                  p.cornerDistance = 5;
-                  p.ffm.mode = p.ffm.initialMode = kFfmCheckOnly;
-                  p.colourMode = TColourMode::WhiteSquaresOnly;
-              }),
+              SH_DONTLETPROMOTEDQUEENMOVE | SH_DONTLETPROMOTEDFIGUREMOVE | SH_DONTLOSEANYFIGURES, [](auto& p) {
+            p.colourMode = TColourMode::SeparatedBlackBishop, p.mainDiagonalFigure = C3, p.dlfuEff = true;
+            for (Square s : {A1, H1, D5, E7, H8, B2, C3, Square{44}}) p.blockedFigures[p.blockedCount++] = s;
+            p.dlfuDynamic = false, p.promotedStrict = true, p.loseFiguresPawns = 2; }),
+        SetOf(SH_FINDFORCEDMATE | SH_KEYLINE | SH_KEYDIAGONAL | SH_KEYSQUARE | SH_KEYWHITEFIGURE, [](auto& p) {
+            p.ffm.mode = p.ffm.initialMode = kFfmThreat2Plus, p.ffm.withOtherHeuristics = 2;
+            p.ffm.preliminary = p.ffm.custom = true;
+            p.keyLine = 0, p.keyDiagonal[0] = H1, p.keyDiagonal[1] = A1 + 56, p.keySquare = E7,
+                p.keyWhiteFigure = H8; }),
+        SetOf(SH_ASSERTBLACKKINGSURROUNDED | SH_KEEPKINGNEARCORNER | SH_SEASNAKE | SH_CAPTUREKNIGHT, [](auto& p) {
+            p.surroundedStrict = true, p.cornerDistance = -3;
+            p.seaSnake.approach = D5, p.seaSnake.turnBack = E7, p.seaSnake.onlyAfterMove = 12; }),
+        SetOf(SH_KEEPKINGNEARCORNER | SH_FINDFORCEDMATE | SH_ONECOLORPLAYPOSSIBLE, [](auto& p) {
+            p.cornerDistance = 5, p.ffm.mode = p.ffm.initialMode = kFfmCheckOnly;
+            p.colourMode = TColourMode::WhiteSquaresOnly; }),
         SetOf(0xFFFFFFFFu & ~(0x100u | 0x10000000u | 0x20000000u)),
     };
+    // clang-format on
 }
 
 TEST(HeuristicText, PrintableSetsReadBackUnchanged) {
@@ -249,17 +172,15 @@ TEST(HeuristicText, PrintableSetsReadBackUnchanged) {
 }
 
 TEST(HeuristicText, TextsOfSetsWithUnprintedDetailsReadBackToTheSameText) {
+    // clang-format off
     const std::vector<THeuristicSet> sets = {
         SetOf(SH_KEEPKINGONTHEEDGE, [](auto& p) { p.edgeStrict = true; }),
         SetOf(SH_FINDFORCEDMATE, [](auto& p) { p.ffm.withOtherHeuristics = 1, p.ffm.relaxations = 5; }),
         SetOf(SH_KEYDIAGONAL | SH_SEASNAKE, [](auto& p) { p.seaSnake.pendulum[0] = A1; }),
         SetOf(SH_ZUGZWANG | SH_KEEPKINGWITHINEXTEDGE,
-              [](auto& p) {
-                  p.zugzwangSet = true;
-                  p.edgeRelaxation.automatic = true;
-                  p.quickMateDepth = 4;
-              }),
+            [](auto& p) { p.zugzwangSet = true; p.edgeRelaxation.automatic = true; p.quickMateDepth = 4; }),
     };
+    // clang-format on
     for (const THeuristicSet& set : sets) {
         const std::string text = HeuristicSetText(set);
         EXPECT_EQ(HeuristicSetText(ReadHeuristicSetText(text).m_set), text);
@@ -302,46 +223,26 @@ TEST(HeuristicText, ItemsAndParameterTextsAreReadAsWritten) {
 }
 
 TEST(HeuristicText, UnreadableTextsAreRefusedWithTheHeuristicAndItem) {
+    // clang-format off
     const std::vector<std::pair<uint32_t, std::string>> cases = {
-        {SH_KEEPKINGONTHEEDGE, "Strict"},
-        {SH_KEEPKINGONTHEEDGE, "C"},
-        {SH_KEEPKINGONTHEEDGE, "Cxf"},
-        {SH_KEEPKINGONTHEEDGE, "D-1"},
-        {SH_KEEPKINGWITHINEXTEDGE, "STRICT"},
-        {SH_ONECOLORPLAYPOSSIBLE, "WhiteSquares"},
-        {SH_DONTLEAVEMAINDIAGONAL, "I1"},
-        {SH_DONTLEAVEMAINDIAGONAL, "D55"},
-        {SH_DONTLETFIGUREUNBLOCK, "A1,B1,C1,D1,E1,F1,G1,H1,A2"},
-        {SH_DONTLETFIGUREUNBLOCK, "A0"},
-        {SH_FINDFORCEDMATE, "#6"},
-        {SH_FINDFORCEDMATE, "#2-Partially"},
-        {SH_FINDFORCEDMATE, "#2-"},
-        {SH_KEYLINE, "I"},
-        {SH_KEYLINE, "AB"},
-        {SH_KEYDIAGONAL, "A1"},
-        {SH_KEYDIAGONAL, "A1-B2-C3"},
-        {SH_DONTLOSEANYFIGURES, "pawns"},
-        {SH_ASSERTBLACKKINGSURROUNDED, "STRICT"},
-        {SH_SKIPWORSTWHITEMOVES, "skippassive"},
-        {SH_KEEPKINGNEARCORNER, ""},
-        {SH_KEEPKINGNEARCORNER, "3"},
-        {SH_KEEPKINGNEARCORNER, "128S"},
-        {SH_KEEPKINGNEARCORNER, "129M"},
-        {SH_SEASNAKE, "C3"},
-        {SH_SEASNAKE, "C3,B2,x"},
-        {SH_AREKINGSNEAR, "strict"},
+        {SH_KEEPKINGONTHEEDGE, "Strict"}, {SH_KEEPKINGONTHEEDGE, "C"}, {SH_KEEPKINGONTHEEDGE, "Cxf"},
+        {SH_KEEPKINGONTHEEDGE, "D-1"}, {SH_KEEPKINGWITHINEXTEDGE, "STRICT"}, {SH_ONECOLORPLAYPOSSIBLE, "WhiteSquares"},
+        {SH_DONTLEAVEMAINDIAGONAL, "I1"}, {SH_DONTLEAVEMAINDIAGONAL, "D55"}, {SH_DONTLETFIGUREUNBLOCK, "A0"},
+        {SH_DONTLETFIGUREUNBLOCK, "A1,B1,C1,D1,E1,F1,G1,H1,A2"}, {SH_FINDFORCEDMATE, "#6"},
+        {SH_FINDFORCEDMATE, "#2-Partially"}, {SH_FINDFORCEDMATE, "#2-"}, {SH_KEYLINE, "I"}, {SH_KEYLINE, "AB"},
+        {SH_KEYDIAGONAL, "A1"}, {SH_KEYDIAGONAL, "A1-B2-C3"}, {SH_DONTLOSEANYFIGURES, "pawns"},
+        {SH_ASSERTBLACKKINGSURROUNDED, "STRICT"}, {SH_SKIPWORSTWHITEMOVES, "skippassive"},
+        {SH_KEEPKINGNEARCORNER, ""}, {SH_KEEPKINGNEARCORNER, "3"}, {SH_KEEPKINGNEARCORNER, "128S"},
+        {SH_KEEPKINGNEARCORNER, "129M"}, {SH_SEASNAKE, "C3"}, {SH_SEASNAKE, "C3,B2,x"}, {SH_AREKINGSNEAR, "strict"},
     };
+    // clang-format on
     for (const auto& [bit, text] : cases) {
         THeuristicParameters params;
         EXPECT_THROW(ReadHeuristicParameters(bit, text, params), ChessException) << text;
     }
     THeuristicParameters params;
-    try {
-        ReadHeuristicParameters(SH_KEEPKINGNEARCORNER, "9X", params);
-        FAIL();
-    } catch (const ChessException& e) {
-        EXPECT_STREQ(e.what(), "Invalid parameter of SH_KEEPKINGNEARCORNER: \"9X\"");
-    }
+    EXPECT_EQ(test::ErrorOf([&] { ReadHeuristicParameters(SH_KEEPKINGNEARCORNER, "9X", params); }),
+              "Invalid parameter of SH_KEEPKINGNEARCORNER: \"9X\"");
     THeuristicSet set;
     EXPECT_THROW(ReadHeuristicItem("SH_NOSUCHTHING", set), ChessException);
     EXPECT_THROW(ReadHeuristicItem("SH_KEYLINE(A", set), ChessException);

@@ -5,7 +5,7 @@
 #include <functional>
 #include <vector>
 
-#include "core/chess_exception.h"
+#include "tests/core/test_errors.h"
 
 namespace moremate {
 namespace {
@@ -19,11 +19,10 @@ struct TTokenCase {
 };
 
 TEST(PredefinedHeuristics, EveryToken) {
+    // clang-format off
     const std::vector<TTokenCase> cases = {
         {"SafeMode", 0, [](const auto& r) { return r.m_bSafeModeForced; }},
-        {"safemode", 0, [](const auto& r) { return r.m_bSafeModeForced; }},
-        {"AssertBKS", SH_ASSERTBLACKKINGSURROUNDED,
-         [](const auto& r) { return !r.m_set.params.surroundedStrict; }},
+        {"AssertBKS", SH_ASSERTBLACKKINGSURROUNDED, [](const auto& r) { return !r.m_set.params.surroundedStrict; }},
         {"AssertBKS(strict)", SH_ASSERTBLACKKINGSURROUNDED,
          [](const auto& r) { return r.m_set.params.surroundedStrict; }},
         {"assertbks(STRICT)", SH_ASSERTBLACKKINGSURROUNDED,
@@ -42,17 +41,14 @@ TEST(PredefinedHeuristics, EveryToken) {
         {"LFQMDepth(#4)", 0, [](const auto& r) { return r.m_set.params.quickMateDepth == 4; }},
         {"SyzygyLevels(5)", 0, [](const auto& r) { return r.m_nSyzygyLevels == 5; }},
         {"FFM(#5)", SH_FINDFORCEDMATE,
-         [](const auto& r) {
-             return r.m_set.params.ffm.mode == kFfmThreat5 && r.m_set.params.ffm.initialMode == kFfmThreat5;
-         }},
-        {"FFM(#1+)", SH_FINDFORCEDMATE,
-         [](const auto& r) { return r.m_set.params.ffm.mode == kFfmThreat1Plus; }},
+         [](const auto& r) { const auto& f = r.m_set.params.ffm; return f.mode == kFfmThreat5 && f.initialMode == f.mode; }},
+        {"FFM(#1+)", SH_FINDFORCEDMATE, [](const auto& r) { return r.m_set.params.ffm.mode == kFfmThreat1Plus; }},
         {"SafeMode, ExtEdge  DLFU(a1,b2),FFM(#2)",
          SH_KEEPKINGWITHINEXTEDGE | SH_DONTLETFIGUREUNBLOCK | SH_FINDFORCEDMATE,
          [](const auto& r) { return r.m_bSafeModeForced && r.m_set.params.blockedCount == 2; }},
-        {"", 0,
-         [](const auto& r) { return !r.m_bSafeModeForced && !r.m_bDlfuForbidden && !r.m_nSyzygyLevels; }},
+        {"", 0, [](const auto& r) { return !r.m_bSafeModeForced && !r.m_bDlfuForbidden && !r.m_nSyzygyLevels; }},
     };
+    // clang-format on
     const THeuristicSet start{SH_3MOVESTOMATE, {}};
     for (const TTokenCase& c : cases) {
         const TPredefinedHeuristics result = ApplyPredefinedAdditionalHeuristics(start, c.sTokens);
@@ -63,28 +59,21 @@ TEST(PredefinedHeuristics, EveryToken) {
 
 TEST(PredefinedHeuristics, ErrorsNameTheReason) {
     const std::string prefix = "Error occurred in ApplyPredefinedAdditionalHeuristics() : ";
+    // clang-format off
     const std::vector<std::pair<const char*, std::string>> cases = {
         {"DLFU(h1,d55)", "Invalid square description at index 8"},
         {"SafeMode DLFU(h1,,e7)", "Invalid square description at index 17"},
         {"DLFU()", "Invalid square description at index 5"},
         {"DLFU(a1,b1,c1,d1,e1,f1,g1,h1,a2)", "Invalid square description at index 29"},
-        {"DLFU(h1,i5)", "Invalid square"},
-        {"DLFU(h1,d9)", "Invalid square"},
-        {"dlfu(h1)", "Unrecognized token: dlfu(h1)"},
-        {"safeMode extedge", "Unrecognized token: extedge"},
+        {"DLFU(h1,i5)", "Invalid square"}, {"DLFU(h1,d9)", "Invalid square"},
+        {"dlfu(h1)", "Unrecognized token: dlfu(h1)"}, {"safeMode extedge", "Unrecognized token: extedge"},
         {"AssertBKS(loose)", "Unrecognized token: AssertBKS(loose)"},
-        {"LFQMDepth(4)", "Unrecognized token: LFQMDepth(4)"},
-        {"LFQMDepth(#10)", "Unrecognized token: LFQMDepth(#10)"},
-        {"SyzygyLevels(x)", "Unrecognized token: SyzygyLevels(x)"},
-        {"FFM(#6)", "Unrecognized token: FFM(#6)"},
+        {"LFQMDepth(4)", "Unrecognized token: LFQMDepth(4)"}, {"LFQMDepth(#10)", "Unrecognized token: LFQMDepth(#10)"},
+        {"SyzygyLevels(x)", "Unrecognized token: SyzygyLevels(x)"}, {"FFM(#6)", "Unrecognized token: FFM(#6)"},
     };
+    // clang-format on
     for (const auto& [tokens, reason] : cases) {
-        try {
-            ApplyPredefinedAdditionalHeuristics({}, tokens);
-            ADD_FAILURE() << tokens;
-        } catch (const ChessException& e) {
-            EXPECT_EQ(e.what(), prefix + reason) << tokens;
-        }
+        EXPECT_EQ(test::ErrorOf([&] { ApplyPredefinedAdditionalHeuristics({}, tokens); }), prefix + reason);
     }
 }
 

@@ -20,7 +20,7 @@ class CDoubtEverything : public CHeuristicHook {
 // A #3 with the single key Rh1-h3.
 constexpr const char* kOneKey = "8/8/8/8/R7/2k5/8/4K2R w K - 0 1";
 // A #3 with four keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6.
-constexpr const char* kFourKeys = "8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1";
+constexpr const char* kFourKeys = "8/8/8/8/P7/3PQ3/3K4/k7 w";
 
 struct CRun {
     TPassRunRequest request;

@@ -19,16 +19,15 @@ struct SolveCase {
 };
 
 // Directmates with their complete sets of keys (cooks included), proven by an independent solver.
+// clang-format off
 const SolveCase kCases[] = {
-    {"8/Q7/8/8/8/8/8/2k1K2R w K - 0 1", 2, {"Qa7-f2"}},
-    {"8/8/8/8/R7/2k5/8/4K2R w K - 0 1", 3, {"Rh1-h3"}},
+    {"8/Q7/8/8/8/8/8/2k1K2R w K - 0 1", 2, {"Qa7-f2"}}, {"8/8/8/8/R7/2k5/8/4K2R w K - 0 1", 3, {"Rh1-h3"}},
     {"8/8/pQ6/p1P5/P1p5/5p2/2k2P2/R3K3 w Q - 0 1", 3, {"Qb6-f6"}},
-    {"8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1", 3, {"Kd2-c1", "Kd2-c2", "Kd2-c3", "Qe3-b6"}},
-    {"6r1/3p3P/8/2B5/8/2K5/8/2k5 w - - 0 1", 4, {"h7:g8Q", "h7:g8R"}},
-    {"8/7P/p7/6B1/5K2/8/8/6k1 w - - 0 1", 4, {"Kf4-f3", "h7-h8Q"}},
-    {"8/7P/p7/6B1/5K2/8/8/6k1 w - - 0 1", 3, {}},
-    {"8/8/Q7/8/2K5/5P2/8/2k5 w - - 0 1", 2, {}},
+    {"8/8/8/8/P7/3PQ3/3K4/k7 w", 3, {"Kd2-c1", "Kd2-c2", "Kd2-c3", "Qe3-b6"}},
+    {"6r1/3p3P/8/2B5/8/2K5/8/2k5 w", 4, {"h7:g8Q", "h7:g8R"}}, {"8/7P/p7/6B1/5K2/8/8/6k1 w", 4, {"Kf4-f3", "h7-h8Q"}},
+    {"8/7P/p7/6B1/5K2/8/8/6k1 w", 3, {}}, {"8/8/Q7/8/2K5/5P2/8/2k5 w", 2, {}},
 };
+// clang-format on
 
 std::vector<std::string> KeyTexts(const TChessboard& root, const TSolveResult& r) {
     std::vector<std::string> keys;

@@ -44,16 +44,14 @@ void ExpectVerdicts(const std::vector<TLineCase>& cases) {
     }
 }
 
-constexpr const char* kCornerKing = "k7/8/8/8/8/8/8/4K2R w - -";
+constexpr const char* kCornerKing = "k7/8/8/8/8/8/8/4K2R w";
 
 TEST(SpecialHeuristics, KingZones) {
     const THeuristicSet edge = With(SH_KEEPKINGONTHEEDGE);
-    const THeuristicSet corner =
-        With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) { p.inclCorner = true; });
+    const THeuristicSet corner = With(SH_KEEPKINGONTHEEDGE, [](auto& p) { p.inclCorner = true; });
     const THeuristicSet ext = With(SH_KEEPKINGWITHINEXTEDGE);
-    const THeuristicSet extStrict =
-        With(SH_KEEPKINGWITHINEXTEDGE, [](THeuristicParameters& p) { p.edgeStrict = true; });
-    const char* second = "8/8/8/8/8/1k6/8/4K2R w - -";
+    const THeuristicSet extStrict = With(SH_KEEPKINGWITHINEXTEDGE, [](auto& p) { p.edgeStrict = true; });
+    const char* second = "8/8/8/8/8/1k6/8/4K2R w";
     ExpectVerdicts({
         {"edge: the king steps off the edge", edge, kCornerKing, "Rh1-h2 Ka8-b7", SH_KEEPKINGONTHEEDGE},
         {"edge: a step along the edge", edge, kCornerKing, "Rh1-h2 Ka8-b8", 0},
@@ -68,15 +66,14 @@ TEST(SpecialHeuristics, KingZones) {
 }
 
 TEST(SpecialHeuristics, KingMayNotMove) {
-    const THeuristicSet strict =
-        With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) { p.kingMode = TKingMode::Strict; });
+    const THeuristicSet strict = With(SH_KEEPKINGONTHEEDGE, [](auto& p) { p.kingMode = TKingMode::Strict; });
     const THeuristicSet almost =
-        With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) { p.kingMode = TKingMode::AlmostStrict; });
-    const char* pawnFree = "k7/8/8/6p1/8/8/6P1/1R2K3 w - -";
-    const char* pawnBlocks = "k7/8/8/8/6p1/8/6P1/1R2K3 w - -";
+        With(SH_KEEPKINGONTHEEDGE, [](auto& p) { p.kingMode = TKingMode::AlmostStrict; });
+    const char* pawnFree = "k7/8/8/6p1/8/8/6P1/1R2K3 w";
+    const char* pawnBlocks = "k7/8/8/8/6p1/8/6P1/1R2K3 w";
     ExpectVerdicts({
         {"strict: a king move along the edge", strict, kCornerKing, "Rh1-h2 Ka8-b8", SH_KEEPKINGONTHEEDGE},
-        {"strict: pawn moves are free", strict, "k7/7p/8/8/8/8/8/4K2R w - -", "Rh1-g1 h7-h6", 0},
+        {"strict: pawn moves are free", strict, "k7/7p/8/8/8/8/8/4K2R w", "Rh1-g1 h7-h6", 0},
         {"almost strict: the first step away", almost, kCornerKing, "Rh1-h2 Ka8-b8", 0},
         {"almost strict: and straight back", almost, kCornerKing, "Rh1-h2 Ka8-b8 Rh2-h3 Kb8-a8", 0},
         {"almost strict: wandering on", almost, kCornerKing, "Rh1-h2 Ka8-b8 Rh2-h3 Kb8-c8",
@@ -93,7 +90,7 @@ TEST(SpecialHeuristics, CornerDistanceInSquaresAndMoves) {
         set.params.cornerDistance = distance;
         return set;
     };
-    const char* fen = "8/8/8/8/8/8/2k5/4K2R w - -";
+    const char* fen = "8/8/8/8/8/8/2k5/4K2R w";
     ExpectVerdicts({
         {"c3 is 4 squares from a1", corner(3), fen, "Rh1-h8 Kc2-c3", SH_KEEPKINGNEARCORNER},
         {"b2 is 2 squares from a1", corner(3), fen, "Rh1-h8 Kc2-b2", 0},
@@ -104,10 +101,10 @@ TEST(SpecialHeuristics, CornerDistanceInSquaresAndMoves) {
 
 TEST(SpecialHeuristics, EdgeRelaxation) {
     const THeuristicSet capture =
-        With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) { p.edgeRelaxation.figuresToCapture = 1; });
+        With(SH_KEEPKINGONTHEEDGE, [](auto& p) { p.edgeRelaxation.figuresToCapture = 1; });
     const THeuristicSet pawn =
-        With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) { p.edgeRelaxation.onAdvancedPawn = true; });
-    const THeuristicSet pawnExtOnly = With(SH_KEEPKINGONTHEEDGE, [](THeuristicParameters& p) {
+        With(SH_KEEPKINGONTHEEDGE, [](auto& p) { p.edgeRelaxation.onAdvancedPawn = true; });
+    const THeuristicSet pawnExtOnly = With(SH_KEEPKINGONTHEEDGE, [](auto& p) {
         p.edgeRelaxation.onAdvancedPawn = true;
         p.edgeRelaxation.extEdgeOnly = true;
     });
@@ -119,9 +116,9 @@ TEST(SpecialHeuristics, EdgeRelaxation) {
         set.params.edgeRelaxation.skipDeferIfNoBalanceChange = skip;
         return set;
     };
-    const char* knight = "k7/1n6/8/8/8/8/8/1R2K3 w - -";
-    const char* advanced = "k7/8/6P1/8/8/8/8/4K2R w - -";
-    const char* knightFar = "k7/8/8/8/8/8/8/n3K2R w - -";
+    const char* knight = "k7/1n6/8/8/8/8/8/1R2K3 w";
+    const char* advanced = "k7/8/6P1/8/8/8/8/4K2R w";
+    const char* knightFar = "k7/8/8/8/8/8/8/n3K2R w";
     ExpectVerdicts({
         {"a captured figure relaxes the edge", capture, knight, "Rb1:b7 Ka8:b7", 0},
         {"without relaxation", With(SH_KEEPKINGONTHEEDGE), knight, "Rb1:b7 Ka8:b7", SH_KEEPKINGONTHEEDGE},
@@ -144,24 +141,24 @@ TEST(SpecialHeuristics, WhiteMaterial) {
         return set;
     };
     const THeuristicSet save = With(SH_SAVEQUEENROOK);
-    const char* pawnLow = "k7/8/8/8/8/8/r1P5/4K3 w - -";
-    const char* pawnHigh = "k7/r1P5/8/8/8/8/8/4K3 w - -";
+    const char* pawnLow = "k7/8/8/8/8/8/r1P5/4K3 w";
+    const char* pawnHigh = "k7/r1P5/8/8/8/8/8/4K3 w";
     ExpectVerdicts({
-        {"a figure lost", lose(0), "k7/8/8/8/8/8/r7/N3K3 w - -", "Ke1-f1 Ra2:a1", SH_DONTLOSEANYFIGURES},
+        {"a figure lost", lose(0), "k7/8/8/8/8/8/r7/N3K3 w", "Ke1-f1 Ra2:a1", SH_DONTLOSEANYFIGURES},
         {"pawns do not count", lose(0), pawnLow, "Ke1-f1 Ra2:c2", 0},
         {"incl.pawns", lose(1), pawnLow, "Ke1-f1 Ra2:c2", SH_DONTLOSEANYFIGURES},
         {"before promotion: a pawn far back", lose(2), pawnLow, "Ke1-f1 Ra2:c2", 0},
         {"before promotion: a pawn on the seventh", lose(2), pawnHigh, "Ke1-f1 Ra7:c7",
          SH_DONTLOSEANYFIGURES},
-        {"the last rook lost", save, "k7/8/8/8/8/8/r7/R3K3 w - -", "Ke1-f1 Ra2:a1", SH_SAVEQUEENROOK},
-        {"another rook left", save, "k7/8/8/8/8/8/r7/R3K2R w - -", "Ke1-f1 Ra2:a1", 0},
-        {"a promotion is coming", save, "k7/2P5/8/8/8/8/r7/R3K3 w - -", "Ke1-f1 Ra2:a1", 0},
+        {"the last rook lost", save, "k7/8/8/8/8/8/r7/R3K3 w", "Ke1-f1 Ra2:a1", SH_SAVEQUEENROOK},
+        {"another rook left", save, "k7/8/8/8/8/8/r7/R3K2R w", "Ke1-f1 Ra2:a1", 0},
+        {"a promotion is coming", save, "k7/2P5/8/8/8/8/r7/R3K3 w", "Ke1-f1 Ra2:a1", 0},
     });
 }
 
 TEST(SpecialHeuristics, CaptureKnightInTime) {
     const THeuristicSet knight = With(SH_CAPTUREKNIGHT);
-    const char* fen = "k7/8/8/3n4/8/8/8/K5R1 w - -";
+    const char* fen = "k7/8/8/3n4/8/8/8/K5R1 w";
     ExpectVerdicts({
         {"no move left for the capture", knight, fen, "Rg1-g2 Nd5-e3", SH_CAPTUREKNIGHT, 3},
         {"capture and mate left, knight not attacked", knight, fen, "Rg1-g2 Nd5-e3", SH_CAPTUREKNIGHT, 5},
@@ -178,7 +175,7 @@ TEST(SpecialHeuristics, BlockedFigures) {
         set.params.dlfuEff = eff;
         return set;
     };
-    const char* fen = "kr6/8/8/8/8/8/8/4K2R w - -";
+    const char* fen = "kr6/8/8/8/8/8/8/4K2R w";
     ExpectVerdicts({
         {"one square is allowed", dlfu(false), fen, "Rh1-h2 Rb8-c8", 0},
         {"farther is not", dlfu(false), fen, "Rh1-h2 Rb8-b5", SH_DONTLETFIGUREUNBLOCK},
@@ -193,17 +190,17 @@ TEST(SpecialHeuristics, BlackQueenAndPromotedFigures) {
     const THeuristicSet twice = With(SH_DONTLETBLACKQUEENCHECKTWICE);
     const THeuristicSet queen = With(SH_DONTLETPROMOTEDQUEENMOVE);
     const THeuristicSet figure = With(SH_DONTLETPROMOTEDFIGUREMOVE);
-    const char* promote = "k7/8/8/8/8/8/p7/4K2R b - -";
+    const char* promote = "k7/8/8/8/8/8/p7/4K2R b";
     ExpectVerdicts({
-        {"first check", twice, "k6q/8/8/8/8/8/8/4K3 w - -", "Ke1-d2 Qh8-h6", 0},
-        {"second check", twice, "k6q/8/8/8/8/8/8/4K3 w - -", "Ke1-d2 Qh8-h6 Kd2-c2 Qh6-h7",
+        {"first check", twice, "k6q/8/8/8/8/8/8/4K3 w", "Ke1-d2 Qh8-h6", 0},
+        {"second check", twice, "k6q/8/8/8/8/8/8/4K3 w", "Ke1-d2 Qh8-h6 Kd2-c2 Qh6-h7",
          SH_DONTLETBLACKQUEENCHECKTWICE},
-        {"a check into en prise does not count", twice, "k6q/8/1R6/8/8/8/8/4K3 w - -",
+        {"a check into en prise does not count", twice, "k6q/8/1R6/8/8/8/8/4K3 w",
          "Ke1-d2 Qh8-h6 Kd2-c2 Qh6-h7", 0},
         {"a promoted queen left free", queen, promote, "a2-a1Q Ke1-e2", SH_DONTLETPROMOTEDQUEENMOVE, 10},
         {"a promoted knight is no queen", queen, promote, "a2-a1N Ke1-e2", 0, 10},
         {"any promoted figure", figure, promote, "a2-a1N Ke1-e2", SH_DONTLETPROMOTEDFIGUREMOVE, 10},
-        {"a queen from the start", queen, "k7/8/8/8/8/8/q7/4K2R w - -", "Rh1-h2", 0},
+        {"a queen from the start", queen, "k7/8/8/8/8/8/q7/4K2R w", "Rh1-h2", 0},
     });
 }
 
@@ -212,38 +209,38 @@ TEST(SpecialHeuristics, KingsOfMiniatures) {
     const THeuristicSet recede = With(SH_DONTRECEDEBLACKKING);
     const THeuristicSet surround = With(SH_ASSERTBLACKKINGSURROUNDED);
     const THeuristicSet surroundStrict =
-        With(SH_ASSERTBLACKKINGSURROUNDED, [](THeuristicParameters& p) { p.surroundedStrict = true; });
+        With(SH_ASSERTBLACKKINGSURROUNDED, [](auto& p) { p.surroundedStrict = true; });
     const THeuristicSet three = With(SH_3MOVESTOMATE);
-    const char* open = "8/8/8/3k4/8/8/8/K5R1 w - -";
+    const char* open = "8/8/8/3k4/8/8/8/K5R1 w";
     ExpectVerdicts({
-        {"kings too far apart for a mate in two", near, "7k/8/8/8/8/8/8/K5R1 w - -", "Rg1-g2",
-         SH_AREKINGSNEAR, 3},
-        {"time enough to come close", near, "7k/8/8/8/8/8/8/K5R1 w - -", "Rg1-g2", 0, 15},
-        {"the white king steps back", recede, "7k/8/8/8/8/8/1K6/6R1 w - -", "Kb2-a1", SH_DONTRECEDEBLACKKING},
-        {"the white king closes in", recede, "7k/8/8/8/8/8/1K6/6R1 w - -", "Kb2-c3", 0},
+        {"kings too far apart for a mate in two", near, "7k/8/8/8/8/8/8/K5R1 w", "Rg1-g2", SH_AREKINGSNEAR,
+         3},
+        {"time enough to come close", near, "7k/8/8/8/8/8/8/K5R1 w", "Rg1-g2", 0, 15},
+        {"the white king steps back", recede, "7k/8/8/8/8/8/1K6/6R1 w", "Kb2-a1", SH_DONTRECEDEBLACKKING},
+        {"the white king closes in", recede, "7k/8/8/8/8/8/1K6/6R1 w", "Kb2-c3", 0},
         {"a king in the open", surround, open, "Ka1-b1", SH_ASSERTBLACKKINGSURROUNDED},
         {"checks are exempt", surround, open, "Rg1-d1", 0},
-        {"three free squares", surround, "7k/8/8/8/8/8/8/K1R5 w - -", "Ka1-b1", 0},
-        {"three free squares, strict", surroundStrict, "7k/8/8/8/8/8/8/K1R5 w - -", "Ka1-b1",
+        {"three free squares", surround, "7k/8/8/8/8/8/8/K1R5 w", "Ka1-b1", 0},
+        {"three free squares, strict", surroundStrict, "7k/8/8/8/8/8/8/K1R5 w", "Ka1-b1",
          SH_ASSERTBLACKKINGSURROUNDED},
         {"three moves left, king in the open", three, open, "Rg1-g2 Kd5-d4", SH_3MOVESTOMATE, 7},
         {"four moves left", three, open, "Rg1-g2 Kd5-d4", 0},
-        {"enough force", three, "8/8/8/3k4/8/8/8/KQ4R1 w - -", "Rg1-g2 Kd5-d4", 0, 7},
+        {"enough force", three, "8/8/8/3k4/8/8/8/KQ4R1 w", "Rg1-g2 Kd5-d4", 0, 7},
     });
 }
 
 TEST(SpecialHeuristics, LinesAndTiedPieces) {
     const THeuristicSet diagonal = With(SH_DONTLEAVEMAINDIAGONAL);
     const THeuristicSet blackDiagonal =
-        With(SH_DONTLEAVEMAINDIAGONAL, [](THeuristicParameters& p) { p.mainDiagonalFigure = 54; });  // g7
-    const THeuristicSet keyLine = With(SH_KEYLINE, [](THeuristicParameters& p) { p.keyLine = 7; });
-    const THeuristicSet keyDiagonal = With(SH_KEYDIAGONAL, [](THeuristicParameters& p) {
+        With(SH_DONTLEAVEMAINDIAGONAL, [](auto& p) { p.mainDiagonalFigure = 54; });  // g7
+    const THeuristicSet keyLine = With(SH_KEYLINE, [](auto& p) { p.keyLine = 7; });
+    const THeuristicSet keyDiagonal = With(SH_KEYDIAGONAL, [](auto& p) {
         p.keyDiagonal[0] = 1;   // b1
         p.keyDiagonal[1] = 55;  // h7
     });
     const THeuristicSet sweep = With(SH_SWEEPINGWHITEROOK);
     const THeuristicSet single = With(SH_SINGLEQUEENMATE);
-    const char* bishop = "k7/6b1/8/8/8/8/1B6/4K3 w - -";
+    const char* bishop = "k7/6b1/8/8/8/8/1B6/4K3 w";
     ExpectVerdicts({
         {"the bishop leaves a1-h8", diagonal, bishop, "Bb2-a3", SH_DONTLEAVEMAINDIAGONAL},
         {"the bishop keeps to it", diagonal, bishop, "Bb2-e5", 0},
@@ -253,25 +250,25 @@ TEST(SpecialHeuristics, LinesAndTiedPieces) {
         {"along the diagonal", blackDiagonal, bishop, "Ke1-d1 Bg7-f6", 0},
         {"the key file left empty", keyLine, kCornerKing, "Rh1-g1", SH_KEYLINE},
         {"a move along the key file", keyLine, kCornerKing, "Rh1-h5", 0},
-        {"another rook holds it", keyLine, "k7/8/8/8/8/8/7R/4K2R w - -", "Rh1-g1", 0},
-        {"along the key diagonal", keyDiagonal, "k7/8/8/8/8/8/8/1B2K3 w - -", "Bb1-c2", 0},
-        {"off the key diagonal", keyDiagonal, "k7/8/8/8/8/8/8/1B2K3 w - -", "Bb1-a2", SH_KEYDIAGONAL},
-        {"the rook sweeps its rank", sweep, "7k/8/8/8/8/8/8/R3K3 w - -", "Ra1-b1", 0},
-        {"the rook leaves its rank", sweep, "7k/8/8/8/8/8/8/R3K3 w - -", "Ra1-a5", SH_SWEEPINGWHITEROOK},
-        {"unless to take a pawn", sweep, "7k/8/8/8/p7/8/8/R3K3 w - -", "Ra1:a4", 0},
-        {"the queen moves", single, "7k/7p/8/8/8/8/8/1Q2K3 w - -", "Qb1-c1 Kh8-g8", 0},
-        {"the white king is tied", single, "7k/7p/8/8/8/8/8/1Q2K3 w - -", "Ke1-d1", SH_SINGLEQUEENMATE},
-        {"a black pawn is tied", single, "7k/7p/8/8/8/8/8/1Q2K3 w - -", "Qb1-c1 h7-h6", SH_SINGLEQUEENMATE},
+        {"another rook holds it", keyLine, "k7/8/8/8/8/8/7R/4K2R w", "Rh1-g1", 0},
+        {"along the key diagonal", keyDiagonal, "k7/8/8/8/8/8/8/1B2K3 w", "Bb1-c2", 0},
+        {"off the key diagonal", keyDiagonal, "k7/8/8/8/8/8/8/1B2K3 w", "Bb1-a2", SH_KEYDIAGONAL},
+        {"the rook sweeps its rank", sweep, "7k/8/8/8/8/8/8/R3K3 w", "Ra1-b1", 0},
+        {"the rook leaves its rank", sweep, "7k/8/8/8/8/8/8/R3K3 w", "Ra1-a5", SH_SWEEPINGWHITEROOK},
+        {"unless to take a pawn", sweep, "7k/8/8/8/p7/8/8/R3K3 w", "Ra1:a4", 0},
+        {"the queen moves", single, "7k/7p/8/8/8/8/8/1Q2K3 w", "Qb1-c1 Kh8-g8", 0},
+        {"the white king is tied", single, "7k/7p/8/8/8/8/8/1Q2K3 w", "Ke1-d1", SH_SINGLEQUEENMATE},
+        {"a black pawn is tied", single, "7k/7p/8/8/8/8/8/1Q2K3 w", "Qb1-c1 h7-h6", SH_SINGLEQUEENMATE},
     });
 }
 
 TEST(SpecialHeuristics, RulesOfTheEnginesOwnDetections) {
     const THeuristicSet blockade = With(SH_USEBLOCKBLACKPAWNSLEVEL);
-    const THeuristicSet key = With(SH_KEYSQUARE, [](THeuristicParameters& p) { p.keySquare = 57; });  // b8
+    const THeuristicSet key = With(SH_KEYSQUARE, [](auto& p) { p.keySquare = 57; });  // b8
     const THeuristicSet tempo = With(SH_ZUGZWANGTRIANGLES);
-    const char* blocked = "k7/p7/P7/8/4p3/4P2R/8/4K3 w - -";
-    const char* prison = "k7/8/1K6/4B3/8/8/8/8 w - -";
-    const char* ending = "8/8/2k5/p7/P7/2K5/8/8 w - -";
+    const char* blocked = "k7/p7/P7/8/4p3/4P2R/8/4K3 w";
+    const char* prison = "k7/8/1K6/4B3/8/8/8/8 w";
+    const char* ending = "8/8/2k5/p7/P7/2K5/8/8 w";
     ExpectVerdicts({
         {"the blockade holds", blockade, blocked, "Rh3-h4", 0},
         {"the rook offers e4 a capture", blockade, blocked, "Rh3-f3", SH_USEBLOCKBLACKPAWNSLEVEL},
@@ -339,17 +336,15 @@ TEST(SpecialHeuristics, FindForcedMateKeepsChecksAndThreats) {
         return set;
     };
     uint32_t reason = 0;
-    EXPECT_EQ(Filtered(ffm(kFfmCheckOnly), "7k/8/8/8/8/8/8/K5R1 w - -", 5, reason),
-              (TTexts{"Rg1-g8", "Rg1-h1"}));
+    EXPECT_EQ(Filtered(ffm(kFfmCheckOnly), "7k/8/8/8/8/8/8/K5R1 w", 5, reason), (TTexts{"Rg1-g8", "Rg1-h1"}));
     EXPECT_EQ(reason, SH_FINDFORCEDMATE);
     // After 1. Kf7 White threatens 2. Rh1 mate; the rook's checks are kept as checks.
-    const TTexts threats = Filtered(ffm(kFfmThreat1), "7k/8/5K2/8/8/8/8/6R1 w - -", 3, reason);
+    const TTexts threats = Filtered(ffm(kFfmThreat1), "7k/8/5K2/8/8/8/8/6R1 w", 3, reason);
     EXPECT_EQ(threats, (TTexts{"Kf6-f7", "Rg1-g8", "Rg1-h1"}));
     // With one move left no threat can come true: checks only.
-    EXPECT_EQ(Filtered(ffm(kFfmThreat1), "7k/8/5K2/8/8/8/8/6R1 w - -", 1, reason),
-              (TTexts{"Rg1-g8", "Rg1-h1"}));
+    EXPECT_EQ(Filtered(ffm(kFfmThreat1), "7k/8/5K2/8/8/8/8/6R1 w", 1, reason), (TTexts{"Rg1-g8", "Rg1-h1"}));
     // Black's moves are never filtered.
-    EXPECT_EQ(Filtered(ffm(kFfmCheckOnly), "7k/8/5K2/8/8/8/8/6R1 b - -", 4, reason), (TTexts{"Kh8-h7"}));
+    EXPECT_EQ(Filtered(ffm(kFfmCheckOnly), "7k/8/5K2/8/8/8/8/6R1 b", 4, reason), (TTexts{"Kh8-h7"}));
     EXPECT_EQ(reason, 0u);
 }
 
@@ -368,13 +363,12 @@ TEST(SpecialHeuristics, OtherHeuristicsUnderFindForcedMate) {
 
 TEST(SpecialHeuristics, SkippedWhiteMoves) {
     uint32_t reason = 0;
-    const TTexts worst = Filtered(With(SH_SKIPWORSTWHITEMOVES), "k7/8/8/3r4/8/8/8/4K2R w - -", 9, reason);
+    const TTexts worst = Filtered(With(SH_SKIPWORSTWHITEMOVES), "k7/8/8/3r4/8/8/8/4K2R w", 9, reason);
     EXPECT_EQ(std::count(worst.begin(), worst.end(), "Rh1-h5"), 0);
     EXPECT_EQ(std::count(worst.begin(), worst.end(), "Rh1-h4"), 1);
     EXPECT_EQ(reason, SH_SKIPWORSTWHITEMOVES);
-    const THeuristicSet passive =
-        With(SH_SKIPWORSTWHITEMOVES, [](THeuristicParameters& p) { p.skipPassive = true; });
-    const TTexts active = Filtered(passive, "7k/8/8/8/8/8/4K3/6R1 w - -", 9, reason);
+    const THeuristicSet passive = With(SH_SKIPWORSTWHITEMOVES, [](auto& p) { p.skipPassive = true; });
+    const TTexts active = Filtered(passive, "7k/8/8/8/8/8/4K3/6R1 w", 9, reason);
     EXPECT_EQ(std::count(active.begin(), active.end(), "Ke2-e1"), 0);
     EXPECT_EQ(std::count(active.begin(), active.end(), "Ke2-f3"), 1);
     EXPECT_EQ(std::count(active.begin(), active.end(), "Rg1-g2"), 1);
@@ -382,39 +376,36 @@ TEST(SpecialHeuristics, SkippedWhiteMoves) {
 
 TEST(SpecialHeuristics, OneColourPlay) {
     uint32_t reason = 0;
-    const THeuristicSet light = With(SH_ONECOLORPLAYPOSSIBLE, [](THeuristicParameters& p) {
-        p.colourMode = TColourMode::WhiteSquaresOnly;
-    });
-    EXPECT_EQ(Filtered(light, "7k/8/8/8/8/8/7P/4K2B w - -", 9, reason),
+    const THeuristicSet light =
+        With(SH_ONECOLORPLAYPOSSIBLE, [](auto& p) { p.colourMode = TColourMode::WhiteSquaresOnly; });
+    EXPECT_EQ(Filtered(light, "7k/8/8/8/8/8/7P/4K2B w", 9, reason),
               (TTexts{"Bh1-a8", "Bh1-b7", "Bh1-c6", "Bh1-d5", "Bh1-e4", "Bh1-f3", "Bh1-g2", "Ke1-d1",
                       "Ke1-e2", "Ke1-f1", "h2-h3", "h2-h4"}));
-    const THeuristicSet separated = With(SH_ONECOLORPLAYPOSSIBLE, [](THeuristicParameters& p) {
-        p.colourMode = TColourMode::SeparatedBlackBishop;
-    });
-    EXPECT_EQ(Filtered(separated, "k7/8/8/8/8/8/8/b3K3 b - -", 10, reason),
+    const THeuristicSet separated =
+        With(SH_ONECOLORPLAYPOSSIBLE, [](auto& p) { p.colourMode = TColourMode::SeparatedBlackBishop; });
+    EXPECT_EQ(Filtered(separated, "k7/8/8/8/8/8/8/b3K3 b", 10, reason),
               (TTexts{"Ka8-a7", "Ka8-b7", "Ka8-b8"}));
     EXPECT_EQ(reason, SH_ONECOLORPLAYPOSSIBLE);
     // A bishop that has the only moves keeps them.
-    EXPECT_EQ(Filtered(separated, "k7/2K5/1P6/8/8/8/8/b7 b - -", 10, reason).size(), 7u);
+    EXPECT_EQ(Filtered(separated, "k7/2K5/1P6/8/8/8/8/b7 b", 10, reason).size(), 7u);
     EXPECT_EQ(reason, 0u);
 }
 
 TEST(SpecialHeuristics, KeyWhiteFigureHoldsItsPin) {
-    const THeuristicSet key =
-        With(SH_KEYWHITEFIGURE, [](THeuristicParameters& p) { p.keyWhiteFigure = 4; });  // e1
+    const THeuristicSet key = With(SH_KEYWHITEFIGURE, [](auto& p) { p.keyWhiteFigure = 4; });  // e1
     uint32_t reason = 0;
     // Re1 pins Ne7 to the immobile king: only the White king moves are searched.
-    EXPECT_EQ(Filtered(key, "3rkr2/3pnp2/8/8/8/8/8/K3R3 w - -", 9, reason),
+    EXPECT_EQ(Filtered(key, "3rkr2/3pnp2/8/8/8/8/8/K3R3 w", 9, reason),
               (TTexts{"Ka1-a2", "Ka1-b1", "Ka1-b2"}));
     EXPECT_EQ(reason, SH_KEYWHITEFIGURE);
     // A king that can move lets the key figure go.
-    EXPECT_EQ(Filtered(key, "3rk3/3pnp2/8/8/8/8/8/K3R3 w - -", 9, reason).size() > 3u, true);
+    EXPECT_EQ(Filtered(key, "3rk3/3pnp2/8/8/8/8/8/K3R3 w", 9, reason).size() > 3u, true);
     EXPECT_EQ(reason, 0u);
 }
 
 // End to end: the exception for moves that mate at once, and heuristics that never invent a mate.
 TEST(SpecialHeuristics, SearchUnderHeuristics) {
-    const TChessboard mateInTwo = test::Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 3);
+    const TChessboard mateInTwo = test::Problem("7k/8/5K2/8/8/8/8/6R1 w", 3);
     // 1. Kf7 Kh7 2. Rh1#: the king's step away from the corner is followed by mate at once.
     CSpecialHeuristics corner(With(SH_KEEPKINGNEARCORNER), mateInTwo);
     TSearchEnvironment env;

@@ -14,12 +14,13 @@
 #include "engine/state/thread_counters.h"
 #include "engine/threads/scheduler.h"
 #include "settings/machine.h"
+#include "tests/core/test_errors.h"
 #include "tests/engine/map_store.h"
 
 namespace moremate {
 namespace {
 
-constexpr const char* kMateInFour = "8/7P/p7/6B1/5K2/8/8/6k1 w - - 0 1";  // keys Kf4-f3, h7-h8Q
+constexpr const char* kMateInFour = "8/7P/p7/6B1/5K2/8/8/6k1 w";  // keys Kf4-f3, h7-h8Q
 
 TSolveRequest Request(const char* fen, int moves) {
     TSolveRequest request;
@@ -30,13 +31,14 @@ TSolveRequest Request(const char* fen, int moves) {
 }
 
 TEST(MultithreadingLevels, MainThreadsAreTToTheLAndNoMoreThanTheMovesKeepBusy) {
-    EXPECT_EQ(MainThreadsFor({4, 1}, 30), 4u);
-    EXPECT_EQ(MainThreadsFor({4, 1}, 2), 2u);  // fewer moves than threads
-    EXPECT_EQ(MainThreadsFor({4, 2}, 30), 16u);
-    EXPECT_EQ(MainThreadsFor({4, 2}, 3), 12u);  // each move keeps T threads of the next level busy
-    EXPECT_EQ(MainThreadsFor({4, 0}, 30), 1u);  // levels off
-    EXPECT_EQ(MainThreadsFor({4, 1}, 0), 1u);
-    EXPECT_EQ(MainThreadsFor({64, 3}, 5000), kMaxMainThreads);
+    // Fewer moves than threads; each move keeps T threads of the next level busy; levels off.
+    // clang-format off
+    const struct { TThreadSettings levels; size_t moves, threads; } cases[] = {
+        {{4, 1}, 30, 4}, {{4, 1}, 2, 2}, {{4, 2}, 30, 16}, {{4, 2}, 3, 12}, {{4, 0}, 30, 1}, {{4, 1}, 0, 1},
+        {{64, 3}, 5000, kMaxMainThreads},
+    };
+    // clang-format on
+    for (const auto& c : cases) EXPECT_EQ(MainThreadsFor(c.levels, c.moves), c.threads) << c.moves;
     EXPECT_EQ(QuickMateDepthPlies(5), 9);
     EXPECT_EQ(QuickMateDepthPlies(6), 11);
     EXPECT_EQ(QuickMateDepthPlies(0), kDefaultQuickMateDepthPlies);
@@ -61,12 +63,7 @@ TEST(MultithreadingLevels, DispatchRunsTheTwelveVariantsAndRefusesOthers) {
             }
     const std::string prefix = "Error: no implementation in FindMateMultithreadingLevelThreadProcFFM for ";
     auto errorOf = [&](const TLevelContext& context) {
-        try {
-            FindMateMultithreadingLevelThreadProcFFM(task, search, context);
-        } catch (const std::runtime_error& e) {
-            return std::string(e.what());
-        }
-        return std::string("no error");
+        return test::ErrorOf([&] { FindMateMultithreadingLevelThreadProcFFM(task, search, context); });
     };
     EXPECT_EQ(errorOf({13, 1, 1}), prefix + "m_shLookForQuickerMateDepth");  // #7
     EXPECT_EQ(errorOf({9, 2, 1}), prefix + "bAllowExceptions");

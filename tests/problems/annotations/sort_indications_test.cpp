@@ -8,6 +8,7 @@
 #include "engine/search/move_ordering.h"
 #include "problems/annotations/problem_variants.h"
 #include "problems/solving/preferred_first_moves.h"
+#include "tests/core/test_errors.h"
 #include "tests/problems/problem_text.h"
 
 namespace moremate {
@@ -23,12 +24,7 @@ TMove Move(const char* from, const char* to, uint8_t promotion = 0) {
 }
 
 std::string ParseError(const std::string& text, int language = kEnglish) {
-    try {
-        ParseSortIndications(text, language);
-    } catch (const ChessException& e) {
-        return e.what();
-    }
-    return "";
+    return test::ErrorOf([&] { ParseSortIndications(text, language); });
 }
 
 TEST(SortIndications, NegatedNumberedCheckingMoveAndASecondMove) {
@@ -75,7 +71,7 @@ TEST(SortIndications, Messages) {
                   std::string("Invalid description of SortIndication: ") + piece)
             << piece;
     EXPECT_EQ(ParseError(" a7a1 ", kPolish), "Niepoprawny opis SortIndication: a7a1");
-    EXPECT_EQ(ParseError(""), "");
+    EXPECT_EQ(ParseError(""), test::kNoError);
 }
 
 TEST(PreferredFirstMoves, DescriptionsNameLegalMovesInTheirOrder) {

@@ -57,22 +57,16 @@ TEST(Tags, CommandsAskForNewTagsAndBeforeRemoving) {
 }
 
 TEST(AwardPlaces, TextsGivePlacesInTableOrder) {
+    // clang-format off
     const std::pair<const char*, AwardPlace> cases[] = {
-        {"1st Prize", AwardPlace::First},
-        {"1st-2nd Prize", AwardPlace::First},
-        {"Die Schwalbe 1990, 1.-2. Preis", AwardPlace::First},
-        {"1st-3rd Prize", AwardPlace::First},
-        {"2nd-3rd Prize", AwardPlace::Second},
-        {"2nd-4th Prize", AwardPlace::Second},
-        {"2. Platz", AwardPlace::Second},
-        {"3rd-5th Prize", AwardPlace::Third},
-        {"3.-4. Preis", AwardPlace::Third},
-        {"12. Preis", AwardPlace::Unplaced},
-        {"Special Prize", AwardPlace::Unplaced},
-        {"4. Platz", AwardPlace::Unplaced},
-        {"1st Hon. Mention", AwardPlace::None},
-        {"", AwardPlace::None},
+        {"1st Prize", AwardPlace::First}, {"1st-2nd Prize", AwardPlace::First},
+        {"Die Schwalbe 1990, 1.-2. Preis", AwardPlace::First}, {"1st-3rd Prize", AwardPlace::First},
+        {"2nd-3rd Prize", AwardPlace::Second}, {"2nd-4th Prize", AwardPlace::Second}, {"2. Platz", AwardPlace::Second},
+        {"3rd-5th Prize", AwardPlace::Third}, {"3.-4. Preis", AwardPlace::Third}, {"12. Preis", AwardPlace::Unplaced},
+        {"Special Prize", AwardPlace::Unplaced}, {"4. Platz", AwardPlace::Unplaced},
+        {"1st Hon. Mention", AwardPlace::None}, {"", AwardPlace::None},
     };
+    // clang-format on
     for (const auto& [text, place] : cases) EXPECT_EQ(RecognizeAward(text), place) << text;
 }
 

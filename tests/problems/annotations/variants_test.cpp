@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include "core/chess_exception.h"
 #include "core/notation.h"
 #include "problems/annotations/predefined_sort_indications.h"
 #include "problems/annotations/variant_commands.h"
+#include "tests/core/test_errors.h"
 #include "tests/problems/problem_text.h"
 
 namespace moremate {
@@ -21,12 +21,7 @@ ProblemEntry Problem(const std::string& variantLines = "") {
 }
 
 std::string LineError(const std::string& line) {
-    try {
-        ParseVariantLine(line, Problem().m_position.board);
-    } catch (const ChessException& e) {
-        return e.what();
-    }
-    return "";
+    return test::ErrorOf([&] { ParseVariantLine(line, Problem().m_position.board); });
 }
 
 TEST(VariantLines, WrittenLinesReadBackAsTheSameVariant) {
@@ -56,7 +51,7 @@ TEST(VariantLines, Messages) {
     for (size_t i = 0; i < kMaxVariantMoves / 4 + 1; ++i) shuffle += " Rh1-h2 Kc1-b1 Rh2-h1 Kb1-c1";
     EXPECT_EQ(LineError("long:" + shuffle),
               "The stored variant is too long: " + std::to_string(kMaxVariantMoves + 4) + " moves");
-    EXPECT_EQ(LineError("fits:" + shuffle.substr(0, shuffle.size() - 28)), "");
+    EXPECT_EQ(LineError("fits:" + shuffle.substr(0, shuffle.size() - 28)), test::kNoError);
 }
 
 TEST(VariantLines, UnreadableStoredLinesAreSkippedWithAMessage) {
@@ -113,12 +108,8 @@ TEST(PredefinedSortIndications, KnownCompositionsBecomeNumberedVariants) {
 
     ProblemEntry unknown = Problem();
     EXPECT_EQ(AddPredefinedVariants(unknown, {}), 0u);
-    EXPECT_THROW(VariantsFromSolutions({"1. Qf2-b6+", "1. Qf2-h8"}, entry.m_position.board), ChessException);
-    try {
-        VariantsFromSolutions({"1. Qf2-h8"}, entry.m_position.board);
-    } catch (const ChessException& e) {
-        EXPECT_STREQ(e.what(), "Error in predefined sort indications.");
-    }
+    EXPECT_EQ(test::ErrorOf([&] { VariantsFromSolutions({"1. Qf2-b6+", "1. Qf2-h8"}, entry.m_position.board); }),
+              "Error in predefined sort indications.");
 }
 
 }  // namespace

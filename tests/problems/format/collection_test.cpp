@@ -104,14 +104,12 @@ TEST_P(SharedCollections, ReadWriteReadGivesTheSameRecords) {
     EXPECT_EQ(written, original);  // the collections are kept in the canonical layout
 }
 
-INSTANTIATE_TEST_SUITE_P(Collections, SharedCollections,
-                         ::testing::Values(TSharedCollection{"directmates.cp", 55},
-                                           TSharedCollection{"longmates.cp", 3},
-                                           TSharedCollection{"matetrack.cp", 111}),
-                         [](const auto& info) {
-                             std::string name = info.param.sFile;
-                             return name.substr(0, name.find('.'));
-                         });
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Collections, SharedCollections, ::testing::Values(
+    TSharedCollection{"directmates.cp", 55}, TSharedCollection{"longmates.cp", 3},
+    TSharedCollection{"matetrack.cp", 111}),
+    [](const auto& info) { std::string name = info.param.sFile; return name.substr(0, name.find('.')); });
+// clang-format on
 
 }  // namespace
 }  // namespace moremate

@@ -42,50 +42,36 @@ TEST_P(HeaderCases, StipulationAndOptionsReadAndWriteBack) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Records, HeaderCases,
-    ::testing::Values(
-        THeaderCase{"Directmate", "1 #3", ProblemType::Directmate, 5, "1 #3"},
-        THeaderCase{"MateInOne", "7 #1", ProblemType::Directmate, 1, "7 #1"},
-        THeaderCase{"Selfmate", "2 s#2", ProblemType::Selfmate, 5, "2 s#2"},
-        THeaderCase{"SelfmateSpaced", "3 S # 4", ProblemType::Selfmate, 9, "3 s#4"},
-        THeaderCase{"LongestDirectmate", "4 #127", ProblemType::Directmate, 253, "4 #127"},
-        THeaderCase{"NoStipulation", "5", ProblemType::Position, kPositionPlies, "5 "},
-        THeaderCase{"NoStipulationWithOption", "5 NoMirror", ProblemType::Position, kPositionPlies,
-                    "5  NoMirror"},
-        THeaderCase{"AllSolutionsSuffix", "6 #2allsolutions", ProblemType::Directmate, 3,
-                    "6 #2 AllSolutions"},
-        THeaderCase{"GuiCheckCountAnyCase", "8 #2 gUiChEcK 3", ProblemType::Directmate, 3, "8 #2 GUICHECK 3"},
-        THeaderCase{"GuiCheckWithoutCount", "8 #2 GUICHECK NOMIRROR", ProblemType::Directmate, 3,
-                    "8 #2 NoMirror GUICHECK"},
-        THeaderCase{"GuiCheckCountOneNotWritten", "8 #2 GUICHECKBESTDEFENCE 1", ProblemType::Directmate, 3,
-                    "8 #2 GUICHECKBESTDEFENCE"},
-        THeaderCase{"GuiCheckAuxWrittenAsGuiCheck", "8 #2 GuiCheckBestDefenceAndAux 2",
-                    ProblemType::Directmate, 3, "8 #2 GUICHECK 2", false},
-        THeaderCase{"StopOn4SolSharesItsFlag", "9 #2 StopOn4Sol", ProblemType::Directmate, 3,
-                    "9 #2 StopOn4Sol UsePredefinedSettings"},
-        THeaderCase{"UsePredefinedSettingsSharesItsFlag", "9 #2 usepredefinedsettings",
-                    ProblemType::Directmate, 3, "9 #2 StopOn4Sol UsePredefinedSettings"},
-        THeaderCase{"ThreadsBelow255", "10 #2 threads 4", ProblemType::Directmate, 3, "10 #2 THREADS 4"},
-        THeaderCase{"Threads255IsNotGiven", "10 #2 THREADS 255", ProblemType::Directmate, 3, "10 #2"},
-        THeaderCase{"RequiresPerName", "11 #2 Requires KQK OnlyIfAvail KRK", ProblemType::Directmate, 3,
-                    "11 #2 Requires KQK Requires KRK"},
-        THeaderCase{"TableOrder",
-                    "12 #2 BruteForce RequiresSyzygy SafeMode UseVariantsAsSortIndications MirrorOnly",
-                    ProblemType::Directmate, 3,
-                    "12 #2 MirrorOnly UseVariantsAsSortIndications SAFEMODE RequiresSyzygy BruteForce"},
-        THeaderCase{"EveryWrittenFlag",
-                    "13 #2 HybridBruteForce AllSolutionsRequiresSyzygy StopOn3Sol StopOnDual AllSolutions "
-                    "NoMirror UseMainVariantAsSortIndications",
-                    ProblemType::Directmate, 3,
-                    "13 #2 NoMirror AllSolutions StopOnDual StopOn3Sol UseMainVariantAsSortIndications "
-                    "AllSolutionsRequiresSyzygy HybridBruteForce"},
-        THeaderCase{
-            "UnwrittenOptions",
-            "14 #2 DontRelaxHeuristics DontRunPassTwo StopRelaxHeuristicsOnFirstSolution SchedulerLevels 3 "
-            "LichessLevels 0 GlobRegMB 512 NoGlobReg AllSolutionsRequires KQK SH_3MOVESTOMATE OFF",
-            ProblemType::Directmate, 3, "14 #2", false}),
+constexpr ProblemType kDirect = ProblemType::Directmate;
+using H = THeaderCase;
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Records, HeaderCases, ::testing::Values(
+    H{"Directmate", "1 #3", kDirect, 5, "1 #3"}, H{"Selfmate", "2 s#2", ProblemType::Selfmate, 5, "2 s#2"},
+    H{"SelfmateSpaced", "3 S # 4", ProblemType::Selfmate, 9, "3 s#4"},
+    H{"LongestDirectmate", "4 #127", kDirect, 253, "4 #127"},
+    H{"NoStipulation", "5", ProblemType::Position, kPositionPlies, "5 "},
+    H{"AllSolutionsSuffix", "6 #2allsolutions", kDirect, 3, "6 #2 AllSolutions"},
+    H{"GuiCheckCountAnyCase", "8 #2 gUiChEcK 3", kDirect, 3, "8 #2 GUICHECK 3"},
+    H{"GuiCheckWithoutCount", "8 #2 GUICHECK NOMIRROR", kDirect, 3, "8 #2 NoMirror GUICHECK"},
+    H{"GuiCheckCountOneNotWritten", "8 #2 GUICHECKBESTDEFENCE 1", kDirect, 3, "8 #2 GUICHECKBESTDEFENCE"},
+    H{"GuiCheckAuxWrittenAsGuiCheck", "8 #2 GuiCheckBestDefenceAndAux 2", kDirect, 3, "8 #2 GUICHECK 2", false},
+    H{"StopOn4SolSharesItsFlag", "9 #2 StopOn4Sol", kDirect, 3, "9 #2 StopOn4Sol UsePredefinedSettings"},
+    H{"ThreadsBelow255", "10 #2 threads 4", kDirect, 3, "10 #2 THREADS 4"},
+    H{"Threads255IsNotGiven", "10 #2 THREADS 255", kDirect, 3, "10 #2"},
+    H{"RequiresPerName", "11 #2 Requires KQK OnlyIfAvail KRK", kDirect, 3, "11 #2 Requires KQK Requires KRK"},
+    H{"TableOrder", "12 #2 BruteForce RequiresSyzygy SafeMode UseVariantsAsSortIndications MirrorOnly", kDirect, 3,
+        "12 #2 MirrorOnly UseVariantsAsSortIndications SAFEMODE RequiresSyzygy BruteForce"},
+    H{"EveryWrittenFlag",
+        "13 #2 HybridBruteForce AllSolutionsRequiresSyzygy StopOn3Sol StopOnDual AllSolutions " "NoMirror "
+        "UseMainVariantAsSortIndications", kDirect, 3,
+        "13 #2 NoMirror AllSolutions StopOnDual StopOn3Sol " "UseMainVariantAsSortIndications "
+        "AllSolutionsRequiresSyzygy HybridBruteForce"},
+    H{"UnwrittenOptions",
+        "14 #2 DontRelaxHeuristics DontRunPassTwo StopRelaxHeuristicsOnFirstSolution " "SchedulerLevels 3 "
+        "LichessLevels 0 GlobRegMB 512 NoGlobReg AllSolutionsRequires KQK SH_3MOVESTOMATE OFF", kDirect, 3, "14 #2",
+        false}),
     [](const auto& info) { return std::string(info.param.sName); });
+// clang-format on
 
 TEST(Records, UnwrittenOptionsAreKept) {
     const ProblemEntry entry = ReadOne(
