@@ -60,6 +60,7 @@ class CPassSeries {
         pass.threads = ProofNumberPassThreads(m_request.threads);
         pass.environment = m_request.environment;
         const bool only = m_request.proofNumber == TProofNumberMode::Only;
+        pass.timeLimitSeconds = seconds;
         pass.budgetMs = seconds == 0 ? (only ? 0 : kDefaultBudgetMs) : (only ? 0 : int64_t{seconds} * 750);
         TProofNumberPassResult r = moremate::RunProofNumberPass(pass, m_stop);
         for (const TKey& key : r.keys) m_result.keys.push_back({key, kProofNumberPassLabel, ""});

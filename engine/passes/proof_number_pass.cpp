@@ -29,12 +29,12 @@ class CRootProofs {
     CRootProofs(const TProofNumberPassRequest& request, const TSearchEnvironment& env, CProofNumberTable& table,
                 const std::atomic<bool>& budgetSpent, TProofNumberPassResult& out)
         : m_request(request), m_out(out), m_moves(FirstMoveOrder(request.position, request.preferredFirstMoves)),
-          m_results(m_moves.size()), m_search(env) {
+          m_results(m_moves.size()) {
         const size_t threads = std::clamp<size_t>(request.threads, 1, std::max<size_t>(m_moves.size(), 1));
         for (size_t t = 0; t < threads; ++t)
             m_searches.push_back(
                 std::make_unique<TProofNumberSearch>(env, table, t == 0 ? &budgetSpent : &m_helpersStop));
-        m_walk.emplace(*m_searches[0], m_search);
+        m_walk.emplace(*m_searches[0]);
     }
 
     void Run(const std::atomic<bool>& budgetSpent) {
@@ -55,7 +55,6 @@ class CRootProofs {
     // Raised with the pass's own budget: the helpers end with it.
     void StopHelpers() { m_helpersStop = true; }
     uint64_t WalkNodes() const { return m_walk->Nodes(); }
-    uint64_t SearchNodes() const { return m_search.Nodes(); }
     TProofNumberStats Stats() const {
         TProofNumberStats sum;
         for (const auto& search : m_searches) sum += search->Stats();
@@ -163,7 +162,6 @@ class CRootProofs {
     std::atomic<size_t> m_nKeys{0}, m_next{0}, m_fromEnd{0};
     std::atomic<bool> m_helpersStop{false};
     std::vector<std::unique_ptr<TProofNumberSearch>> m_searches;
-    TMateSearch m_search;  // the walks' fallback
     std::optional<CProofWalk> m_walk;
 };
 
@@ -202,8 +200,9 @@ TProofNumberPassResult RunProofNumberPass(const TProofNumberPassRequest& request
     const auto start = std::chrono::steady_clock::now();
     TProofNumberPassResult out;
     std::atomic<bool> localStop{false}, budgetSpent{false};
+    std::atomic<bool>& flag = stop ? *stop : localStop;
     TSearchEnvironment env = request.environment;
-    env.stop = stop ? stop : &localStop;
+    env.stop = &flag;
     env.heuristics = nullptr;  // the pass proves without heuristics
     env.scheduler = nullptr;
     CProofNumberTable table(request.tableBytes);
@@ -215,6 +214,7 @@ TProofNumberPassResult RunProofNumberPass(const TProofNumberPassRequest& request
             root.StopHelpers();
             return false;
         });
+    const std::optional<CTimerThread> limit = Deadline(std::chrono::seconds(request.timeLimitSeconds), flag);
     try {
         root.Run(budgetSpent);
     } catch (const TProofNumberBudgetSpent&) {
@@ -227,7 +227,7 @@ TProofNumberPassResult RunProofNumberPass(const TProofNumberPassRequest& request
     out.stats = root.Stats();
     out.table = table.Stats();
     out.walkNodes = root.WalkNodes();
-    out.nodes = out.stats.nodes + root.SearchNodes();
+    out.nodes = out.stats.nodes;
     out.msec =
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
     return out;

@@ -19,15 +19,6 @@
 namespace moremate {
 namespace {
 
-// Raises the stop flag when the time limit runs out, unless the solve ends first.
-std::optional<CTimerThread> Deadline(int seconds, std::atomic<bool>& flag) {
-    if (seconds <= 0) return std::nullopt;
-    return std::optional<CTimerThread>(std::in_place, std::chrono::seconds(seconds), [&flag] {
-        flag = true;
-        return false;
-    });
-}
-
 TChessboard After(const TChessboard& node, const TMove& m, int halfMoves) {
     TChessboard child;
     PlayMove(node, m, child);
@@ -123,7 +114,7 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
         for (size_t t = 0; t < searches.size(); ++t)
             searches[t].Observed().Attach(env.observed->Slot(t), env.observed->Moves());
     {
-        const std::optional<CTimerThread> deadline = Deadline(request.timeLimitSeconds, flag);
+        const std::optional<CTimerThread> deadline = Deadline(std::chrono::seconds(request.timeLimitSeconds), flag);
         try {
             CLevelSearch levels(searches, request.position, std::move(firstMoves), request.levelContext,
                                 env.log, gate);

@@ -29,6 +29,17 @@ CProofWalk::TStep CProofWalk::WhiteStep(const TChessboard& node) {
     TMoveList moves;
     GenerateLegalMoves(node, moves);
     OrderWhiteMoves(node, moves, TKillerMoves{}, node.movesLeft == 1);
+    const TStep step = ProvenMove(node, moves);
+    if (step.length >= 0 || node.movesLeft == 1) return step;
+    // The table no longer holds a proven move here: prove the node again (the search polls the
+    // run's stop and the pass's budget).
+    if (m_proofs.Prove(node) != kMate) return {};
+    return ProvenMove(node, moves);
+}
+
+// The first move of `moves` whose position the search holds as proven and whose proof the walk
+// confirms.
+CProofWalk::TStep CProofWalk::ProvenMove(const TChessboard& node, const TMoveList& moves) {
     for (const TMove& m : moves) {
         TChessboard child;
         PlayMove(node, m, child);
@@ -36,10 +47,7 @@ CProofWalk::TStep CProofWalk::WhiteStep(const TChessboard& node) {
         const int length = Length(child);
         if (length >= 0) return {static_cast<int16_t>(length + 1), m};
     }
-    if (node.movesLeft == 1) return {};
-    // The table no longer knows a proven move here: the ordinary search decides.
-    const TMove move = m_search.MatingMove(node, node.movesLeft);
-    return move.IsNull() ? TStep{} : TStep{node.movesLeft, move};
+    return {};
 }
 
 CProofWalk::TStep CProofWalk::BlackStep(const TChessboard& node) {

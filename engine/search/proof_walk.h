@@ -1,23 +1,23 @@
 // Proof, not belief: before a key of the proof-number search is reported, its proof tree is walked
 // again from the key down to the mates. At White nodes the walk follows a move that the search
 // holds as proven; at Black nodes it walks every reply; the leaves are mates played out on the
-// board. Where the table has lost a White node's proof, the ordinary search (primed by the facts
-// in the temporary register) settles it instead. The walk also gives the key's main line: Black's
-// longest defence in the proof, White's move of the proof.
+// board. Where the table has lost a White node's proof (a small subtree collected, or replaced),
+// the proof-number search proves that node again, and the walk goes on through the new proof.
+// The walk also gives the key's main line: Black's longest defence in the proof, White's move of
+// the proof.
 #pragma once
 
 #include <cstdint>
 #include <unordered_map>
 #include <vector>
 
-#include "mate_search.h"
 #include "proof_number_search.h"
 
 namespace moremate {
 
 class CProofWalk {
   public:
-    CProofWalk(TProofNumberSearch& proofs, TMateSearch& search) : m_proofs(proofs), m_search(search) {}
+    explicit CProofWalk(TProofNumberSearch& proofs) : m_proofs(proofs) {}
 
     // Whether `node` (either side to move) is a forced mate within its half-moves.
     bool Holds(const TChessboard& node) { return Length(node) >= 0; }
@@ -33,10 +33,10 @@ class CProofWalk {
 
     int Length(const TChessboard& node);
     TStep WhiteStep(const TChessboard& node);
+    TStep ProvenMove(const TChessboard& node, const TMoveList& moves);
     TStep BlackStep(const TChessboard& node);
 
     TProofNumberSearch& m_proofs;
-    TMateSearch& m_search;
     std::unordered_map<uint64_t, TStep> m_memo;  // by the node's key (hash and check folded)
     uint64_t m_nNodes = 0;
 };

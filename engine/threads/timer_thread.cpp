@@ -29,4 +29,12 @@ void CTimerThread::Run() {
     }
 }
 
+std::optional<CTimerThread> Deadline(std::chrono::milliseconds after, std::atomic<bool>& flag) {
+    if (after.count() <= 0) return std::nullopt;
+    return std::optional<CTimerThread>(std::in_place, after, [&flag] {
+        flag = true;
+        return false;
+    });
+}
+
 }  // namespace moremate

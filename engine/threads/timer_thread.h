@@ -6,7 +6,9 @@
 #include <chrono>
 #include <condition_variable>
 #include <functional>
+#include <atomic>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace moremate {
@@ -31,5 +33,9 @@ class CTimerThread {
     bool m_bStopped = false;
     std::thread m_thread;  // last: started once the rest is ready
 };
+
+// A timer that raises `flag` once `after` has passed, unless destroyed first; none for a zero or
+// negative time.
+std::optional<CTimerThread> Deadline(std::chrono::milliseconds after, std::atomic<bool>& flag);
 
 }  // namespace moremate

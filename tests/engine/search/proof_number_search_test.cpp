@@ -106,7 +106,7 @@ TEST(ProofWalk, WalksProofsAndRefusesTheRest) {
     TRig rig;
     ASSERT_EQ(rig.proofs.Prove(root), kMate);
     TMateSearch search(TSearchEnvironment{});
-    CProofWalk walk(rig.proofs, search);
+    CProofWalk walk(rig.proofs);
     const TMove mating = search.MatingMove(root, 3);
     TChessboard key, other;
     PlayMove(root, mating, key);
