@@ -58,6 +58,10 @@ void CRunRegister::Store(const uint8_t* squares, int halfMoves, uint8_t result) 
         reg.Insert(n, item, result == kMate);
 }
 
+void CRunRegister::Prefetch(const uint8_t* squares, int halfMoves) {
+    For(halfMoves).Prefetch(Item(squares));
+}
+
 int CRunRegister::FillPercent() const {
     const uint64_t capacity = uint64_t{m_white->Capacity()} + m_black->Capacity();
     const uint64_t count = uint64_t{m_white->ElementCount()} + m_black->ElementCount();

@@ -26,6 +26,7 @@ class CRunRegister : public CPositionStore {
 
     uint8_t Lookup(const uint8_t* squares, int halfMoves) override;
     void Store(const uint8_t* squares, int halfMoves, uint8_t result) override;
+    void Prefetch(const uint8_t* squares, int halfMoves) override;
 
     int FillPercent() const;
     // The register of White-to-move positions (the one saved to files) and of Black-to-move ones.

@@ -19,6 +19,31 @@ constexpr int kQuickerMateMaxPlayed = 7;
 // within their group; nearer the end counting the replies costs more than it saves.
 constexpr int kFewestRepliesMinHalfMoves = 5;
 
+// Plays the moves of a list one ahead of the search: while child i is searched, child i + 1 is
+// already on its board and its register bucket on the way into the cache (with a store given).
+class CChildrenAhead {
+  public:
+    CChildrenAhead(const TChessboard& node, const TMoveList& moves, CPositionStore* store)
+        : m_node(node), m_moves(moves), m_pStore(store) {
+        if (moves.count > 0) PlayMove(node, moves.moves[0], m_children[0]);
+    }
+    // For i = 0, 1, 2, ... in turn.
+    const TChessboard& Child(int i) {
+        if (i + 1 < m_moves.count) {
+            TChessboard& next = m_children[(i + 1) & 1];
+            PlayMove(m_node, m_moves.moves[i + 1], next);
+            if (m_pStore) m_pStore->Prefetch(next.squares, next.movesLeft);
+        }
+        return m_children[i & 1];
+    }
+
+  private:
+    const TChessboard& m_node;
+    const TMoveList& m_moves;
+    CPositionStore* m_pStore;
+    TChessboard m_children[2];
+};
+
 }  // namespace
 
 bool EnPassantPossible(const TChessboard& node) {
@@ -190,11 +215,12 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
 uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply) {
     if (halfMoves == 1) return MateInOne(node, moves, false);
     bool doubtful = false;
+    TChessboard within = node;
+    within.movesLeft = static_cast<int16_t>(halfMoves);
+    CChildrenAhead children(within, moves, m_env.store);
     for (int i = 0; i < moves.count; ++i) {
         const TMove& m = moves.moves[i];
-        TChessboard child;
-        PlayMove(node, m, child);
-        child.movesLeft = static_cast<int16_t>(halfMoves - 1);
+        const TChessboard& child = children.Child(i);
         m_observed.AtWhiteMove(ply, node, m);
         const uint8_t r = AfterMove(child, ply + 1);
         if (r == kMate) {
@@ -233,9 +259,10 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
     const uint8_t opened = OpenBlackNode(node, ply, moves, doubtful);
     if (opened != kUnknownResult) return opened;
     const uint64_t repetitionsBefore = m_nRepetitions;
-    for (const TMove& d : moves) {
-        TChessboard child;
-        PlayMove(node, d, child);
+    CChildrenAhead children(node, moves, node.movesLeft >= 4 ? m_env.store : nullptr);
+    for (int i = 0; i < moves.count; ++i) {
+        const TMove& d = moves.moves[i];
+        const TChessboard& child = children.Child(i);
         const uint8_t r = AfterMove(child, ply + 1);
         if (r == kNoMate || r == kRepetition) {  // a line that repeats is no way to mate
             m_killers[ply].Remember(d);

@@ -16,6 +16,11 @@ class CPositionStore {
     virtual uint8_t Lookup(const uint8_t* squares, int halfMoves) = 0;
     // Records a settled result (kMate, kNoMate or kDoubtful) for `halfMoves`.
     virtual void Store(const uint8_t* squares, int halfMoves, uint8_t result) = 0;
+    // Starts loading what a Lookup of the position will read, without waiting for it.
+    virtual void Prefetch(const uint8_t* squares, int halfMoves) {
+        (void)squares;
+        (void)halfMoves;
+    }
 };
 
 }  // namespace moremate
