@@ -205,7 +205,7 @@ TProofNumberPassResult RunProofNumberPass(const TProofNumberPassRequest& request
     env.stop = &flag;
     env.heuristics = nullptr;  // the pass proves without heuristics
     env.scheduler = nullptr;
-    CProofNumberTable table(request.tableBytes);
+    CProofNumberTable table(request.tableBytes, request.threads > 1);
     CRootProofs root(request, env, table, budgetSpent, out);
     std::optional<CTimerThread> deadline;
     if (request.budgetMs > 0)

@@ -107,11 +107,16 @@ TProofNumbers TProofNumberSearch::FreshNumbers(const TChessboard& child) {
 TProofNumbers TProofNumberSearch::Evaluate(const TChessboard& child, const TPositionKey& key) {
     ++m_stats.evaluated;
     TProofNumbers numbers;
-    if (child.movesLeft >= 2 && m_table.Probe(key, numbers)) {
+    if (child.movesLeft < 2) return FreshNumbers(child);
+    if (m_table.Probe(key, numbers)) {
         ++m_stats.tableHits;
         return numbers;
     }
-    return FreshNumbers(child);
+    // Kept at once: a node is entered again and again before it is expanded, and its first
+    // numbers cost a count of Black's replies and a register look-up.
+    numbers = FreshNumbers(child);
+    m_table.Store(key, numbers, 1);
+    return numbers;
 }
 
 bool TProofNumberSearch::AddChildren(const TChessboard& node, size_t first, TProofNumbers& settled) {
@@ -127,17 +132,23 @@ bool TProofNumberSearch::AddChildren(const TChessboard& node, size_t first, TPro
         OrderWhiteMoves(node, moves, none, false);
     else
         OrderBlackMoves(node, moves, none);
+    // The children's table buckets are fetched all at once, so that their misses overlap.
     m_children.resize(first);
     for (const TMove& m : moves) {
         TChessboard child;
         PlayMove(node, m, child);
-        const TPositionKey key = PositionKey(child);
-        const TProofNumbers numbers = Evaluate(child, key);
+        m_children.push_back({m, PositionKey(child), {}});
+        m_table.Prefetch(m_children.back().key);
+    }
+    for (size_t i = first; i < m_children.size(); ++i) {
+        TChessboard child;
+        PlayMove(node, m_children[i].move, child);
+        const TProofNumbers numbers = Evaluate(child, m_children[i].key);
         if (orNode ? numbers.Proven() : numbers.Disproven()) {
             settled = numbers;
             return false;
         }
-        m_children.push_back({m, key, numbers});
+        m_children[i].numbers = numbers;
     }
     return true;
 }

@@ -2,27 +2,48 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstdlib>
 #include <cstring>
 #include <new>
+
+#include <sys/mman.h>
 #include <vector>
 
 namespace moremate {
 
-void CProofNumberTable::TFree::operator()(TBucket* p) const {
-    std::free(p);
+namespace {
+
+void* MapZeroed(size_t bytes) {
+    void* p = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (p == MAP_FAILED) throw std::bad_alloc();
+    madvise(p, bytes, MADV_HUGEPAGE);
+    return p;
 }
 
-CProofNumberTable::CProofNumberTable(uint64_t bytes)
-    : m_nBuckets(std::bit_floor(std::max<uint64_t>(1, bytes / sizeof(TBucket)))),
-      m_pBuckets(static_cast<TBucket*>(std::calloc(m_nBuckets, sizeof(TBucket)))) {
-    if (!m_pBuckets) throw std::bad_alloc();
+}  // namespace
+
+void CProofNumberTable::TUnmap::operator()(TBucket* p) const {
+    munmap(p, bytes);
 }
+
+CProofNumberTable::CAccess::CAccess(const CProofNumberTable& table, size_t bucket)
+    : m_pSweep(table.m_bShared ? &table.m_sweep : nullptr), m_pStripe(table.StripeOf(bucket)) {
+    if (m_pSweep) m_pSweep->lock_shared();
+    if (m_pStripe) m_pStripe->lock();
+}
+
+CProofNumberTable::CAccess::~CAccess() {
+    if (m_pStripe) m_pStripe->unlock();
+    if (m_pSweep) m_pSweep->unlock_shared();
+}
+
+CProofNumberTable::CProofNumberTable(uint64_t bytes, bool shared)
+    : m_bShared(shared),
+      m_nBuckets(std::bit_floor(std::max<uint64_t>(1, bytes / sizeof(TBucket)))),
+      m_pBuckets(static_cast<TBucket*>(MapZeroed(m_nBuckets * sizeof(TBucket))), TUnmap{m_nBuckets * sizeof(TBucket)}) {}
 
 bool CProofNumberTable::Probe(const TPositionKey& key, TProofNumbers& out) const {
-    const std::shared_lock sweep(m_sweep);
     const size_t b = BucketOf(key);
-    const std::lock_guard lock(StripeOf(b));
+    const CAccess access(*this, b);
     for (const TEntry& e : m_pBuckets[b].entries) {
         if (e.work != 0 && e.hash == key.hash && e.check == key.check) {
             out = {e.pn, e.dn};
@@ -34,9 +55,8 @@ bool CProofNumberTable::Probe(const TPositionKey& key, TProofNumbers& out) const
 
 void CProofNumberTable::Store(const TPositionKey& key, const TProofNumbers& numbers, uint64_t work) {
     CollectIfFull();
-    const std::shared_lock sweep(m_sweep);
     const size_t b = BucketOf(key);
-    const std::lock_guard lock(StripeOf(b));
+    const CAccess access(*this, b);
     m_nStores.fetch_add(1, std::memory_order_relaxed);
     TEntry* slot = nullptr;
     for (TEntry& e : m_pBuckets[b].entries) {

@@ -40,10 +40,17 @@ struct TProofNumberTableStats {
 
 class CProofNumberTable {
   public:
-    // Sized to at most `bytes` (at least one bucket).
-    explicit CProofNumberTable(uint64_t bytes);
+    // Sized to at most `bytes` (at least one bucket). A table of one thread (`shared` false)
+    // takes no locks.
+    explicit CProofNumberTable(uint64_t bytes, bool shared = true);
 
     bool Probe(const TPositionKey& key, TProofNumbers& out) const;
+    // Starts loading the bucket of `key` into the cache, without waiting.
+    void Prefetch(const TPositionKey& key) const {
+        const char* bucket = reinterpret_cast<const char*>(&m_pBuckets[BucketOf(key)]);
+        __builtin_prefetch(bucket);
+        __builtin_prefetch(bucket + 64);
+    }
     void Store(const TPositionKey& key, const TProofNumbers& numbers, uint64_t work);
     void Clear();
 
@@ -63,18 +70,33 @@ class CProofNumberTable {
     struct TBucket {
         TEntry entries[kWays];
     };
-    struct TFree {
+    struct TUnmap {
+        size_t bytes;
         void operator()(TBucket* p) const;
     };
 
     size_t BucketOf(const TPositionKey& key) const { return key.hash & (m_nBuckets - 1); }
-    std::mutex& StripeOf(size_t bucket) const { return m_aStripes[bucket % kStripes]; }
+    std::mutex* StripeOf(size_t bucket) const { return m_bShared ? &m_aStripes[bucket % kStripes] : nullptr; }
+    // The locks of one access: none in a table of one thread.
+    class CAccess {
+      public:
+        CAccess(const CProofNumberTable& table, size_t bucket);
+        ~CAccess();
+        CAccess(const CAccess&) = delete;
+        CAccess& operator=(const CAccess&) = delete;
+
+      private:
+        std::shared_mutex* m_pSweep;
+        std::mutex* m_pStripe;
+    };
     void CollectIfFull();
     uint64_t MedianWork() const;
 
-    // Zeroed pages from the system: memory is only touched where entries are stored.
+    bool m_bShared;
+    // Zeroed pages from the system, huge where it can: memory is only touched where entries
+    // are stored, and a probe at a random place costs no page walk.
     size_t m_nBuckets = 0;
-    std::unique_ptr<TBucket[], TFree> m_pBuckets;
+    std::unique_ptr<TBucket[], TUnmap> m_pBuckets;
     mutable std::unique_ptr<std::mutex[]> m_aStripes = std::make_unique<std::mutex[]>(kStripes);
     mutable std::shared_mutex m_sweep;  // shared by every access, exclusive for a collection
     std::atomic<uint64_t> m_nUsed{0}, m_nStores{0}, m_nReplacements{0}, m_nCollections{0}, m_nCollected{0};
