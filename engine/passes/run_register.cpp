@@ -42,8 +42,11 @@ uint8_t CRunRegister::Lookup(const uint8_t* squares, int halfMoves) {
         case TRegisterAnswer::Unknown:
             break;
     }
+    // A line found doubtful with n half-moves left is kept as "no proof within n" under the pass's
+    // set: it answers for n and fewer, while a deeper try of the position is searched again (it
+    // may reach the mate that the shorter one could not).
     if (m_nConfiguration != 0 &&
-        AnswerFor(reg.FindDoubtful(m_nConfiguration, item), n) == TRegisterAnswer::Mate)
+        AnswerFor(reg.FindDoubtful(m_nConfiguration, item), n) == TRegisterAnswer::NoMate)
         return kDoubtful;
     return kUnknownResult;
 }
@@ -53,7 +56,7 @@ void CRunRegister::Store(const uint8_t* squares, int halfMoves, uint8_t result) 
     const uint16_t n = static_cast<uint16_t>(halfMoves);
     TAggregatedTemporaryChessboardRegister& reg = For(halfMoves);
     if (result == kDoubtful)
-        reg.InsertDoubtful(m_nConfiguration, n, item, true);
+        reg.InsertDoubtful(m_nConfiguration, n, item, false);
     else
         reg.Insert(n, item, result == kMate);
 }

@@ -1,5 +1,6 @@
 // The temporary register of one solving run, as the search sees it: proofs (mate / no mate) in
-// the run's own store, "mate doubtful" lines in the store of the pass's heuristic set.
+// the run's own store, "mate doubtful" lines in the store of the pass's heuristic set, each tied
+// to the half-moves it was found with (kept on the no-proof side of its entry).
 // A register entry is keyed by the 64 squares alone and merges the results of all n, so the
 // positions with White to move (odd n) and those with Black to move (even n) are kept in two
 // registers that share the memory quota.

@@ -198,6 +198,24 @@ TEST(Passes, RunRegisterDropsTheDoubtfulLinesOfARelaxedSet) {
     EXPECT_EQ(KeyTexts(run.request.position, r), (Labels{"Rh1-h3@2"}));
 }
 
+// A doubtful line answers for the half-moves it was found with and fewer; a deeper try searches
+// the position again. Proofs of the run stay what they are whatever the pass's set.
+TEST(Passes, RunRegisterTiesDoubtfulLinesToTheirHalfMoves) {
+    CRunRegister reg{1u << 12};
+    uint8_t squares[64] = {};
+    squares[0] = kWhite | kKing;
+    squares[63] = kBlack | kKing;
+    reg.SetConfiguration(SH_AREKINGSNEAR, 0);
+    reg.Store(squares, 7, kDoubtful);
+    EXPECT_EQ(reg.Lookup(squares, 7), kDoubtful);
+    EXPECT_EQ(reg.Lookup(squares, 5), kDoubtful);
+    EXPECT_EQ(reg.Lookup(squares, 9), kUnknownResult);
+    reg.Store(squares, 9, kDoubtful);
+    EXPECT_EQ(reg.Lookup(squares, 9), kDoubtful);
+    reg.SetConfiguration(0, 0);
+    EXPECT_EQ(reg.Lookup(squares, 7), kUnknownResult);
+}
+
 // The sea snake step forces safe mode during the run, and says so.
 TEST(Passes, SeaSnakeForcesSafeMode) {
     CRun run(kOneKey, SH_SEASNAKE | SH_AREKINGSNEAR, true);
