@@ -1,24 +1,27 @@
 #!/usr/bin/env bash
 # Long moremovers: solves the game positions of matetrack.cp and the compositions of longmates.cp
-# one problem at a time, single solution, one thread, with the engine's own heuristics, and prints
-# per problem: number, #n, solved?, time to the key, pass, heuristic set, key, whether the key is
-# proven; then a summary with a breakdown by mate length.
+# one problem at a time, single solution, one thread, with the engine's own choice of passes, and
+# prints per problem: number, #n, solved?, time to the key, nodes, pass, key, whether the key is
+# proven, heuristic set; then a summary with a breakdown by mate length.
 #
 # Usage: long_moremovers.sh MOREMATE
 # Environment:
 #   MATETRACK_LIMIT  seconds per matetrack problem (default 20)
-#   LONGMATES_LIMIT  seconds per longmates problem (default 300)
+#   LONGMATES_LIMIT  seconds per longmates problem (default 60)
 #   MATETRACK_ONLY   problem numbers of matetrack.cp to run, e.g. "1-30" or "3 7 12" (default all;
 #                    "none" skips the collection)
 #   LONGMATES_ONLY   the same for longmates.cp
 #   BENCH_JSON_DIR   keep the per-problem JSON lines in this folder (default: a temporary folder)
-#   CROSS_CHECK      when set and /usr/games/stockfish exists, each found key of matetrack is checked
-#                    with stockfish's `go mate N` after the key (Black to move, mate in N-1)
+#   SOLVE_OPTIONS    more options of `moremate solve`, e.g. "--proof-number off"
+#   CROSS_CHECK      when set and /usr/games/stockfish exists, each found key that differs from the
+#                    suite's named move is checked with stockfish's `go mate N` after the key (Black to
+#                    move, mate in N-1): "/sf" confirmed, "/sf?" not confirmed within a minute
 set -euo pipefail
 moremate=${1:?path to the moremate program}
 problems=$(dirname "$0")/../../shared/problems
 matetrack_limit=${MATETRACK_LIMIT:-20}
-longmates_limit=${LONGMATES_LIMIT:-300}
+longmates_limit=${LONGMATES_LIMIT:-60}
+extra=(${SOLVE_OPTIONS:-})
 if [[ -n ${BENCH_JSON_DIR:-} ]]; then
     out=$BENCH_JSON_DIR
     mkdir -p "$out"
@@ -45,7 +48,7 @@ run_collection() {
     local name=$1 limit=$2 only=$3
     local file=$problems/$name
     for n in $(numbers "$file" "$only"); do
-        "$moremate" solve "$file" --problem "$n" --threads 1 --time-limit "$limit" --json \
+        "$moremate" solve "$file" --problem "$n" --threads 1 --time-limit "$limit" --json "${extra[@]}" \
             >>"$out/$name.json" 2>/dev/null || true
     done
 }
@@ -103,7 +106,7 @@ for name in ("matetrack.cp", "longmates.cp"):
     recs = records(name)
     rows = [json.loads(line) for line in open(path) if line.startswith("{")]
     print(f"== {name}")
-    print(f"{'no':>4} {'#n':>4} {'solved':>6} {'sec':>7} {'pass':>4} {'key':<9} {'proven':<6} heuristics")
+    print(f"{'no':>4} {'#n':>4} {'solved':>6} {'sec':>7} {'nodes':>10} {'pass':>4} {'key':<9} {'proven':<6} heuristics")
     by_length = collections.defaultdict(lambda: [0, 0])
     solved = wrong = 0
     for r in rows:
@@ -116,7 +119,10 @@ for name in ("matetrack.cp", "longmates.cp"):
         if r["match"] is False:
             wrong += 1
             proven = "WRONG"
-        if ok and stockfish:
+        differs = ok and hint and key.replace(":", "-") != hint.replace(":", "-")
+        if differs:
+            proven += "*"
+        if differs and stockfish:
             c = confirmed(fen, key, n)
             proven += "/sf" if c else "/sf?"
         by_length[n][1] += 1
@@ -125,9 +131,10 @@ for name in ("matetrack.cp", "longmates.cp"):
             by_length[n][0] += 1
         seconds = f"{r['msec'] / 1000:.1f}" if ok else "-"
         print(f"{r['problem']:>4} {'#' + str(n):>4} {'yes' if ok else 'no':>6} "
-              f"{seconds:>7} {found.get('pass', '-'):>4} {key:<9} "
+              f"{seconds:>7} {r['nodes']:>10} {found.get('pass', '-'):>4} {key:<9} "
               f"{proven:<6} {found.get('heuristics', '') if ok else ''}")
     total = len(rows)
-    print(f"summary {name}: solved {solved}/{total} ({100 * solved // max(total, 1)}%), wrong keys {wrong}")
+    print(f"summary {name}: solved {solved}/{total} ({100 * solved // max(total, 1)}%), wrong keys {wrong}"
+          " (* a key other than the suite's named move)")
     print("  by length: " + ", ".join(f"#{n} {s}/{t}" for n, (s, t) in sorted(by_length.items())))
 PY
