@@ -56,6 +56,22 @@ bool EnPassantPossible(const TChessboard& node) {
            (file < 7 && node.squares[pawnSquare + 1] == ours);
 }
 
+bool MatesInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks) {
+    for (const TMove& m : moves) {
+        if (!onlyChecks && !GivesCheck(node, m)) continue;
+        TChessboard child;
+        PlayMove(node, m, child);
+        if (!HasLegalMove(child)) return true;
+    }
+    return false;
+}
+
+bool HasMateInOne(const TChessboard& node) {
+    TMoveList checks;
+    GenerateCheckingMoves(node, checks);
+    return MatesInOne(node, checks, true);
+}
+
 bool SamePosition(const TChessboard& a, const TChessboard& b) {
     return std::memcmp(a.squares, b.squares, 64) == 0 && CastlingRights(a) == CastlingRights(b) &&
            EnPassantPossible(a) == EnPassantPossible(b);
@@ -161,25 +177,12 @@ bool TMateSearch::MatesAtOnce(const TChessboard& child, int ply) {
     return WhiteNode(oneMove, ply) == kMate;
 }
 
-uint8_t TMateSearch::MateInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks) {
-    for (const TMove& m : moves) {
-        if (!onlyChecks && !GivesCheck(node, m)) continue;
-        TChessboard child;
-        PlayMove(node, m, child);
-        if (!HasLegalMove(child)) return kMate;
-    }
-    return kNoMate;
-}
-
 uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     CountNode();
     const int n = node.movesLeft;
     if (n < 1) return kNoMate;
+    if (n == 1) return HasMateInOne(node) ? kMate : kNoMate;  // the most frequent node: no look-up pays off
     TMoveList moves;
-    if (n == 1) {  // the most frequent node: only checks can mate, and no register look-up pays off
-        GenerateCheckingMoves(node, moves);
-        return MateInOne(node, moves, true);
-    }
     const bool stored = m_env.store && SquaresTellAll(node);
     if (stored) {
         const uint8_t known = Known(node, n);
@@ -213,7 +216,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
 }
 
 uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply) {
-    if (halfMoves == 1) return MateInOne(node, moves, false);
+    if (halfMoves == 1) return MatesInOne(node, moves, false) ? kMate : kNoMate;
     bool doubtful = false;
     TChessboard within = node;
     within.movesLeft = static_cast<int16_t>(halfMoves);

@@ -75,8 +75,6 @@ class TMateSearch {
     uint8_t WhiteNode(const TChessboard& node, int ply);
     uint8_t WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply);
     uint8_t BlackNode(const TChessboard& node, int ply);
-    // `onlyChecks`: the list holds checking moves only, so the check test can be skipped.
-    uint8_t MateInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks);
     uint8_t AfterMove(const TChessboard& child, int ply);
     bool MatesAtOnce(const TChessboard& child, int ply);
     bool RepeatsEarlierPosition(const TChessboard& node) const;
@@ -100,6 +98,11 @@ class TMateSearch {
 // Whether the register may hold results for this position: its 64 squares must say all, so
 // positions whose castling or en passant chances differ from what the squares suggest are left out.
 bool SquaresTellAll(const TChessboard& node);
+// Whether one of `moves` mates at once; `onlyChecks`: the list holds checking moves only, so the
+// check test can be skipped.
+bool MatesInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks);
+// Whether White, to move in `node`, mates at once: only checks are generated and tried.
+bool HasMateInOne(const TChessboard& node);
 // Whether the side to move can capture en passant (the square passed over is `epSquare`).
 bool EnPassantPossible(const TChessboard& node);
 // The same position for repetition: squares, castling rights and en passant chances.

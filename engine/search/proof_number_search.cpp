@@ -29,17 +29,6 @@ uint32_t Share(uint32_t threshold, uint32_t total, uint32_t child) {
     return static_cast<uint32_t>(std::min<uint64_t>(share, kInfinity));
 }
 
-bool HasMateInOne(const TChessboard& node) {
-    TMoveList checks;
-    GenerateCheckingMoves(node, checks);
-    for (const TMove& m : checks) {
-        TChessboard child;
-        PlayMove(node, m, child);
-        if (!HasLegalMove(child)) return true;
-    }
-    return false;
-}
-
 }  // namespace
 
 TProofNumberStats& TProofNumberStats::operator+=(const TProofNumberStats& o) {
