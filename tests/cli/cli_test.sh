@@ -4,6 +4,7 @@ set -u
 mm=$(realpath "${1:?path to moremate}")
 data=$(cd "$(dirname "$0")/../data" && pwd)
 samples=$(cd "$(dirname "$0")/../../samples" && pwd)
+long="$(cd "$(dirname "$0")/../../../shared/problems" 2>/dev/null && pwd)/longmates.cp"
 # The program writes its scratch files and logs into the working folder: use a fresh one.
 cd "$(mktemp -d)" || exit 1
 passed=0 failed=0
@@ -41,6 +42,11 @@ check "version" 0 '^moremate [0-9]' -- --version
 check "help" 0 'perft' -- --help
 
 check "solve prints keys and main line" 0 'main line: 1\. Qa7-f2 ' -- solve "$data/small.cp" --problem 1
+if [ -f "$long" ]; then
+    check "the proof-number pass finds the #8's key" 0 '"key":"f2-b6","pass":"pn"' -- solve "$long" --problem 3 --json
+    check "proof-number figures" 0 '^Proof-number pass: ' -- solve "$long" --problem 3 --proof-number only --register-stats
+fi
+check "proof-number mode refused" 2 'auto, off or only expected' -- solve "$data/small.cp" --proof-number sometimes
 check "all solutions" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6|keys: .*Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions
 check "json fields" 0 '"keys":\["a7-f2"\],"match":true' -- solve "$data/small.cp" --problem 1 --json
 check "json without answer" 0 '"expected":null,"found":\[\],"keys":\[\],"match":null.*"result":"no solution"' -- solve "$data/small.cp" --problem 3 --json
