@@ -23,6 +23,17 @@ size_t Limit(TSolutionCount count) {
     return count == TSolutionCount::All ? SIZE_MAX : static_cast<size_t>(count);
 }
 
+// The proof-number pass's own time, 0 for "until it settles or the run's time is up". Alone, or
+// for a single solution, it has the whole time limit: the heuristic passes rarely find a key where
+// it did not. Looking for more keys, it leaves a quarter of the limit to the passes that settle
+// the first moves it left open. Without a limit it has two minutes, unless it runs alone.
+int64_t ProofNumberBudgetMs(TProofNumberMode mode, size_t limit, int seconds) {
+    constexpr int64_t kWithoutLimitMs = 120000;
+    if (mode == TProofNumberMode::Only) return 0;
+    if (seconds == 0) return kWithoutLimitMs;
+    return limit == 1 ? 0 : int64_t{seconds} * 750;
+}
+
 // One series of passes: what the passes share and what they have found so far.
 class CPassSeries {
   public:
@@ -47,7 +58,6 @@ class CPassSeries {
     // The proof-number pass; true when it settled the problem (the key limit reached, or every
     // first move settled).
     bool RunProofNumberPass(size_t limit) {
-        constexpr int64_t kDefaultBudgetMs = 120000;
         const int seconds = RemainingSeconds();
         if (seconds < 0) return m_bDone = m_result.stopped = true;
         if (CRunControl* control = m_request.environment.control) control->PassStarted(-1, kProofNumberPassLabel, 0);
@@ -59,9 +69,8 @@ class CPassSeries {
         pass.tableBytes = m_request.proofNumberTableBytes;
         pass.threads = ProofNumberPassThreads(m_request.threads);
         pass.environment = m_request.environment;
-        const bool only = m_request.proofNumber == TProofNumberMode::Only;
         pass.timeLimitSeconds = seconds;
-        pass.budgetMs = seconds == 0 ? (only ? 0 : kDefaultBudgetMs) : (only ? 0 : int64_t{seconds} * 750);
+        pass.budgetMs = ProofNumberBudgetMs(m_request.proofNumber, limit, seconds);
         TProofNumberPassResult r = moremate::RunProofNumberPass(pass, m_stop);
         for (const TKey& key : r.keys) m_result.keys.push_back({key, kProofNumberPassLabel, ""});
         m_result.passes.push_back({kProofNumberPassLabel, "", r.result, r.nodes, r.msec});

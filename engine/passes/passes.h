@@ -41,7 +41,8 @@ struct TPassRunRequest {
     CRunRegister* runRegister = nullptr;     // when set: configured per pass, relaxed sets' lines removed
     FHookFactory hooks;
     // The proof-number pass before the others: `Auto` runs it for problems beyond the exhaustive
-    // range, with three quarters of the time limit (two minutes without one).
+    // range, with the whole time limit for a single solution, three quarters of it otherwise (two
+    // minutes without a limit).
     TProofNumberMode proofNumber = TProofNumberMode::Off;
     uint64_t proofNumberTableBytes = 64ULL << 20;
     TRelaxationEnvironment relaxation;               // its root is set to `position` by RunPasses
