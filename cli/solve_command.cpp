@@ -121,15 +121,17 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
     cmd->add_option(
         "--after", s.after,
         "Moves played after the position before it is analysed, in pairs, e.g. \"Qa7-f2 Kc1-d1\"");
-    cmd->add_option("--add-heuristics", s.additionalHeuristics,
-                    "Tokens added to pass 1's heuristics, e.g. \"SafeMode DLFU(h1,d5) FFM(#2) LFQMDepth(#5) !DLFU\"");
+    cmd->add_option(
+        "--add-heuristics", s.additionalHeuristics,
+        "Tokens added to pass 1's heuristics, e.g. \"SafeMode DLFU(h1,d5) FFM(#2) LFQMDepth(#5) !DLFU\"");
     cmd->add_flag("--no-heuristics", s.noHeuristics, "No heuristic passes: pass 2 only");
     cmd->add_flag("--no-pass2", s.noPassTwo, "No pass without heuristics after the heuristic passes");
     cmd->add_option_function<std::string>(
            "--proof-number",
            [&s](const std::string& text) {
                if (!ReadProofNumberMode(text, s.proofNumber))
-                   throw CLI::ValidationError("--proof-number", "auto, off or only expected, not \"" + text + "\"");
+                   throw CLI::ValidationError("--proof-number",
+                                              "auto, off or only expected, not \"" + text + "\"");
            },
            "The proof-number pass: auto (before the others, beyond #6), off, or only (alone)")
         ->type_name("auto|off|only");

@@ -24,10 +24,10 @@ inline constexpr uint8_t kHybridFirstPhase = 0;
 inline constexpr uint8_t kHybridSecondPhase = 1;
 
 // Sets the pass's threads, levels and level context; the main threads active at once are no more
-// than the machine's processors (the scheduler may lend the rest of the T^L slots). The one heuristic pass of a series without
-// relaxation and pass 2 (`onlyPass`) gets additional threads up to the machine's processors; the
-// second phase of hybrid brute force runs on every processor without scheduler and with the
-// default quick-mate depth. Call it once the pass's environment is set.
+// than the machine's processors (the scheduler may lend the rest of the T^L slots). The one heuristic pass of
+// a series without relaxation and pass 2 (`onlyPass`) gets additional threads up to the machine's processors;
+// the second phase of hybrid brute force runs on every processor without scheduler and with the default
+// quick-mate depth. Call it once the pass's environment is set.
 void ConfigurePassThreads(TSolveRequest& pass, const TRunThreads& run, const TPassState& state, uint8_t phase,
                           bool onlyPass);
 

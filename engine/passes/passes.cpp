@@ -60,7 +60,8 @@ class CPassSeries {
     bool RunProofNumberPass(size_t limit) {
         const int seconds = RemainingSeconds();
         if (seconds < 0) return m_bDone = m_result.stopped = true;
-        if (CRunControl* control = m_request.environment.control) control->PassStarted(-1, kProofNumberPassLabel, 0);
+        if (CRunControl* control = m_request.environment.control)
+            control->PassStarted(-1, kProofNumberPassLabel, 0);
         if (m_request.runRegister) m_request.runRegister->SetConfiguration(0, 0);
         TProofNumberPassRequest pass;
         pass.position = m_request.position;
@@ -77,8 +78,7 @@ class CPassSeries {
         m_result.nodes += r.nodes;
         m_result.result = r.result;
         m_result.stopped = r.stopped;
-        Say(PassStatusLine(-1, kProofNumberPassLabel, "", 100.0, static_cast<long long>(r.nodes), 0,
-                           m_request.runRegister ? m_request.runRegister->FillPercent() : 0, 0));
+        Say(StatusLine(-1, kProofNumberPassLabel, 0, r.nodes));
         const bool settled = r.complete || r.stopped;
         m_result.proofNumber = std::move(r);
         return m_bDone = settled;
@@ -135,19 +135,19 @@ class CPassSeries {
         m_result.result = r.result;
         m_result.stopped = r.stopped;
         m_result.error = r.error;
-        Say(StatusLine(number, state, r));
+        Say(StatusLine(number, PassLetter(state.step), state.set.mask, r.nodes));
         m_bDone = r.stopped || !r.error.empty() || m_result.keys.size() >= limit;
         return m_bDone;
     }
 
-    std::string StatusLine(int number, const TPassState& state, const TSolveResult& r) const {
+    std::string StatusLine(int number, const std::string& letter, uint32_t mask, uint64_t nodes) const {
         CRunRegister* reg = m_request.runRegister;
         const int fill = reg ? reg->FillPercent() : 0;
         const int configurations = reg ? static_cast<int>(reg->WhiteToMove().DoubtfulConfigurations().size() +
                                                           reg->BlackToMove().DoubtfulConfigurations().size())
                                        : 0;
-        return PassStatusLine(number, PassLetter(state.step), "", 100.0, static_cast<long long>(r.nodes),
-                              state.set.mask, fill, configurations);
+        return PassStatusLine(number, letter, "", 100.0, static_cast<long long>(nodes), mask, fill,
+                              configurations);
     }
 
     // The doubtful lines of a set that no later pass uses.
@@ -179,9 +179,11 @@ class CPassSeries {
 // A problem without heuristics runs pass 2 alone, whatever the flags say.
 void RunStandard(CPassSeries& series, const TPassRunRequest& request, size_t limit) {
     const TPassState& state = request.state;
-    const bool proofNumber = request.proofNumber == TProofNumberMode::Only ||
-                             (request.proofNumber == TProofNumberMode::Auto && ProofNumberPassFirst(request.position));
-    if (proofNumber && (series.RunProofNumberPass(limit) || request.proofNumber == TProofNumberMode::Only)) return;
+    const bool proofNumber =
+        request.proofNumber == TProofNumberMode::Only ||
+        (request.proofNumber == TProofNumberMode::Auto && ProofNumberPassFirst(request.position));
+    if (proofNumber && (series.RunProofNumberPass(limit) || request.proofNumber == TProofNumberMode::Only))
+        return;
     const bool heuristics = state.set.mask != 0;
     if (heuristics) series.RunHeuristicPasses(limit);
     if (!series.Done() && (!heuristics || state.pass2Allowed)) series.RunPassTwo(limit);

@@ -81,9 +81,9 @@ TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop);
 // "> Quick Mode implicit heuristics ON (see Options)" and the two safe mode lines.
 std::string QuickModeLine(const TPassState& state);
 
-// "Pass %d%s, %s%0.1f%% %lld" ("Pass pn, ..." for the proof-number pass, number -1) with " SH:%xh,TR:%d(%d)", then blanks and a carriage return. RunPasses
-// writes it at the end of each pass: no prefix, 100.0%, the pass's nodes, the register's fill in
-// percent and the number of doubtful configurations it holds.
+// "Pass %d%s, %s%0.1f%% %lld" ("Pass pn, ..." for the proof-number pass, number -1) with " SH:%xh,TR:%d(%d)",
+// then blanks and a carriage return. RunPasses writes it at the end of each pass: no prefix, 100.0%, the
+// pass's nodes, the register's fill in percent and the number of doubtful configurations it holds.
 std::string PassStatusLine(int number, const std::string& letter, const std::string& prefix, double percent,
                            long long count, uint32_t mask, int registerFill, int doubtfulConfigurations);
 

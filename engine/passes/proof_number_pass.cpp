@@ -26,9 +26,11 @@ namespace {
 // the key reported is the first proven move in the solver's order.
 class CRootProofs {
   public:
-    CRootProofs(const TProofNumberPassRequest& request, const TSearchEnvironment& env, CProofNumberTable& table,
-                const std::atomic<bool>& budgetSpent, TProofNumberPassResult& out)
-        : m_request(request), m_out(out), m_moves(FirstMoveOrder(request.position, request.preferredFirstMoves)),
+    CRootProofs(const TProofNumberPassRequest& request, const TSearchEnvironment& env,
+                CProofNumberTable& table, const std::atomic<bool>& budgetSpent, TProofNumberPassResult& out)
+        : m_request(request),
+          m_out(out),
+          m_moves(FirstMoveOrder(request.position, request.preferredFirstMoves)),
           m_results(m_moves.size()) {
         const size_t threads = std::clamp<size_t>(request.threads, 1, std::max<size_t>(m_moves.size(), 1));
         for (size_t t = 0; t < threads; ++t)
@@ -133,7 +135,9 @@ class CRootProofs {
 
     // Keys and disproved moves in the solver's order, whichever thread settled them first.
     void SortByOrder() {
-        const auto index = [this](const TMove& m) { return std::find(m_moves.begin(), m_moves.end(), m) - m_moves.begin(); };
+        const auto index = [this](const TMove& m) {
+            return std::find(m_moves.begin(), m_moves.end(), m) - m_moves.begin();
+        };
         std::sort(m_out.keys.begin(), m_out.keys.end(),
                   [&](const TKey& a, const TKey& b) { return index(a.move) < index(b.move); });
         std::sort(m_out.disproved.begin(), m_out.disproved.end(),
@@ -157,7 +161,7 @@ class CRootProofs {
     const TProofNumberPassRequest& m_request;
     TProofNumberPassResult& m_out;
     std::vector<TMove> m_moves;
-    std::vector<std::atomic<TProofNumbers>> m_results;  // what the threads settled, by move
+    std::vector<std::atomic<TProofNumbers>> m_results;                 // what the threads settled, by move
     std::vector<char> m_taken = std::vector<char>(m_moves.size(), 0);  // recorded in `m_out`
     std::atomic<size_t> m_nKeys{0}, m_next{0}, m_fromEnd{0};
     std::atomic<bool> m_helpersStop{false};
@@ -190,7 +194,8 @@ std::string ProofNumberStatsText(const TProofNumberPassResult& r) {
     return fmt::format(
         "Proof-number pass: {} ms, {} nodes expanded, {} evaluated ({} from the table, {} from the register, "
         "{} mate-in-one tests), {} proven, {} disproven; keys {}, first moves disproved {}, proof walks {} "
-        "nodes\nProof-number table: {} of {} entries used, {} stores, {} replaced, {} collections emptying {}\n",
+        "nodes\nProof-number table: {} of {} entries used, {} stores, {} replaced, {} collections emptying "
+        "{}\n",
         r.msec, s.nodes, s.evaluated, s.tableHits, s.registerHits, s.mateInOneTests, s.proven, s.disproven,
         r.keys.size(), r.disproved.size(), r.walkNodes, t.used, t.capacity, t.stores, t.replacements,
         t.collections, t.collected);
@@ -228,8 +233,8 @@ TProofNumberPassResult RunProofNumberPass(const TProofNumberPassRequest& request
     out.table = table.Stats();
     out.walkNodes = root.WalkNodes();
     out.nodes = out.stats.nodes;
-    out.msec =
-        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
+    out.msec = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
+                   .count();
     return out;
 }
 

@@ -29,10 +29,10 @@ struct TProofNumberPassRequest {
     TChessboard position;  // prepared for solving
     size_t keyLimit = 1;   // SIZE_MAX: every key
     std::vector<TMove> preferredFirstMoves;
-    int64_t budgetMs = 0;         // the pass's share of the time; 0: until settled or stopped
-    int timeLimitSeconds = 0;     // the run's time left: the stop is raised then; 0 = none
-    uint64_t tableBytes = 0;  // memory of the pass's table
-    int threads = 1;          // threads sharing the table
+    int64_t budgetMs = 0;      // the pass's share of the time; 0: until settled or stopped
+    int timeLimitSeconds = 0;  // the run's time left: the stop is raised then; 0 = none
+    uint64_t tableBytes = 0;   // memory of the pass's table
+    int threads = 1;           // threads sharing the table
     TSearchEnvironment environment;
 };
 

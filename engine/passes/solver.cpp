@@ -114,7 +114,8 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
         for (size_t t = 0; t < searches.size(); ++t)
             searches[t].Observed().Attach(env.observed->Slot(t), env.observed->Moves());
     {
-        const std::optional<CTimerThread> deadline = Deadline(std::chrono::seconds(request.timeLimitSeconds), flag);
+        const std::optional<CTimerThread> deadline =
+            Deadline(std::chrono::seconds(request.timeLimitSeconds), flag);
         try {
             CLevelSearch levels(searches, request.position, std::move(firstMoves), request.levelContext,
                                 env.log, gate);

@@ -32,8 +32,8 @@ TPositionKey PositionKey(const TChessboard& node) {
         b ^= b >> 29;
     }
     const uint64_t enPassant = EnPassantPossible(node) ? node.epSquare + 1u : 0u;
-    const uint64_t extra =
-        uint64_t{CastlingRights(node)} | (enPassant << 8) | (uint64_t{static_cast<uint16_t>(node.movesLeft)} << 16);
+    const uint64_t extra = uint64_t{CastlingRights(node)} | (enPassant << 8) |
+                           (uint64_t{static_cast<uint16_t>(node.movesLeft)} << 16);
     return {Mix(a ^ extra), Mix(b + (extra << 1) + 0x51)};
 }
 

@@ -142,8 +142,8 @@ bool TProofNumberSearch::AddChildren(const TChessboard& node, size_t first, TPro
     return true;
 }
 
-void TProofNumberSearch::Record(const TChessboard& node, const TPositionKey& key, const TProofNumbers& numbers,
-                                uint64_t work) {
+void TProofNumberSearch::Record(const TChessboard& node, const TPositionKey& key,
+                                const TProofNumbers& numbers, uint64_t work) {
     m_table.Store(key, numbers, work);
     if (!numbers.Settled()) return;
     ++(numbers.Proven() ? m_stats.proven : m_stats.disproven);
@@ -154,8 +154,8 @@ void TProofNumberSearch::Record(const TChessboard& node, const TPositionKey& key
 // The df-pn step: works below `node` until its proof number reaches `thpn` or its disproof
 // number `thdn` (a settled node reaches one of them at once), always in the child that is
 // cheapest to settle the node with.
-void TProofNumberSearch::Expand(const TChessboard& node, const TPositionKey& key, uint32_t thpn, uint32_t thdn,
-                                TProofNumbers& numbers) {
+void TProofNumberSearch::Expand(const TChessboard& node, const TPositionKey& key, uint32_t thpn,
+                                uint32_t thdn, TProofNumbers& numbers) {
     CountNode();
     const uint64_t startNodes = m_stats.nodes;
     const bool orNode = node.WhiteToMove();

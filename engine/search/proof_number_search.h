@@ -27,13 +27,13 @@ namespace moremate {
 struct TProofNumberBudgetSpent {};
 
 struct TProofNumberStats {
-    uint64_t nodes = 0;          // nodes expanded
-    uint64_t evaluated = 0;      // fresh nodes given their first numbers
-    uint64_t tableHits = 0;      // fresh nodes whose numbers came from the table
-    uint64_t registerHits = 0;   // fresh nodes settled by the temporary register
+    uint64_t nodes = 0;         // nodes expanded
+    uint64_t evaluated = 0;     // fresh nodes given their first numbers
+    uint64_t tableHits = 0;     // fresh nodes whose numbers came from the table
+    uint64_t registerHits = 0;  // fresh nodes settled by the temporary register
     uint64_t mateInOneTests = 0;
-    uint64_t proven = 0;         // nodes proven (mate) and stored
-    uint64_t disproven = 0;      // nodes disproven (no mate) and stored
+    uint64_t proven = 0;     // nodes proven (mate) and stored
+    uint64_t disproven = 0;  // nodes disproven (no mate) and stored
     TProofNumberStats& operator+=(const TProofNumberStats& o);
 };
 
@@ -66,7 +66,8 @@ class TProofNumberSearch {
     bool AddChildren(const TChessboard& node, size_t first, TProofNumbers& settled);
     TProofNumbers Evaluate(const TChessboard& child, const TPositionKey& key);
     TProofNumbers FreshNumbers(const TChessboard& child);
-    void Record(const TChessboard& node, const TPositionKey& key, const TProofNumbers& numbers, uint64_t work);
+    void Record(const TChessboard& node, const TPositionKey& key, const TProofNumbers& numbers,
+                uint64_t work);
     void CountNode();
 
     TSearchEnvironment m_env;

@@ -39,7 +39,8 @@ CProofNumberTable::CAccess::~CAccess() {
 CProofNumberTable::CProofNumberTable(uint64_t bytes, bool shared)
     : m_bShared(shared),
       m_nBuckets(std::bit_floor(std::max<uint64_t>(1, bytes / sizeof(TBucket)))),
-      m_pBuckets(static_cast<TBucket*>(MapZeroed(m_nBuckets * sizeof(TBucket))), TUnmap{m_nBuckets * sizeof(TBucket)}) {}
+      m_pBuckets(static_cast<TBucket*>(MapZeroed(m_nBuckets * sizeof(TBucket))),
+                 TUnmap{m_nBuckets * sizeof(TBucket)}) {}
 
 bool CProofNumberTable::Probe(const TPositionKey& key, TProofNumbers& out) const {
     const size_t b = BucketOf(key);
@@ -112,7 +113,7 @@ void CProofNumberTable::CollectIfFull() {
 }
 
 TProofNumberTableStats CProofNumberTable::Stats() const {
-    return {m_nBuckets * kWays, m_nUsed.load(), m_nStores.load(),
+    return {m_nBuckets * kWays,     m_nUsed.load(),        m_nStores.load(),
             m_nReplacements.load(), m_nCollections.load(), m_nCollected.load()};
 }
 

@@ -30,8 +30,8 @@ struct TProofNumbers {
 };
 
 struct TProofNumberTableStats {
-    uint64_t capacity = 0;      // entries
-    uint64_t used = 0;          // entries in use now
+    uint64_t capacity = 0;  // entries
+    uint64_t used = 0;      // entries in use now
     uint64_t stores = 0;
     uint64_t replacements = 0;  // entries given up to a node of more work
     uint64_t collections = 0;   // sweeps of the small subtrees

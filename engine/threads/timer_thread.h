@@ -3,10 +3,10 @@
 // Stop() waits for one call at most; no call starts after Stop() returns.
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
-#include <atomic>
 #include <mutex>
 #include <optional>
 #include <thread>

@@ -101,8 +101,8 @@ TPassState PassState(const ProblemEntry& entry, const TChessboard& root, const T
     state.pass2Allowed = !settings.noPassTwo && !entry.Has(kOptDontRunPassTwo);
     state.stopRelaxOnFirstSolution = entry.m_bStopRelaxOnFirstSolution;
     state.quickMode = options.m_bQuickMode;
-    state.safeMode = SafeModeForRun(options.m_bQuickMode, entry.Has(kOptSafeMode) || passOne.m_bSafeModeForced,
-                                    settings.bruteForce);
+    state.safeMode = SafeModeForRun(
+        options.m_bQuickMode, entry.Has(kOptSafeMode) || passOne.m_bSafeModeForced, settings.bruteForce);
     return state;
 }
 

@@ -30,10 +30,10 @@ struct TSolveSettings {
     TProofNumberMode proofNumber = TProofNumberMode::Auto;  // the proof-number pass before the others
     int timeLimitSeconds = 0;
     int threads = 1;
-    int levels = 1;  // multithreading levels
+    int levels = 1;          // multithreading levels
     int observerLevels = 0;  // White moves below the levels shown in the progress; 0 = off
     bool solutionDetails = false;
-    bool passStatus = false;  // pass status lines on stderr
+    bool passStatus = false;   // pass status lines on stderr
     TAvailableData available;  // what the record's requirement clauses may find
     std::string after;         // moves played after the position before it is analysed (PlayMovesAfter)
     TRunServices run;          // stop, pause, skip, progress ticks and messages of the interface

@@ -28,10 +28,10 @@ struct TProblemReport {
     unsigned long long nodes = 0;
     std::optional<std::string> error;
     std::string outcome;  // the run's closing texts: the solutions found, a time limit hit, an error
-    std::vector<std::string> firstMoveOrder;     // when the record expects one: White's first moves in
-                                                 // the order the solver tries them
-    std::vector<std::string> failedChecks;       // the checks after the run that failed (run_checks.h)
-    std::optional<std::string> registerLoad;     // the load report of the register the record refers to
+    std::vector<std::string> firstMoveOrder;      // when the record expects one: White's first moves in
+                                                  // the order the solver tries them
+    std::vector<std::string> failedChecks;        // the checks after the run that failed (run_checks.h)
+    std::optional<std::string> registerLoad;      // the load report of the register the record refers to
     std::optional<std::string> proofNumberStats;  // the figures of the proof-number pass, when it ran
 };
 
