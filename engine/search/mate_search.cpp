@@ -81,12 +81,16 @@ bool SquaresTellAll(const TChessboard& node) {
     return CastlingRights(node) == HomeCastlingRights(node.squares) && !EnPassantPossible(node);
 }
 
-void TMateSearch::CountNode() {
+void CountSearchNode(const TSearchEnvironment& env, uint64_t& nodes) {
     constexpr uint64_t kProgressStep = 4096;
-    if ((++m_nNodes % kProgressStep) == 0 && m_env.progressNodes)
-        m_env.progressNodes->fetch_add(kProgressStep, std::memory_order_relaxed);
-    if (m_env.control) m_env.control->Poll();
-    if (m_env.stop && m_env.stop->load(std::memory_order_relaxed)) throw TSearchStopped{};
+    if ((++nodes % kProgressStep) == 0 && env.progressNodes)
+        env.progressNodes->fetch_add(kProgressStep, std::memory_order_relaxed);
+    if (env.control) env.control->Poll();
+    if (env.stop && env.stop->load(std::memory_order_relaxed)) throw TSearchStopped{};
+}
+
+void TMateSearch::CountNode() {
+    CountSearchNode(m_env, m_nNodes);
     if (m_pCancel && m_pCancel->load(std::memory_order_relaxed)) throw TSearchCancelled{};
 }
 

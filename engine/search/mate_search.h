@@ -39,6 +39,10 @@ struct TSearchEnvironment {
     CObservedLines* observed = nullptr;              // the main threads' lines (observer levels), or none
 };
 
+// What every search does at a node: counts it (adding to the run's progress every few thousand),
+// waits while the run is paused, and throws TSearchStopped on a stop request.
+void CountSearchNode(const TSearchEnvironment& env, uint64_t& nodes);
+
 class TMateSearch {
   public:
     explicit TMateSearch(const TSearchEnvironment& env) : m_env(env) {}

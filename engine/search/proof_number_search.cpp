@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "core/movegen.h"
-#include "engine/state/run_control.h"
 #include "move_ordering.h"
 
 namespace moremate {
@@ -49,11 +48,7 @@ TProofNumberSearch::TProofNumberSearch(const TSearchEnvironment& env, CProofNumb
 }
 
 void TProofNumberSearch::CountNode() {
-    constexpr uint64_t kProgressStep = 1024;
-    if ((++m_stats.nodes % kProgressStep) == 0 && m_env.progressNodes)
-        m_env.progressNodes->fetch_add(kProgressStep, std::memory_order_relaxed);
-    if (m_env.control) m_env.control->Poll();
-    if (m_env.stop && m_env.stop->load(std::memory_order_relaxed)) throw TSearchStopped{};
+    CountSearchNode(m_env, m_stats.nodes);
     if (m_pBudgetSpent && m_pBudgetSpent->load(std::memory_order_relaxed)) throw TProofNumberBudgetSpent{};
 }
 
@@ -122,7 +117,6 @@ bool TProofNumberSearch::AddChildren(const TChessboard& node, size_t first, TPro
     else
         OrderBlackMoves(node, moves, none);
     // The children's table buckets are fetched all at once, so that their misses overlap.
-    m_children.resize(first);
     for (const TMove& m : moves) {
         TChessboard child;
         PlayMove(node, m, child);
