@@ -13,80 +13,55 @@ using testing::EqualHashKey;
 using testing::KeyOf;
 using testing::NumberedKey;
 
-struct THashCase {
-    const char* name;
-    TChessboardRegisterItem key;
-    uint32_t nHash;
-};
-
-class RegisterHashValue : public ::testing::TestWithParam<THashCase> {};
-
-TEST_P(RegisterHashValue, WeighsEachByteBySquareOfItsPlace) {
-    EXPECT_EQ(RegisterHash(GetParam().key), GetParam().nHash);
-}
-
-TChessboardRegisterItem AllBytes(uint8_t value) {
-    TChessboardRegisterItem item;
-    for (uint8_t& b : item.squares) b = value;
-    return item;
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Register, RegisterHashValue,
-    ::testing::Values(THashCase{"ZeroKey", {}, 0}, THashCase{"LastByteOne", KeyOf({{63, 1}}), 4096},
-                      THashCase{"FirstByteOne", KeyOf({{0, 1}}), 1},
-                      THashCase{"SecondByteOne", KeyOf({{1, 1}}), 4},
-                      THashCase{"TwoBytes", KeyOf({{0, 0x41}, {63, 0x81}}), 0x41 + 0x81 * 4096},
-                      // 255 * (1 + 4 + ... + 4096) = 255 * 89440
-                      THashCase{"AllBytes255", AllBytes(255), 22'807'200}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST(RegisterHashValue, EqualHashKeysCollide) {
+// Byte i weighs (i + 1) squared: 1, 4, 9, ..., 4096 for the last.
+TEST(RegisterHashValue, WeighsEachByteByItsPlace) {
+    TChessboardRegisterItem all255;
+    for (uint8_t& b : all255.squares) b = 255;
+    const std::pair<TChessboardRegisterItem, uint32_t> cases[] = {
+        {{}, 0},
+        {KeyOf({{63, 1}}), 4096},
+        {KeyOf({{0, 1}}), 1},
+        {KeyOf({{1, 1}}), 4},
+        {KeyOf({{0, 0x41}, {63, 0x81}}), 0x41 + 0x81 * 4096},
+        {all255, 22'807'200},  // 255 * (1 + 4 + ... + 4096) = 255 * 89440
+    };
+    for (const auto& [key, nHash] : cases) EXPECT_EQ(RegisterHash(key), nHash);
     for (uint8_t i = 0; i < 64; ++i) EXPECT_EQ(RegisterHash(EqualHashKey(i)), 252u);
 }
 
 // Entries in one bucket: the ninth converts the node into a sorted array of 16, which then
 // doubles; a removal that leaves eight or fewer goes back to a node, a smaller array halves.
-struct TBucketCase {
-    int nEntries;     // all in one bucket
-    int nRemoved;     // the first ones, by RemoveNMovers
-    uint64_t nSlots;  // entry places after filling
-    uint64_t nSlotsAfterRemoval;
-};
+TEST(RegisterOneBucket, FindsEveryEntryInEitherForm) {
+    // Entries, the first ones removed by RemoveNMovers, entry places after filling and after removal.
+    // clang-format off
+    const struct { int nEntries, nRemoved; uint64_t nSlots, nSlotsAfterRemoval; } cases[] = {
+        {8, 0, 8, 8}, {9, 0, 16, 16}, {9, 4, 16, 8}, {16, 0, 16, 16}, {17, 0, 32, 32}, {17, 9, 32, 8},
+        {33, 13, 64, 32}, {33, 33, 64, 0}, {40, 20, 64, 32},
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::Message() << c.nEntries << " entries, " << c.nRemoved << " removed");
+        TAggregatedTemporaryChessboardRegister reg(1000, 1024);
+        const auto key = [](int i) { return EqualHashKey(static_cast<uint8_t>(i)); };
+        // The removed entries hold a mate in 5, the kept ones a mate in 9.
+        for (int i = 0; i < c.nEntries; ++i) reg.Insert(i < c.nRemoved ? 5 : 9, key(i), true);
+        EXPECT_EQ(reg.Census().nSlots, c.nSlots);
+        for (int i = 0; i < c.nEntries; ++i) {
+            const auto entry = reg.Find(key(i));
+            ASSERT_TRUE(entry) << i;
+            EXPECT_EQ(entry->MovesMate, i < c.nRemoved ? 5 : 9);
+        }
+        EXPECT_FALSE(reg.Find(key(c.nEntries)));
 
-class OneBucket : public ::testing::TestWithParam<TBucketCase> {};
-
-TEST_P(OneBucket, FindsEveryEntryInEitherForm) {
-    const TBucketCase& c = GetParam();
-    TAggregatedTemporaryChessboardRegister reg(1000, 1024);
-    // The removed entries hold a mate in 5, the kept ones a mate in 9.
-    for (int i = 0; i < c.nEntries; ++i)
-        reg.Insert(i < c.nRemoved ? 5 : 9, EqualHashKey(static_cast<uint8_t>(i)), true);
-    EXPECT_EQ(reg.Census().nSlots, c.nSlots);
-    for (int i = 0; i < c.nEntries; ++i) {
-        const auto entry = reg.Find(EqualHashKey(static_cast<uint8_t>(i)));
-        ASSERT_TRUE(entry) << i;
-        EXPECT_EQ(entry->MovesMate, i < c.nRemoved ? 5 : 9);
+        EXPECT_EQ(reg.RemoveNMovers(5), static_cast<uint32_t>(c.nRemoved));
+        EXPECT_EQ(reg.Census().nSlots, c.nSlotsAfterRemoval);
+        EXPECT_EQ(reg.ElementCount(), static_cast<uint32_t>(c.nEntries - c.nRemoved));
+        for (int i = 0; i < c.nEntries; ++i) EXPECT_EQ(reg.Find(key(i)).has_value(), i >= c.nRemoved) << i;
+        // The bucket keeps working in its new form.
+        reg.Insert(11, key(63), false);
+        EXPECT_EQ(reg.Find(key(63))->MovesNoMate, 11);
     }
-    EXPECT_FALSE(reg.Find(EqualHashKey(static_cast<uint8_t>(c.nEntries))));
-
-    EXPECT_EQ(reg.RemoveNMovers(5), static_cast<uint32_t>(c.nRemoved));
-    EXPECT_EQ(reg.Census().nSlots, c.nSlotsAfterRemoval);
-    EXPECT_EQ(reg.ElementCount(), static_cast<uint32_t>(c.nEntries - c.nRemoved));
-    for (int i = 0; i < c.nEntries; ++i) {
-        EXPECT_EQ(reg.Find(EqualHashKey(static_cast<uint8_t>(i))).has_value(), i >= c.nRemoved) << i;
-    }
-    // The bucket keeps working in its new form.
-    reg.Insert(11, EqualHashKey(63), false);
-    EXPECT_EQ(reg.Find(EqualHashKey(63))->MovesNoMate, 11);
 }
-
-INSTANTIATE_TEST_SUITE_P(Register, OneBucket,
-                         ::testing::Values(TBucketCase{8, 0, 8, 8}, TBucketCase{9, 0, 16, 16},
-                                           TBucketCase{9, 4, 16, 8}, TBucketCase{16, 0, 16, 16},
-                                           TBucketCase{17, 0, 32, 32}, TBucketCase{17, 9, 32, 8},
-                                           TBucketCase{33, 13, 64, 32}, TBucketCase{33, 33, 64, 0},
-                                           TBucketCase{40, 20, 64, 32}));
 
 // Many entries in few buckets, inserted and removed in an order unrelated to the key order.
 TEST(RegisterFewBuckets, LargeSortedBucketsStayConsistent) {

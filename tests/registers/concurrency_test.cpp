@@ -71,8 +71,7 @@ TEST(RegisterConcurrency, EmptyingWhileInserting) {
     ResetLastLevelEmptied();
     testing::CLogRecorder log;
     TAggregatedTemporaryChessboardRegister reg(2'000, 64);
-    reg.SetServices(
-        {.log = log.Sink(), .pReporter = nullptr, .languageId = kEnglish, .bCheckCoherency = false});
+    reg.SetServices({.log = log.Sink()});
     std::vector<std::thread> threads;
     for (uint32_t t = 0; t < kThreads; ++t) {
         threads.emplace_back([&reg, t] {

@@ -41,28 +41,15 @@ class RegisterContents : public ::testing::Test {
     TAggregatedTemporaryChessboardRegister reg;
 };
 
-TEST_F(RegisterContents, StatisticsText) {
+TEST_F(RegisterContents, StatisticsAndSummaryTexts) {
     EXPECT_EQ(RegisterStatistics(reg),
-              "Buckets count = 1 (4.00 elems per bucket)\n"
-              "Elements count = 8\n"
-              "Current capacity = 24\n"
-              "Max. elements count = 200 (4.0%)\n"
-              "\n"
-              "Mate elements = 2\n"
-              "No mate elements = 3\n"
-              "\n"
-              "Doubtful elements = 2\n"
-              "Not doubtful elements = 1");
-}
-
-TEST_F(RegisterContents, SummaryText) {
+              "Buckets count = 1 (4.00 elems per bucket)\nElements count = 8\nCurrent capacity = 24\n"
+              "Max. elements count = 200 (4.0%)\n\nMate elements = 2\nNo mate elements = 3\n\n"
+              "Doubtful elements = 2\nNot doubtful elements = 1");
     EXPECT_EQ(RegisterSummary(reg),
-              "Total number of positions: 7\n"
-              "Total number of 'mate' positions: 2\n"
-              "Total number of 'no mate' positions: 3\n"
-              "Total number of 'mate doubtful' positions: 2\n"
-              "Total number of 'mate not doubtful' positions: 1\n"
-              "#n range: #3-12");
+              "Total number of positions: 7\nTotal number of 'mate' positions: 2\n"
+              "Total number of 'no mate' positions: 3\nTotal number of 'mate doubtful' positions: 2\n"
+              "Total number of 'mate not doubtful' positions: 1\n#n range: #3-12");
 }
 
 TEST_F(RegisterContents, EveryEntryWithItsConfiguration) {
@@ -101,28 +88,25 @@ TEST_F(RegisterContents, EntriesReadBackKeepTheBestValues) {
     EXPECT_EQ(reg.ElementCount(), 11u);
 }
 
-struct TSizeCase {
-    uint64_t nMegabytes;
-    uint32_t nCapacity;
-    size_t nBuckets;
-};
-
-class RegisterSizeFromMemory : public ::testing::TestWithParam<TSizeCase> {};
-
-TEST_P(RegisterSizeFromMemory, AllowsAboutFourToEightEntriesPerBucket) {
-    const TSizeCase& c = GetParam();
-    const TRegisterSize size = RegisterSizeForMemory(c.nMegabytes);
-    EXPECT_EQ(size.nCapacity, c.nCapacity);
-    EXPECT_EQ(size.nBuckets, c.nBuckets);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Register, RegisterSizeFromMemory,
-    ::testing::Values(TSizeCase{0, 16'384, 4'096}, TSizeCase{1, 16'384, 4'096}, TSizeCase{10, 65'536, 16'384},
-                      TSizeCase{1'024, 6'710'886, 1'048'576}, TSizeCase{4'915, 32'210'944, 4'194'304},
-                      TSizeCase{1'000'000, std::numeric_limits<uint32_t>::max(), 536'870'912}));
-
-TEST(RegisterSizeFromCapacity, KeepsTheCapacityGiven) {
+// About four to eight entries per bucket; a capacity given is kept.
+TEST(RegisterSize, FromMemoryOrCapacity) {
+    const struct {
+        uint64_t nMegabytes;
+        uint32_t nCapacity;
+        size_t nBuckets;
+    } cases[] = {
+        {0, 16'384, 4'096},
+        {1, 16'384, 4'096},
+        {10, 65'536, 16'384},
+        {1'024, 6'710'886, 1'048'576},
+        {4'915, 32'210'944, 4'194'304},
+        {1'000'000, std::numeric_limits<uint32_t>::max(), 536'870'912},
+    };
+    for (const auto& c : cases) {
+        const TRegisterSize size = RegisterSizeForMemory(c.nMegabytes);
+        EXPECT_EQ(size.nCapacity, c.nCapacity) << c.nMegabytes;
+        EXPECT_EQ(size.nBuckets, c.nBuckets) << c.nMegabytes;
+    }
     const TRegisterSize size = RegisterSizeForCapacity(1'000'000);
     EXPECT_EQ(size.nCapacity, 1'000'000u);
     EXPECT_EQ(size.nBuckets, 131'072u);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "register_file_support.h"
+#include "registers/register_autosave.h"
 #include "registers/register_file.h"
 #include "tests/support/temp_folder.h"
 
@@ -54,64 +55,62 @@ class RegisterFile : public ::testing::Test {
     TRegisterLoadOptions options;
 };
 
-class RegisterFileForms : public RegisterFile, public ::testing::WithParamInterface<TRegisterFileForm> {};
+// Plain first: the packed forms leave their decoded stream in the working folder.
+constexpr TRegisterFileForm kForms[] = {TRegisterFileForm::Plain, TRegisterFileForm::Lz4,
+                                        TRegisterFileForm::Lz4e, TRegisterFileForm::Lz4Container,
+                                        TRegisterFileForm::Lz4eContainer};
 
-TEST_P(RegisterFileForms, SavedRegisterLoadsBackWhole) {
-    TRegisterSaveOptions save;
-    save.form = GetParam();
-    save.nCompressionThreads = 3;
-    const TRegisterSaveResult saved = SaveRegisterFile(folder.File("r.tmpReg"), reg, save);
-    EXPECT_TRUE(saved.bComplete);
-    EXPECT_FALSE(std::filesystem::exists(folder.File("r.tmpReg.saving")));
+TEST_F(RegisterFile, SavedRegisterLoadsBackWholeInEveryForm) {
+    for (const TRegisterFileForm form : kForms) {
+        SCOPED_TRACE(static_cast<int>(form));
+        TRegisterSaveOptions save;
+        save.form = form;
+        save.nCompressionThreads = 3;
+        const TRegisterSaveResult saved = SaveRegisterFile(folder.File("r.tmpReg"), reg, save);
+        EXPECT_TRUE(saved.bComplete);
+        EXPECT_FALSE(std::filesystem::exists(folder.File("r.tmpReg.saving")));
 
-    TAggregatedTemporaryChessboardRegister loaded(100'000, 16);
-    const TRegisterLoadResult result = LoadInto(loaded, "r.tmpReg");
-    EXPECT_TRUE(result.bRead && result.bComplete) << result.sError;
-    EXPECT_EQ(result.report.nRecords, reg.ElementCount());
-    EXPECT_EQ(result.report.nInvalidPositions, 0u);
-    EXPECT_EQ(loaded.BucketCount(), kBuckets);
-    EXPECT_EQ(Contents(loaded), Contents(reg));
+        TAggregatedTemporaryChessboardRegister loaded(100'000, 16);
+        const TRegisterLoadResult result = LoadInto(loaded, "r.tmpReg");
+        EXPECT_TRUE(result.bRead && result.bComplete) << result.sError;
+        EXPECT_EQ(result.report.nRecords, reg.ElementCount());
+        EXPECT_EQ(result.report.nInvalidPositions, 0u);
+        EXPECT_EQ(loaded.BucketCount(), kBuckets);
+        EXPECT_EQ(Contents(loaded), Contents(reg));
 
-    const std::string magic = folder.Read("r.tmpReg").substr(0, 4);
-    const char* expected[] = {"\xFF\xFF\xFF\xFF", "LZ4 ", "LZ4e", "lz4 ", "lz4e"};
-    EXPECT_EQ(magic, expected[static_cast<int>(GetParam())]);
-    // A packed file leaves its decoded stream in the working folder.
-    const std::filesystem::path scratch = folder.File(kLoadScratchFile);
-    EXPECT_EQ(std::filesystem::exists(scratch), GetParam() != TRegisterFileForm::Plain);
-    if (GetParam() != TRegisterFileForm::Plain) {
-        EXPECT_EQ(std::filesystem::file_size(scratch), saved.nStreamBytes);
+        const char* magic[] = {"\xFF\xFF\xFF\xFF", "LZ4 ", "LZ4e", "lz4 ", "lz4e"};
+        EXPECT_EQ(folder.Read("r.tmpReg").substr(0, 4), magic[static_cast<int>(form)]);
+        const std::filesystem::path scratch = folder.File(kLoadScratchFile);
+        EXPECT_EQ(std::filesystem::exists(scratch), form != TRegisterFileForm::Plain);
+        EXPECT_TRUE(form == TRegisterFileForm::Plain ||
+                    std::filesystem::file_size(scratch) == saved.nStreamBytes);
     }
 }
 
-TEST_P(RegisterFileForms, ByteLimitKeepsTheShortestLevels) {
-    TRegisterSaveOptions save;
-    save.form = GetParam();
-    save.nByteLimit = 40'000;
-    const TRegisterSaveResult saved = SaveRegisterFile(folder.File("r.tmpReg"), reg, save);
-    EXPECT_FALSE(saved.bComplete);
-    EXPECT_LE(saved.nStreamBytes, save.nByteLimit);
-    EXPECT_GT(saved.nStreamBytes, save.nByteLimit - kRegisterMarkerSize - 2 * kRegisterRecordSize);
-
-    TAggregatedTemporaryChessboardRegister loaded(100'000, 16);
-    const TRegisterLoadResult result = LoadInto(loaded, "r.tmpReg");
-    EXPECT_TRUE(result.bComplete);  // the file ends at a record
+TEST_F(RegisterFile, ByteLimitKeepsTheShortestLevelsInEveryForm) {
     const auto all = Contents(reg);
-    const auto kept = Contents(loaded);
-    ASSERT_FALSE(kept.empty());
-    EXPECT_TRUE(std::includes(all.begin(), all.end(), kept.begin(), kept.end()));
-    uint16_t nHighestKept = 0;
-    for (const auto& content : kept) nHighestKept = std::max(nHighestKept, Level(content));
-    for (const auto& content : all) {
-        if (Level(content) < nHighestKept) {
-            EXPECT_TRUE(std::binary_search(kept.begin(), kept.end(), content));
-        }
+    for (const TRegisterFileForm form : kForms) {
+        SCOPED_TRACE(static_cast<int>(form));
+        TRegisterSaveOptions save;
+        save.form = form;
+        save.nByteLimit = 40'000;
+        const TRegisterSaveResult saved = SaveRegisterFile(folder.File("r.tmpReg"), reg, save);
+        EXPECT_FALSE(saved.bComplete);
+        EXPECT_LE(saved.nStreamBytes, save.nByteLimit);
+        EXPECT_GT(saved.nStreamBytes, save.nByteLimit - kRegisterMarkerSize - 2 * kRegisterRecordSize);
+
+        TAggregatedTemporaryChessboardRegister loaded(100'000, 16);
+        EXPECT_TRUE(LoadInto(loaded, "r.tmpReg").bComplete);  // the file ends at a record
+        const auto kept = Contents(loaded);
+        ASSERT_FALSE(kept.empty());
+        EXPECT_TRUE(std::includes(all.begin(), all.end(), kept.begin(), kept.end()));
+        uint16_t nHighestKept = 0;
+        for (const auto& content : kept) nHighestKept = std::max(nHighestKept, Level(content));
+        for (const auto& content : all)
+            EXPECT_TRUE(Level(content) >= nHighestKept ||
+                        std::binary_search(kept.begin(), kept.end(), content));
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Register, RegisterFileForms,
-                         ::testing::Values(TRegisterFileForm::Plain, TRegisterFileForm::Lz4,
-                                           TRegisterFileForm::Lz4e, TRegisterFileForm::Lz4Container,
-                                           TRegisterFileForm::Lz4eContainer));
 
 TEST_F(RegisterFile, PlainFileIsWrittenLevelByLevel) {
     TAggregatedTemporaryChessboardRegister small(1'000, 16);
@@ -239,7 +238,7 @@ TEST_F(RegisterFile, CompressionLogHasALinePerBlock) {
     EXPECT_NE(log.find("\nCompressed bucket 1. Packed "), std::string::npos);
 }
 
-TEST(RegisterFileNames, BucketCountAndPaths) {
+TEST(RegisterFileNames, BucketCountPathsAndReportText) {
     EXPECT_EQ(LoadBucketCount(14, 100'000), 16'384u);
     EXPECT_EQ(LoadBucketCount(15, 100'000), 524'288u);
     EXPECT_EQ(LoadBucketCount(23, 8'192), 524'288u);
@@ -247,12 +246,87 @@ TEST(RegisterFileNames, BucketCountAndPaths) {
     EXPECT_EQ(BlackToMoveFilePath("dir/AutoSave.tmpReg"), std::filesystem::path("dir/AutoSave.black.tmpReg"));
     EXPECT_EQ(SavedRegisterFilePath("p12").filename(), "p12.tmpReg");
     EXPECT_EQ(SavedRegisterFilePath("p12").parent_path().filename(), kSavedRegisterFolder);
-}
-
-TEST(RegisterFileNames, ReportTexts) {
     TRegisterLoadResult result;
     result.bRead = true;
     EXPECT_EQ(LoadReportText(result, "a", kEnglish, false), "File has been read with errors: a");
+}
+
+// The automatic save: due only after the set minutes, through the register's emptying hook too,
+// with the descriptor beside the file; a failure inside the hook stays out of the search.
+class RegisterAutoSave : public ::testing::Test {
+  protected:
+    RegisterAutoSave() : white(10'000, 64), black(10'000, 64) {
+        const auto keys = LegalKeys(20);
+        for (size_t i = 0; i < keys.size(); ++i) {
+            white.Insert(static_cast<uint16_t>(5 + 2 * (i % 4)), keys[i], i % 2 == 0);
+            black.Insert(static_cast<uint16_t>(6 + 2 * (i % 4)), keys[i], i % 2 == 0);
+        }
+        settings.nMinutes = 2;
+        settings.nMegabytes = 1;
+        settings.bEnabled = true;
+        settings.folder = folder.Path() / kSavedRegisterFolder;
+        descriptor.m_sDescription = "Problem 12";
+        descriptor.m_nHeuristicsOnStart = 5;
+    }
+    CRegisterAutoSave::CClock Clock() {
+        return [this] { return nNowMs; };
+    }
+
+    CTempFolder folder;
+    TAggregatedTemporaryChessboardRegister white, black;
+    TAutoSaveSettings settings;
+    TAutoSaveDescriptor descriptor;
+    int64_t nNowMs = 1'000;
+};
+
+TEST_F(RegisterAutoSave, SavesOnlyWhenTheMinutesHavePassed) {
+    CRegisterAutoSave autosave(settings, descriptor, Clock());
+    autosave.Attach(white, &black);
+    nNowMs += 119'999;
+    EXPECT_FALSE(autosave.SaveIfDue());
+    EXPECT_FALSE(std::filesystem::exists(autosave.FilePath()));
+    nNowMs += 1;
+    EXPECT_TRUE(autosave.SaveIfDue());
+    EXPECT_EQ(autosave.FilePath().filename(), "AutoSave.tmpReg");
+    EXPECT_FALSE(autosave.SaveIfDue());  // the interval starts again
+
+    const TAutoSaveDescriptor read = ReadAutoSaveDescriptor(autosave.FilePath().string() + ".ini");
+    EXPECT_EQ(read.m_sDescription, "Problem 12");
+    EXPECT_EQ(read.m_nHeuristicsOnStart, 5u);
+    TAggregatedTemporaryChessboardRegister white2(10'000, 64), black2(10'000, 64);
+    EXPECT_TRUE(LoadRegisterFile(autosave.FilePath(), white2, &black2, 64, {folder.Path()}).bComplete);
+    EXPECT_EQ(Contents(white2), Contents(white));
+    EXPECT_EQ(Contents(black2), Contents(black));
+}
+
+TEST_F(RegisterAutoSave, DisabledOrZeroMinutesNeverSave) {
+    for (auto change :
+         {+[](TAutoSaveSettings& s) { s.bEnabled = false; }, +[](TAutoSaveSettings& s) { s.nMinutes = 0; }}) {
+        TAutoSaveSettings changed = settings;
+        change(changed);
+        CRegisterAutoSave autosave(changed, descriptor, Clock());
+        autosave.Attach(white, nullptr);
+        nNowMs += 10'000'000;
+        EXPECT_FALSE(autosave.SaveIfDue());
+    }
+}
+
+TEST_F(RegisterAutoSave, EmptyingTheRegisterSavesWhenDue) {
+    CRegisterAutoSave autosave(settings, descriptor, Clock());
+    autosave.Attach(white, &black);
+    nNowMs += 120'000;
+    black.EmptySomeDataWhenRegisterFull(false);
+    EXPECT_TRUE(std::filesystem::exists(autosave.FilePath()));
+    EXPECT_TRUE(std::filesystem::exists(BlackToMoveFilePath(autosave.FilePath())));
+}
+
+TEST_F(RegisterAutoSave, AFailedSaveInTheHookIsKept) {
+    std::filesystem::create_directories(settings.folder / kAutoSaveFileName);  // a folder in the way
+    CRegisterAutoSave autosave(settings, descriptor, Clock());
+    autosave.Attach(white, nullptr);
+    nNowMs += 120'000;
+    EXPECT_NO_THROW(white.EmptySomeDataWhenRegisterFull(false));
+    EXPECT_FALSE(autosave.LastError().empty());
 }
 
 }  // namespace
