@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include "settings/autosave_descriptor.h"
 #include "tests/support/temp_folder.h"
 
 namespace moremate {
@@ -9,48 +12,28 @@ namespace {
 
 using testing::CTempFolder;
 
-struct TReadIntCase {
-    const char* pszName;
-    std::string sContent;
-    const char* pszSection;
-    const char* pszKey;
-    int nExpected;  // with -99 as the default
-
-    friend void PrintTo(const TReadIntCase& c, std::ostream* os) { *os << c.pszName; }
-};
-
-class IniReadInt : public ::testing::TestWithParam<TReadIntCase> {};
-
-TEST_P(IniReadInt, ReadsLikeThePrivateProfileFunctions) {
+TEST(IniRead, ReadsLikeThePrivateProfileFunctions) {
+    // The contents, the section and key read, and the value with -99 as the default.
+    // clang-format off
+    const struct { std::string sContent; const char* pszSection; const char* pszKey; int nExpected; } cases[] = {
+        {"[chess]\nA=12\n", "chess", "A", 12}, {"[chess]\nQuickMode=1\n", "chess", "QUICKMODE", 1},
+        {"[CHESS]\nA=3\n", "chess", "a", 3}, {"[chess]\nA=abc\n", "chess", "A", 0},
+        {"[chess]\nA=12abc\n", "chess", "A", 12}, {"[chess]\nA=-3\n", "chess", "A", -3},
+        {"[chess]\nA=+7\n", "chess", "A", 7}, {"[chess]\nA=-\n", "chess", "A", 0},
+        {"[chess]\nA=\n", "chess", "A", -99}, {"[chess]\nB=1\n", "chess", "A", -99},
+        {"[other]\nA=1\n[chess]\nB=2\n", "chess", "A", -99}, {"A=1\n[chess]\nB=2\n", "chess", "A", -99},
+        {"[chess]\n;A=5\n#A=6\n", "chess", "A", -99}, {"[ chess ]\n  A  =  42  \n", "chess", "A", 42},
+        {"[chess]\nA=4294967295\n", "chess", "A", -1}, {"[chess]\r\nA=5\r\nB=6\r\n", "chess", "B", 6},
+        {"\xEF\xBB\xBF[chess]\nA=1\n", "chess", "A", 1}, {"[chess]\nA=1\nA=2\n", "chess", "A", 1},
+        {"[chess]\nA=1\n[x]\n[Chess]\nB=2\n", "chess", "B", 2}, {"[chess]\nA=8", "chess", "A", 8},
+    };
+    // clang-format on
     CTempFolder folder;
-    CIniFile ini(folder.Write("test.ini", GetParam().sContent));
-    EXPECT_EQ(ini.ReadInt(GetParam().pszSection, GetParam().pszKey, -99), GetParam().nExpected);
+    for (const auto& c : cases) {
+        CIniFile ini(folder.Write("test.ini", c.sContent));
+        EXPECT_EQ(ini.ReadInt(c.pszSection, c.pszKey, -99), c.nExpected) << c.sContent;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Values, IniReadInt,
-    ::testing::Values(TReadIntCase{"Plain", "[chess]\nA=12\n", "chess", "A", 12},
-                      TReadIntCase{"KeyCaseIgnored", "[chess]\nQuickMode=1\n", "chess", "QUICKMODE", 1},
-                      TReadIntCase{"SectionCaseIgnored", "[CHESS]\nA=3\n", "chess", "a", 3},
-                      TReadIntCase{"TextReadsAsZero", "[chess]\nA=abc\n", "chess", "A", 0},
-                      TReadIntCase{"LeadingDigitsOnly", "[chess]\nA=12abc\n", "chess", "A", 12},
-                      TReadIntCase{"Negative", "[chess]\nA=-3\n", "chess", "A", -3},
-                      TReadIntCase{"PlusSign", "[chess]\nA=+7\n", "chess", "A", 7},
-                      TReadIntCase{"LoneSignIsZero", "[chess]\nA=-\n", "chess", "A", 0},
-                      TReadIntCase{"EmptyValueGivesDefault", "[chess]\nA=\n", "chess", "A", -99},
-                      TReadIntCase{"MissingKey", "[chess]\nB=1\n", "chess", "A", -99},
-                      TReadIntCase{"KeyOfAnotherSection", "[other]\nA=1\n[chess]\nB=2\n", "chess", "A", -99},
-                      TReadIntCase{"KeyBeforeAnySection", "A=1\n[chess]\nB=2\n", "chess", "A", -99},
-                      TReadIntCase{"CommentedOut", "[chess]\n;A=5\n#A=6\n", "chess", "A", -99},
-                      TReadIntCase{"BlanksAround", "[ chess ]\n  A  =  42  \n", "chess", "A", 42},
-                      TReadIntCase{"UnsignedMaskWraps", "[chess]\nA=4294967295\n", "chess", "A", -1},
-                      TReadIntCase{"CrLfLines", "[chess]\r\nA=5\r\nB=6\r\n", "chess", "B", 6},
-                      TReadIntCase{"ByteOrderMark", "\xEF\xBB\xBF[chess]\nA=1\n", "chess", "A", 1},
-                      TReadIntCase{"FirstOfDuplicateKeys", "[chess]\nA=1\nA=2\n", "chess", "A", 1},
-                      TReadIntCase{"SecondSectionOfSameName", "[chess]\nA=1\n[x]\n[Chess]\nB=2\n", "chess",
-                                   "B", 2},
-                      TReadIntCase{"NoLineBreakAtEnd", "[chess]\nA=8", "chess", "A", 8}),
-    [](const auto& info) { return info.param.pszName; });
 
 TEST(IniRead, MissingFileGivesDefaults) {
     CTempFolder folder;
@@ -68,46 +51,32 @@ TEST(IniRead, StringsLoseQuotesAndAreCutToCodePoints) {
     EXPECT_EQ(ini.ReadString("chess", "Missing", "dflt", 2), "df");
 }
 
-struct TWriteCase {
-    const char* pszName;
-    std::string sBefore;
-    const char* pszKey;
-    const char* pszValue;
-    std::string sAfter;
-
-    friend void PrintTo(const TWriteCase& c, std::ostream* os) { *os << c.pszName; }
-};
-
-class IniWrite : public ::testing::TestWithParam<TWriteCase> {};
-
-TEST_P(IniWrite, ChangesOnlyTheKey) {
-    CTempFolder folder;
-    std::filesystem::path path = folder.File("test.ini");
-    if (!GetParam().sBefore.empty()) folder.Write("test.ini", GetParam().sBefore);
-    ASSERT_TRUE(CIniFile(path).WriteString("chess", GetParam().pszKey, GetParam().pszValue));
-    EXPECT_EQ(folder.Read("test.ini"), GetParam().sAfter);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(path.parent_path()), {}), 1)
-        << "the temporary file is left behind";
+// A write changes only its key, and leaves no temporary file behind.
+TEST(IniWrite, ChangesOnlyTheKey) {
+    // The file before (none when empty), the key and value written to section "chess", the file after.
+    // clang-format off
+    const struct { std::string sBefore; const char* pszKey; const char* pszValue; std::string sAfter; } cases[] = {
+        {"; options\r\n[chess]\r\nA=1\r\nB=2\r\n[other]\r\nA=9\r\n", "a", "5",
+         "; options\r\n[chess]\r\nA=5\r\nB=2\r\n[other]\r\nA=9\r\n"},
+        {"[CHESS]\nQuickMode = 1\n", "QUICKMODE", "0", "[CHESS]\nQuickMode =0\n"},
+        {"[chess]\nA=1\n\n[other]\nB=2\n", "C", "3", "[chess]\nA=1\nC=3\n\n[other]\nB=2\n"},
+        {"[chess]\nA=1\n[chess]\nB=2\n", "C", "3", "[chess]\nA=1\nC=3\n[chess]\nB=2\n"},
+        {"[other]\nB=2", "A", "1", "[other]\nB=2\n\n[chess]\nA=1\n"},
+        {"[other]\r\nB=2\r\n", "A", "1", "[other]\r\nB=2\r\n\r\n[chess]\r\nA=1\r\n"},
+        {"", "A", "1", "[chess]\nA=1\n"},
+        {"\xEF\xBB\xBF[chess]\nA=1\n", "A", "2", "\xEF\xBB\xBF[chess]\nA=2\n"},
+        {"[chess]\nA=1\nB=2\n", "A", "x\ny", "[chess]\nA=x y\nB=2\n"},
+        {"[chess]\n;A=1\n", "A", "2", "[chess]\n;A=1\nA=2\n"},
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        CTempFolder folder;
+        if (!c.sBefore.empty()) folder.Write("test.ini", c.sBefore);
+        ASSERT_TRUE(CIniFile(folder.File("test.ini")).WriteString("chess", c.pszKey, c.pszValue));
+        EXPECT_EQ(folder.Read("test.ini"), c.sAfter) << c.sBefore;
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+    }
 }
-
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Values, IniWrite, ::testing::Values(
-    TWriteCase{"ReplacesKeepingEverythingElse", "; options\r\n[chess]\r\nA=1\r\nB=2\r\n[other]\r\nA=9\r\n", "a", "5",
-        "; options\r\n[chess]\r\nA=5\r\nB=2\r\n[other]\r\nA=9\r\n"},
-    TWriteCase{"KeepsSpellingOfSectionAndKey", "[CHESS]\nQuickMode = 1\n", "QUICKMODE", "0", "[CHESS]\nQuickMode =0\n"},
-    TWriteCase{"AddsKeyAtEndOfItsSection", "[chess]\nA=1\n\n[other]\nB=2\n", "C", "3",
-        "[chess]\nA=1\nC=3\n\n[other]\nB=2\n"},
-    TWriteCase{"AddsKeyToFirstSectionOfThatName", "[chess]\nA=1\n[chess]\nB=2\n", "C", "3",
-        "[chess]\nA=1\nC=3\n[chess]\nB=2\n"},
-    TWriteCase{"AppendsMissingSection", "[other]\nB=2", "A", "1", "[other]\nB=2\n\n[chess]\nA=1\n"},
-    TWriteCase{"NewLinesFollowFileLineEndings", "[other]\r\nB=2\r\n", "A", "1",
-        "[other]\r\nB=2\r\n\r\n[chess]\r\nA=1\r\n"},
-    TWriteCase{"CreatesMissingFile", "", "A", "1", "[chess]\nA=1\n"},
-    TWriteCase{"KeepsByteOrderMark", "\xEF\xBB\xBF[chess]\nA=1\n", "A", "2", "\xEF\xBB\xBF[chess]\nA=2\n"},
-    TWriteCase{"ValueStaysOneLine", "[chess]\nA=1\nB=2\n", "A", "x\ny", "[chess]\nA=x y\nB=2\n"},
-    TWriteCase{"DoesNotMatchCommentedKey", "[chess]\n;A=1\n", "A", "2", "[chess]\n;A=1\nA=2\n"}),
-    [](const auto& info) { return info.param.pszName; });
-// clang-format on
 
 TEST(IniWrite, FailureLeavesNoTemporaryFile) {
     CTempFolder folder;
@@ -115,6 +84,33 @@ TEST(IniWrite, FailureLeavesNoTemporaryFile) {
     std::filesystem::create_directory(folder.File("folder.ini"));  // the replacing rename fails
     EXPECT_FALSE(CIniFile(folder.File("folder.ini")).WriteInt("chess", "A", 1));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.File("")), {}), 1);
+}
+
+TEST(AutoSaveDescriptor, RoundTripsNamesTheSavingProcessAndCutsTheDescription) {
+    CTempFolder folder;
+    std::filesystem::path path = folder.File("AutoSave.tmpReg.ini");
+    TAutoSaveDescriptor saved;
+    saved.m_sDescription = "Kowalski, Szachy 1950, #7";
+    saved.m_nHeuristicsOnStart = 0x80000001u;
+    saved.m_bHeuristicsOnStartSelectedByUser = true;
+    saved.m_sHeuristicsOnStartString = "KeepBlackKingOnEdge,SyzygyLevels(5)";
+    saved.m_nMaxMemRatioForPrecalculatedData = 30;
+    saved.m_nMaxMemRatioPerProblem = 45;
+    saved.m_nProcessId = 1;  // ignored: the writer names itself
+    ASSERT_TRUE(WriteAutoSaveDescriptor(path, saved));
+
+    TAutoSaveDescriptor read = ReadAutoSaveDescriptor(path);
+    EXPECT_EQ(read.m_sDescription, saved.m_sDescription);
+    EXPECT_EQ(read.m_nHeuristicsOnStart, saved.m_nHeuristicsOnStart);
+    EXPECT_TRUE(read.m_bHeuristicsOnStartSelectedByUser);
+    EXPECT_EQ(read.m_sHeuristicsOnStartString, saved.m_sHeuristicsOnStartString);
+    EXPECT_EQ(read.m_nMaxMemRatioForPrecalculatedData, 30);
+    EXPECT_EQ(read.m_nMaxMemRatioPerProblem, 45);
+    EXPECT_EQ(read.m_nProcessId, getpid());
+    EXPECT_EQ(read.m_sProcessFileName, std::filesystem::read_symlink("/proc/self/exe").string());
+    saved.m_sDescription = std::string(3000, 'd');  // cut on reading
+    ASSERT_TRUE(WriteAutoSaveDescriptor(path, saved));
+    EXPECT_EQ(ReadAutoSaveDescriptor(path).m_sDescription.size(), kMaxDescriptionLength);
 }
 
 }  // namespace

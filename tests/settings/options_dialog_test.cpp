@@ -13,69 +13,54 @@ using TNotes = std::vector<std::string>;
 
 constexpr int kCurrentThreads = 4;
 
-// The dialog's fields, as it opens on the default options with 4 threads, and what its check says.
-struct TDialogCase {
-    const char* pszName;
-    std::string sPrecalcRatio = "20", sTempRegRatio = "20", sSchedulerLevels = "6", sLichessLevels = "1";
-    int nThreads = kCurrentThreads, nLevels = 1;
-    std::string sAutoSaveMinutes = "240", sAutoSaveMB = "256";
-    bool bLogMoves = false, bCustomScheduler = true;
-    std::string sFailure = {};
-    TNotes notes = {};
-
-    friend void PrintTo(const TDialogCase& c, std::ostream* os) { *os << c.pszName; }
-};
-
-class OptionsDialogCheck : public ::testing::TestWithParam<TDialogCase> {};
-using D = TDialogCase;
-
-TEST_P(OptionsDialogCheck, GivesFirstFailureOrNotes) {
-    const TDialogCase& c = GetParam();
-    TOptionsDialogFields fields = OptionsDialogFields(TOptions{}, kCurrentThreads);
-    fields.sMaxMemRatioForPrecalculatedData = c.sPrecalcRatio;
-    fields.sMaxMemRatioForTempReg = c.sTempRegRatio;
-    fields.sSchedulerLevels = c.sSchedulerLevels;
-    fields.sLichessLevels = c.sLichessLevels;
-    fields.nThreads = c.nThreads;
-    fields.nMultithreadingLevels = c.nLevels;
-    fields.sAutoSaveMinutes = c.sAutoSaveMinutes;
-    fields.sAutoSaveMB = c.sAutoSaveMB;
-    fields.options.m_bLogMoves = c.bLogMoves;
-    fields.options.m_bCustomScheduler = c.bCustomScheduler;
-    const TOptionsDialogCheck check = CheckOptionsDialog(fields, kCurrentThreads);
-    EXPECT_EQ(check.sFailure, c.sFailure);
-    EXPECT_EQ(check.notes, c.notes);
+// The dialog's fields, as it opens on the default options with 4 threads, and what its check says:
+// the first failure, or the notes.
+TEST(OptionsDialogCheck, GivesFirstFailureOrNotes) {
+    struct TDialogCase {
+        std::string sPrecalcRatio = "20", sTempRegRatio = "20", sSchedulerLevels = "6", sLichessLevels = "1";
+        int nThreads = kCurrentThreads, nLevels = 1;
+        std::string sAutoSaveMinutes = "240";
+        bool bLogMoves = false, bCustomScheduler = true;
+        std::string sFailure = {};
+        TNotes notes = {};
+    };
+    using D = TDialogCase;
+    // clang-format off
+    const TDialogCase cases[] = {
+        D{.sPrecalcRatio = "101", .sFailure = kBadPrecalcMemRatio}, D{.sPrecalcRatio = "20%", .sFailure = kBadPrecalcMemRatio},
+        D{.sTempRegRatio = "-1", .sFailure = kBadTempRegMemRatio},
+        D{.sPrecalcRatio = "x", .sTempRegRatio = "x", .sFailure = kBadPrecalcMemRatio},  // the first of two
+        D{.sSchedulerLevels = "10", .sFailure = kBadSchedulerLevels},
+        D{.sLichessLevels = "-2", .sFailure = kBadLichessLevels}, D{.sLichessLevels = "256", .sFailure = kBadLichessLevels},
+        D{.nThreads = 64, .nLevels = 3, .sFailure = kTooManyThreads},
+        D{.nThreads = 2, .nLevels = 100, .sFailure = kTooManyThreads},  // adjusted levels still too many
+        D{.sAutoSaveMinutes = "-1", .sFailure = kBadAutoSave},
+        D{}, D{.sSchedulerLevels = " 3 "}, D{.sLichessLevels = "-1"},
+        D{.nThreads = 64, .nLevels = 2, .notes = {kThreadsNotSaved}}, D{.nThreads = 0, .notes = {kThreadsNotSaved}},
+        D{.nLevels = 0, .notes = {kMultithreadingLevelsAdjusted}},
+        D{.sSchedulerLevels = "0", .notes = {kCustomSchedulerOff}}, D{.sSchedulerLevels = "0", .bCustomScheduler = false},
+        D{.bLogMoves = true, .notes = {kSchedulerWithFullLog}},
+        D{.sSchedulerLevels = "0", .nThreads = 1, .nLevels = 65, .bLogMoves = true,  // in the order of the checks
+          .notes = {kMultithreadingLevelsAdjusted, kThreadsNotSaved, kCustomSchedulerOff}},
+    };
+    // clang-format on
+    for (size_t i = 0; i < std::size(cases); ++i) {
+        const TDialogCase& c = cases[i];
+        TOptionsDialogFields fields = OptionsDialogFields(TOptions{}, kCurrentThreads);
+        fields.sMaxMemRatioForPrecalculatedData = c.sPrecalcRatio;
+        fields.sMaxMemRatioForTempReg = c.sTempRegRatio;
+        fields.sSchedulerLevels = c.sSchedulerLevels;
+        fields.sLichessLevels = c.sLichessLevels;
+        fields.nThreads = c.nThreads;
+        fields.nMultithreadingLevels = c.nLevels;
+        fields.sAutoSaveMinutes = c.sAutoSaveMinutes;
+        fields.options.m_bLogMoves = c.bLogMoves;
+        fields.options.m_bCustomScheduler = c.bCustomScheduler;
+        const TOptionsDialogCheck check = CheckOptionsDialog(fields, kCurrentThreads);
+        EXPECT_EQ(check.sFailure, c.sFailure) << "case " << i;
+        EXPECT_EQ(check.notes, c.notes) << "case " << i;
+    }
 }
-
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Failures, OptionsDialogCheck, ::testing::Values(
-    D{.pszName = "PrecalcRatioAbove100", .sPrecalcRatio = "101", .sFailure = kBadPrecalcMemRatio},
-    D{.pszName = "PrecalcRatioNotANumber", .sPrecalcRatio = "20%", .sFailure = kBadPrecalcMemRatio},
-    D{.pszName = "TempRatioNegative", .sTempRegRatio = "-1", .sFailure = kBadTempRegMemRatio},
-    D{.pszName = "FirstOfTwoFailures", .sPrecalcRatio = "x", .sTempRegRatio = "x",
-      .sFailure = kBadPrecalcMemRatio},
-    D{.pszName = "SchedulerLevelsAbove9", .sSchedulerLevels = "10", .sFailure = kBadSchedulerLevels},
-    D{.pszName = "LichessLevelsBelowMinusOne", .sLichessLevels = "-2", .sFailure = kBadLichessLevels},
-    D{.pszName = "LichessLevelsAbove255", .sLichessLevels = "256", .sFailure = kBadLichessLevels},
-    D{.pszName = "SixtyFourThreadsOnThreeLevels", .nThreads = 64, .nLevels = 3, .sFailure = kTooManyThreads},
-    D{.pszName = "AdjustedLevelsStillTooMany", .nThreads = 2, .nLevels = 100, .sFailure = kTooManyThreads},
-    D{.pszName = "AutoSaveMinutesNegative", .sAutoSaveMinutes = "-1", .sFailure = kBadAutoSave}),
-    [](const auto& info) { return info.param.pszName; });
-
-INSTANTIATE_TEST_SUITE_P(Notes, OptionsDialogCheck, ::testing::Values(
-    D{.pszName = "UnchangedIsQuiet"},
-    D{.pszName = "BlanksAroundNumbers", .sSchedulerLevels = " 3 "},
-    D{.pszName = "LichessOffEverywhere", .sLichessLevels = "-1"},
-    D{.pszName = "SixtyFourThreadsOnTwoLevels", .nThreads = 64, .nLevels = 2, .notes = {kThreadsNotSaved}},
-    D{.pszName = "ThreadsClampedSilently", .nThreads = 0, .notes = {kThreadsNotSaved}},
-    D{.pszName = "LevelsZeroAdjusted", .nLevels = 0, .notes = {kMultithreadingLevelsAdjusted}},
-    D{.pszName = "SchedulerOffWithCustomScheduler", .sSchedulerLevels = "0", .notes = {kCustomSchedulerOff}},
-    D{.pszName = "SchedulerOffWithoutCustomScheduler", .sSchedulerLevels = "0", .bCustomScheduler = false},
-    D{.pszName = "FullLogWithScheduler", .bLogMoves = true, .notes = {kSchedulerWithFullLog}},
-    D{.pszName = "NotesInOrderOfChecks", .sSchedulerLevels = "0", .nThreads = 1, .nLevels = 65, .bLogMoves = true,
-      .notes = {kMultithreadingLevelsAdjusted, kThreadsNotSaved, kCustomSchedulerOff}}),
-    [](const auto& info) { return info.param.pszName; });
-// clang-format on
 
 TEST(OptionsDialogCheck, TakesTypedValues) {
     TOptionsDialogFields fields = OptionsDialogFields(TOptions{}, kCurrentThreads);

@@ -21,51 +21,38 @@ TReports Reports(const CRecordingReporter& reporter) {
     return reports;
 }
 
-struct TReadCase {
-    const char* pszName;
-    std::string sChess;  // the lines of section "chess"
-    long long (*value)(const TOptions&);
-    long long nExpected;
-    TReports reports = {};
-
-    friend void PrintTo(const TReadCase& c, std::ostream* os) { *os << c.pszName; }
-};
-
-class OptionsRead : public ::testing::TestWithParam<TReadCase> {};
-
-TEST_P(OptionsRead, SettlesValuesAndReports) {
-    CTempFolder folder;
-    CRecordingReporter reporter;
-    TOptions options =
-        ReadOptions(folder.Write("options.ini", "[chess]\n" + GetParam().sChess), reporter, kGiB);
-    EXPECT_EQ(GetParam().value(options), GetParam().nExpected);
-    EXPECT_EQ(Reports(reporter), GetParam().reports);
-}
-
 #define FIELD(m) [](const TOptions& o) -> long long { return static_cast<long long>(o.m); }
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Rules, OptionsRead, ::testing::Values(
-    TReadCase{"SchedulerLevelsZeroIsOneLevel", "SchedulerLevels=0\n", FIELD(m_nSchedulerLevels), 1},
-    TReadCase{"SchedulerLevelsMinusOneIsOff", "SchedulerLevels=-1\n", FIELD(m_nSchedulerLevels), 0},
-    TReadCase{"MultithreadingLevelsReadAsOne", "MultithreadingLevels=3\n", FIELD(m_nMultithreadingLevels), 1},
-    TReadCase{"MultithreadingLevelsZeroStays", "MultithreadingLevels=0\n", FIELD(m_nMultithreadingLevels), 0},
-    TReadCase{"SortIndicationsAboveTwoReadAsTwo", "UseMainVariantAsSortIndications=7\n",
-        FIELD(m_nUseMainVariantAsSortIndications), 2},
-    TReadCase{"RecompressionLoweredOnce", "AskForGlobalRegisterRecompression=3\nUseDataPackedForRandomAccess=2\n",
-              FIELD(m_byAskForGlobalRegisterRecompression), 2, {{"Warning", kRecompressionAboveRandomAccess}}},
-    TReadCase{"RecompressionEqualIsQuiet", "AskForGlobalRegisterRecompression=1\nUseDataPackedForRandomAccess=1\n",
-              FIELD(m_byAskForGlobalRegisterRecompression), 1},
-    // Custom logging turns the full log on after its warning would have been given.
-    TReadCase{"CustomLoggingForcesFullLog", "CustomLogging=5\n", FIELD(m_bLogMoves), 1, {{"Information",
-        kCustomLoggingOn}}},
-    TReadCase{"BothLogsInRuleOrder", "LogMoves=1\nCustomLogging=1\nLanguageId=0\n", FIELD(m_bLogMoves), 1,
-              {{"Warning", kFullLogOnAtStart}, {"Informacja", kCustomLoggingOn}}},
-    TReadCase{"UkrainianTitle", "LanguageId=2\nCustomLogging=1\n", FIELD(m_nLanguageId), 2, {{"Інформація",
-        kCustomLoggingOn}}},
-    TReadCase{"TextReadsAsZero", "AutoSaveMinutes=abc\n", FIELD(m_nAutoSaveMinutes), 0},
-    TReadCase{"PrecalcPathCutTo255", "PrecalcPath=" + std::string(300, 'p') + "\n", FIELD(m_sPrecalcPath.size()), 255}),
-    [](const auto& info) { return info.param.pszName; });
-// clang-format on
+TEST(OptionsRead, SettlesValuesAndReports) {
+    // The lines of section "chess", a value read and what it must be, the reports given.
+    // clang-format off
+    const struct { std::string sChess; long long (*value)(const TOptions&); long long nExpected; TReports reports; }
+        cases[] = {
+        {"SchedulerLevels=0\n", FIELD(m_nSchedulerLevels), 1, {}},  // one level
+        {"SchedulerLevels=-1\n", FIELD(m_nSchedulerLevels), 0, {}},  // off
+        {"MultithreadingLevels=3\n", FIELD(m_nMultithreadingLevels), 1, {}},
+        {"MultithreadingLevels=0\n", FIELD(m_nMultithreadingLevels), 0, {}},
+        {"UseMainVariantAsSortIndications=7\n", FIELD(m_nUseMainVariantAsSortIndications), 2, {}},
+        {"AskForGlobalRegisterRecompression=3\nUseDataPackedForRandomAccess=2\n",
+         FIELD(m_byAskForGlobalRegisterRecompression), 2, {{"Warning", kRecompressionAboveRandomAccess}}},
+        {"AskForGlobalRegisterRecompression=1\nUseDataPackedForRandomAccess=1\n",
+         FIELD(m_byAskForGlobalRegisterRecompression), 1, {}},
+        // Custom logging turns the full log on after its warning would have been given.
+        {"CustomLogging=5\n", FIELD(m_bLogMoves), 1, {{"Information", kCustomLoggingOn}}},
+        {"LogMoves=1\nCustomLogging=1\nLanguageId=0\n", FIELD(m_bLogMoves), 1,
+         {{"Warning", kFullLogOnAtStart}, {"Informacja", kCustomLoggingOn}}},
+        {"LanguageId=2\nCustomLogging=1\n", FIELD(m_nLanguageId), 2, {{"Інформація", kCustomLoggingOn}}},
+        {"AutoSaveMinutes=abc\n", FIELD(m_nAutoSaveMinutes), 0, {}},
+        {"PrecalcPath=" + std::string(300, 'p') + "\n", FIELD(m_sPrecalcPath.size()), 255, {}},
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        CTempFolder folder;
+        CRecordingReporter reporter;
+        TOptions options = ReadOptions(folder.Write("options.ini", "[chess]\n" + c.sChess), reporter, kGiB);
+        EXPECT_EQ(c.value(options), c.nExpected) << c.sChess;
+        EXPECT_EQ(Reports(reporter), c.reports) << c.sChess;
+    }
+}
 #undef FIELD
 
 TEST(OptionsRead, KeysOnlyEditedByHand) {
@@ -85,7 +72,8 @@ TEST(OptionsRead, KeysOnlyEditedByHand) {
     expected.m_byAskForGlobalRegisterRecompression = expected.m_byUseDataPackedForRandomAccess = 1;
     expected.m_sPrecalcPath = "/data";
     expected.m_bAskIfSaveAfterDecompressAllToMem = expected.m_bLogToFileTmpRegLoad = true;
-    expected.m_bCustomizedVersion = expected.m_bScalingWarningDismissed = expected.m_bExtendedTempRegDetails = true;
+    expected.m_bCustomizedVersion = expected.m_bScalingWarningDismissed = expected.m_bExtendedTempRegDetails =
+        true;
     expected.m_bAddTestCrashHandlerMenuItem = expected.m_bUseSystemCrashHandler = true;
     expected.m_bRunRegressionTestInLoop = true;
     expected.m_nMaxStipulationForBulkInsert = 9;
