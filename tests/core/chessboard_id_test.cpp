@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "test_board.h"
-#include "test_errors.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {
@@ -107,8 +106,8 @@ TEST(ChessboardId, DecodeStopsAtSixtyFourSquares) {
 }
 
 TEST(Alphanum, SixBitGroupsUseTheWholeAlphabetAndCrossBytes) {
-    const std::pair<uint8_t, char> cases[] = {{0, '0'}, {9, '9'}, {10, 'a'}, {35, 'z'}, {36, 'A'}, {61, 'Z'}, {62,
-        '('}, {63, ')'}};
+    const std::pair<uint8_t, char> cases[] = {{0, '0'},  {9, '9'},  {10, 'a'}, {35, 'z'},
+                                              {36, 'A'}, {61, 'Z'}, {62, '('}, {63, ')'}};
     for (const auto& [value, letter] : cases) {
         TChessboardId id;
         id.bitCount = 6;
@@ -123,7 +122,11 @@ TEST(Alphanum, SixBitGroupsUseTheWholeAlphabetAndCrossBytes) {
 }
 
 TEST(Alphanum, FiveBitGroups) {
-    struct Case { std::vector<uint8_t> bytes; int bitCount; const char* text; };
+    struct Case {
+        std::vector<uint8_t> bytes;
+        int bitCount;
+        const char* text;
+    };
     // With 8 bits of 0xFF 0xFF the second group is bits 5..7 and two zeros, not bits 8 and 9.
     const Case cases[] = {
         {{0x00}, 5, "0"},         {{0x09}, 5, "9"},        {{0x0A}, 5, "a"}, {{0x1F}, 5, "v"},

@@ -7,9 +7,7 @@
 #include <vector>
 
 #include "core/movegen.h"
-#include "test_board.h"
-#include "test_errors.h"
-#include "test_line.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {

@@ -3,17 +3,16 @@
 #include <gtest/gtest.h>
 
 #include "core/attacks.h"
-#include "test_board.h"
+#include "core/gives_check.h"
+#include "core/notation.h"
+#include "core/perft.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {
 
 using test::Board;
-
-TMove M(const char* from, const char* to, uint8_t promotion = 0) {
-    auto sq = [](const char* s) { return static_cast<Square>(MakeSquare(s[0] - 'a', s[1] - '1')); };
-    return TMove{sq(from), sq(to), promotion};
-}
+using test::M;
 
 TEST(Attacks, AnswerNamesSingleAttackerOrMany) {
     // d4 is hit by the rook on d1 and the bishop on a7; e5 only by the rook on a5; h3 by nobody.
@@ -80,15 +79,6 @@ TEST(LegalMoves, EnPassantOnlyAfterDoubleStepInsideTheLine) {
     EXPECT_EQ(afterSecond.epSquare, kNoSquare);
 }
 
-TEST(LegalMoves, EnPassantThatUncoversTheKingIsIllegal) {
-    const TChessboard b = Board("8/8/8/8/k2p3R/8/4P3/4K3 w");
-    TChessboard after;
-    PlayMove(b, M("e2", "e4"), after);
-    TMoveList list;
-    GenerateLegalMoves(after, list);
-    EXPECT_FALSE(list.Contains(M("d4", "e3")));
-}
-
 TEST(PlayMove, KeepsDerivedFieldsUpToDate) {
     const TChessboard b = Board("r3k3/1P6/8/8/8/8/8/4K2R w Kq -");
     TChessboard promoted, castled;
@@ -113,6 +103,66 @@ TEST(Mate, MateAndStalemateAreTold) {
     EXPECT_FALSE(IsStalemate(Board("R5k1/5ppp/8/8/8/8/8/6K1 b")));
     EXPECT_TRUE(IsStalemate(Board("7k/5Q2/8/8/8/8/8/K7 b")));
     EXPECT_FALSE(IsMate(Board("7k/5Q2/8/8/8/8/8/K7 b")));
+}
+
+// Walks every line of `depth` half-moves and compares the quick check test with the position
+// actually played: direct, discovered and double checks, promotions, castling and en passant.
+void CompareAlongTree(const TChessboard& board, int depth, int& compared) {
+    TMoveList list;
+    GenerateLegalMoves(board, list);
+    for (const TMove& m : list) {
+        TChessboard after;
+        PlayMove(board, m, after);
+        ASSERT_EQ(GivesCheck(board, m), after.InCheck()) << MoveToText(board, m);
+        ++compared;
+        if (depth > 1) CompareAlongTree(after, depth - 1, compared);
+    }
+}
+
+TEST(GivesCheck, AgreesWithThePlayedPosition) {
+    const char* fens[] = {
+        "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -",
+        "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -",
+        "r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq - 0 1",
+        "rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ - 1 8",
+        "1k6/1P6/8/8/8/8/8/1R2K3 w - -",  // promotion uncovering the file behind it
+        "5k2/8/8/8/8/8/8/4K2R w K -",     // check by the castling rook
+    };
+    int compared = 0;
+    for (const char* fen : fens) CompareAlongTree(test::Board(fen), 3, compared);
+    EXPECT_GT(compared, 100000);
+}
+
+struct PerftCase {
+    const char* name;
+    const char* fen;
+    int depth;
+    uint64_t nodes;
+};
+
+// The published reference counts; each position stresses other rules (castling through attacked
+// squares, en passant discoveries, promotions with capture, checks by pawns, pins).
+const PerftCase kCases[] = {
+    {"initial", "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1", 5, 4865609},
+    {"kiwipete", "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -", 4, 4085603},
+    {"endgame ep", "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -", 5, 674624},
+    {"promotions", "r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq - 0 1", 4, 422333},
+    {"promotions mirrored", "r2q1rk1/pP1p2pp/Q4n2/bbp1p3/Np6/1B3NBn/pPPP1PPP/R3K2R b KQ - 0 1", 4, 422333},
+    {"talkchess", "rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ - 1 8", 4, 2103487},
+    {"middlegame", "r4rk1/1pp1qppp/p1np1n2/2b1p1B1/2B1P1b1/P1NP1N2/1PP1QPPP/R4RK1 w - - 0 10", 4, 3894594},
+};
+
+TEST(Perft, PublishedCounts) {
+    for (const PerftCase& c : kCases) {
+        EXPECT_EQ(Perft(test::Board(c.fen), c.depth), c.nodes) << c.name;
+    }
+}
+
+TEST(Perft, DivideSumsToTotal) {
+    const TChessboard board = test::Board(kCases[1].fen);
+    uint64_t sum = 0;
+    for (const TPerftDivision& d : PerftDivide(board, 3)) sum += d.nodes;
+    EXPECT_EQ(sum, 97862u);
 }
 
 }  // namespace

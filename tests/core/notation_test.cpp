@@ -6,22 +6,18 @@
 #include <vector>
 
 #include "core/fen.h"
-#include "test_board.h"
-#include "test_errors.h"
-#include "test_line.h"
+#include "core/pieces.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {
 
 using test::ErrorOf;
+using test::M;
 using test::kNoError;
 using test::TestLine;
 
 const char* const kStart = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";
-
-TMove M(const char* from, const char* to, uint8_t promotion = 0) {
-    return TMove{static_cast<Square>(String2Square(from)), static_cast<Square>(String2Square(to)), promotion};
-}
 
 TEST(String2Square, ReadsSquaresInEitherCaseAndRejectsTheRest) {
     for (int sq = 0; sq < 64; ++sq) EXPECT_EQ(String2Square(SquareText(sq)), sq);
@@ -77,7 +73,9 @@ TEST(ParseFullDescription, MovesAndErrors) {
 }
 
 // A long problem, so that every line fits; the side to move is the FEN's.
-TChessboard Start(const std::string& fen) { return test::Problem(fen, FenWhiteToMove(fen) ? 9 : 8); }
+TChessboard Start(const std::string& fen) {
+    return test::Problem(fen, FenWhiteToMove(fen) ? 9 : 8);
+}
 
 // The FEN after the moves, or the message of the failing last move.
 std::string Outcome(const char* fen, const char* moves) {
@@ -113,7 +111,8 @@ TEST(MakeMove, RefusesShortImproperAndIllegalMoves) {
         {"4k3/3p4/8/4P3/8/8/8/4K3 b", "d7-d5 Ke1-d1 Ke8-f7 e5:d6", illegal},
     };
     // clang-format on
-    for (const MakeMoveCase& c : cases) EXPECT_EQ(Outcome(c.fen, c.moves), c.outcome) << c.fen << " " << c.moves;
+    for (const MakeMoveCase& c : cases)
+        EXPECT_EQ(Outcome(c.fen, c.moves), c.outcome) << c.fen << " " << c.moves;
 }
 
 TEST(MakeMove, PlaysLongNotation) {
@@ -140,7 +139,8 @@ TEST(MakeMove, PlaysLongNotation) {
 
 TEST(MakeMove, ReturnsTheMoveAndLinksTheChild) {
     const TChessboard board = test::Board("5r1k/4P3/8/8/8/8/8/R3K3 w Q - 0 1");
-    const std::pair<const char*, TMove> cases[] = {{"e7:f8N", M("e7", "f8", kKnight)}, {"0-0-0", M("e1", "c1")}};
+    const std::pair<const char*, TMove> cases[] = {{"e7:f8N", M("e7", "f8", kKnight)},
+                                                   {"0-0-0", M("e1", "c1")}};
     for (const auto& [text, expected] : cases) {
         TChessboard child;
         const TMove move = MakeMove(board, text, child);
@@ -172,6 +172,46 @@ TEST(SolutionLine, NumbersMovesAndMarksChecks) {
             moves.insert(moves.begin(), b->lastMove);
         EXPECT_EQ(SolutionLine(start, moves), c.line) << c.fen;
     }
+}
+
+TEST(Pieces, LettersReadInFenAndInMoveTexts) {
+    const struct {
+        char letter;
+        uint8_t type;       // 0: unknown
+        bool moveTextOnly;  // a German letter, read in move texts only
+    } cases[] = {
+        {'K', kKing, false},   {'k', kKing, false},   {'Q', kQueen, false},  {'h', kQueen, false},
+        {'H', kQueen, false},  {'R', kRook, false},   {'w', kRook, false},   {'B', kBishop, false},
+        {'G', kBishop, false}, {'N', kKnight, false}, {'s', kKnight, false}, {'P', kPawn, false},
+        {'D', kQueen, true},   {'T', kRook, true},    {'L', kBishop, true},  {'X', 0, false},
+        {'O', 0, false},
+    };
+    for (const auto& c : cases) {
+        for (bool moveText : {false, true}) {
+            uint8_t type = 0;
+            const std::string error = ErrorOf([&] { type = TypeFromLetter(c.letter, moveText); });
+            const bool known = c.type != 0 && (moveText || !c.moveTextOnly);
+            EXPECT_EQ(error, known ? kNoError : std::string("Unknown figure letter: ") + c.letter)
+                << c.letter;
+            if (known) {
+                EXPECT_EQ(type, c.type) << c.letter;
+            }
+        }
+    }
+}
+
+TEST(Pieces, ColumnsRoundTrip) {
+    const uint8_t types[] = {kKing, kQueen, kRook, kBishop, kKnight, kPawn};
+    for (int column = 0; column < 6; ++column) {
+        EXPECT_EQ(ColumnToPiece(column), types[column]);
+        EXPECT_EQ(PieceToColumn(types[column]), column);
+    }
+    EXPECT_EQ(ColumnToPiece(6), kPawn);
+    EXPECT_EQ(PieceToColumn(kEmpty), -1);
+    for (int column : {-1, 7})
+        EXPECT_EQ(ErrorOf([&] { ColumnToPiece(column); }), "Cannot convert column to piece.");
+    for (uint8_t type : {uint8_t{3}, uint8_t{kWhite | kKing}})
+        EXPECT_EQ(ErrorOf([&] { PieceToColumn(type); }), "Unknown figure code passed to PieceToColumn.");
 }
 
 }  // namespace

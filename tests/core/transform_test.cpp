@@ -6,8 +6,7 @@
 
 #include "core/fen.h"
 #include "core/movegen.h"
-#include "test_board.h"
-#include "test_line.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {

@@ -6,8 +6,7 @@
 
 #include "core/chess_exception.h"
 #include "core/fen.h"
-#include "test_board.h"
-#include "test_errors.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {
@@ -84,7 +83,7 @@ TEST(Validation, IndexableSquaresAreTheFirstPiecesUntilTheLimitBreaks) {
     TChessboard b;
     ReadFen("4k2K/8/8/8/8/8/8/RNBQ1BNR", b);
     EXPECT_TRUE(b.whiteMaterialIndexable);
-    const int squares[] = {b.whiteRookSquares[0], b.whiteRookSquares[1], b.whiteKnightSquares[0],
+    const int squares[] = {b.whiteRookSquares[0],   b.whiteRookSquares[1],   b.whiteKnightSquares[0],
                            b.whiteKnightSquares[1], b.whiteBishopSquares[0], b.whiteBishopSquares[1]};
     const int expected[] = {0, 7, 1, 6, 2, 5};
     for (int i = 0; i < 6; ++i) EXPECT_EQ(squares[i], expected[i]) << i;
