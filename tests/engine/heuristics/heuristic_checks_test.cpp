@@ -31,8 +31,10 @@ struct TMessageCase {
 };
 
 TEST(HeuristicChecks, EveryMessage) {
-    const std::string conflict = "Conflict of heuristics (\"Don't let bl.king move (unless immed.mate)\" and ";
-    const std::string allowExc = "Heuristics 'Don't let black king move' is off, while 'allow exc' is on.\nIt "
+    const std::string conflict =
+        "Conflict of heuristics (\"Don't let bl.king move (unless immed.mate)\" and ";
+    const std::string allowExc =
+        "Heuristics 'Don't let black king move' is off, while 'allow exc' is on.\nIt "
         "requires correction.";
     const std::string capture = "Invalid number of figures to capture for relaxation of edge heuristics";
     // clang-format off

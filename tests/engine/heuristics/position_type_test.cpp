@@ -2,21 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "core/fen.h"
-#include "core/validation.h"
-#include "tests/core/test_line.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {
 
-// The start of a "#moves" problem.
-TChessboard Root(const char* fen, int moves) {
-    return test::Problem(fen, 2 * moves - 1);
-}
+using test::Directmate;
 
 TEST(PositionType, FactsOfMaterialAndBlackKing) {
     // Black: Kh8, Rg8, Bf8, pawns g7 (pinned by the queen) and h7; White: Ke1, Qa1, Bh1.
-    const TRootFacts f = RootFacts(Root("5brk/6pp/8/8/8/8/8/Q3K2B w", 5));
+    const TRootFacts f = RootFacts(Directmate("5brk/6pp/8/8/8/8/8/Q3K2B w", 5));
     EXPECT_EQ(f.stipulationMoves, 5);
     EXPECT_EQ(
         std::vector<int>({f.whiteFigures, f.blackFigures, f.blackPawns, f.whiteMaterial, f.blackMaterial}),
@@ -52,24 +47,24 @@ TEST(PositionType, ChosenRulesFollowThePosition) {
     };
     // clang-format on
     for (const auto& c : cases) {
-        const uint32_t mask = PositionTypeHeuristics(Root(c.fen, c.moves)).mask;
+        const uint32_t mask = PositionTypeHeuristics(Directmate(c.fen, c.moves)).mask;
         EXPECT_EQ(mask & c.has, c.has) << c.fen;
         EXPECT_EQ(mask & c.hasNot, 0u) << c.fen;
     }
     // The parameters: STRICT in the corner without flights, not with one; the blocked squares; the door.
-    EXPECT_EQ(PositionTypeHeuristics(Root("5brk/6pp/8/8/8/8/8/Q3K2B w", 8)).params.kingMode,
+    EXPECT_EQ(PositionTypeHeuristics(Directmate("5brk/6pp/8/8/8/8/8/Q3K2B w", 8)).params.kingMode,
               TKingMode::Strict);
-    EXPECT_EQ(PositionTypeHeuristics(Root("k7/8/1K6/8/8/8/8/7R w", 8)).params.kingMode, TKingMode::Off);
-    const THeuristicSet blocked = PositionTypeHeuristics(Root("rbk5/ppp5/8/8/8/8/7R/4KBQR w", 8));
+    EXPECT_EQ(PositionTypeHeuristics(Directmate("k7/8/1K6/8/8/8/8/7R w", 8)).params.kingMode, TKingMode::Off);
+    const THeuristicSet blocked = PositionTypeHeuristics(Directmate("rbk5/ppp5/8/8/8/8/7R/4KBQR w", 8));
     ASSERT_EQ(blocked.params.blockedCount, 2);
     EXPECT_EQ(blocked.params.blockedFigures[0] + 100 * blocked.params.blockedFigures[1], 56 + 5700);
-    EXPECT_EQ(PositionTypeHeuristics(Root("7k/6pp/5N2/8/8/8/8/4K3 w", 8)).params.keySquare, 62);
+    EXPECT_EQ(PositionTypeHeuristics(Directmate("7k/6pp/5N2/8/8/8/8/4K3 w", 8)).params.keySquare, 62);
 }
 
 TEST(PositionType, SeaSnakeFindsPendulumAndTriangle) {
     // Black can only swing Bg8-f7-g8; the white king b2 has free room for its triangle.
     const char* snake = "4k1b1/R5Bp/4p1pP/B3P1P1/8/8/1K6/8 w";
-    THeuristicSet s = PositionTypeHeuristics(Root(snake, 9));
+    THeuristicSet s = PositionTypeHeuristics(Directmate(snake, 9));
     ASSERT_TRUE(s.Has(SH_SEASNAKE));
     EXPECT_EQ(s.params.seaSnake.pendulum[0], 62);
     EXPECT_EQ(s.params.seaSnake.pendulum[1], 53);
@@ -81,17 +76,17 @@ TEST(PositionType, SeaSnakeFindsPendulumAndTriangle) {
 
 TEST(PositionType, DynamicDlfuWhenTheKingWallsInItsFigures) {
     // Only the rook h8 is shut in; Ke7-f7 would shut in the bishop g8 too.
-    TPositionType t = PositionTypeCheck(Root("6br/4k1pp/8/8/8/8/8/K2R4 w", 8));
+    TPositionType t = PositionTypeCheck(Directmate("6br/4k1pp/8/8/8/8/8/K2R4 w", 8));
     EXPECT_TRUE(t.pendingDynamicDlfu);
     EXPECT_FALSE(t.set.Has(SH_DONTLETFIGUREUNBLOCK));
     ASSERT_EQ(t.set.params.blockedCount, 2);
     EXPECT_EQ(t.set.params.blockedFigures[0], 62);
     EXPECT_EQ(t.set.params.blockedFigures[1], 63);
     // A king far away walls in nothing.
-    t = PositionTypeCheck(Root("6br/6pp/8/8/4k3/8/8/K2R4 w", 8));
+    t = PositionTypeCheck(Directmate("6br/6pp/8/8/4k3/8/8/K2R4 w", 8));
     EXPECT_FALSE(t.pendingDynamicDlfu);
     // Figures already shut in at the start get the static rule instead.
-    t = PositionTypeCheck(Root("rbk5/ppp5/8/8/8/8/7R/4KBQR w", 8));
+    t = PositionTypeCheck(Directmate("rbk5/ppp5/8/8/8/8/7R/4KBQR w", 8));
     EXPECT_FALSE(t.pendingDynamicDlfu);
     EXPECT_TRUE(t.set.Has(SH_DONTLETFIGUREUNBLOCK));
 }

@@ -11,25 +11,18 @@
 #include <string>
 #include <vector>
 
-#include "core/fen.h"
-#include "core/validation.h"
-#include "tests/core/test_line.h"
+#include "tests/support/positions.h"
 #include "tests/support/temp_folder.h"
 
 namespace moremate {
 namespace {
 
-// The start of a "#moves" problem.
-TChessboard Root(const char* fen, int moves) {
-    return test::Problem(fen, 2 * moves - 1);
-}
-
 // Black Kh8 walled in by Rg8 (immobile), Bf8 and pawns g7 (pinned), h7; White Ke1, Qa1, Bh1. #5.
-const TChessboard kCornered = Root("5brk/6pp/8/8/8/8/8/Q3K2B w", 8);
+const TChessboard kCornered = test::Directmate("5brk/6pp/8/8/8/8/8/Q3K2B w", 8);
 // Black king alone in the middle; White Ke1, Ra1, pawns a2, b2. #12.
-const TChessboard kOpen = Root("8/8/8/3k4/8/8/PP6/R3K3 w", 12);
+const TChessboard kOpen = test::Directmate("8/8/8/3k4/8/8/PP6/R3K3 w", 12);
 // A single white rook. #12.
-const TChessboard kLoneRook = Root("8/8/8/3k4/8/8/8/R3K3 w", 12);
+const TChessboard kLoneRook = test::Directmate("8/8/8/3k4/8/8/8/R3K3 w", 12);
 
 using testing::CTempFolder;
 
@@ -335,7 +328,7 @@ TEST(Relaxation, TimeDependentModeAdvance) {
     EXPECT_TRUE(TryRelaxSpecialHeuristics(s, Env(kOpen, 10)));
     EXPECT_EQ(s.set.params.ffm.mode, kFfmThreat1Plus);  // landed on "#1"
     // "CheckOnly" stays while Black has a queen: the heuristic goes.
-    const TChessboard withQueen = Root("8/8/8/3k4/8/8/8/R3K2q w", 12);
+    const TChessboard withQueen = test::Directmate("8/8/8/3k4/8/8/8/R3K2q w", 12);
     EXPECT_FALSE(TryRelaxSpecialHeuristics(queen, Env(withQueen, 10)));
     EXPECT_FALSE(queen.timeDependentReached);
     // The end time is stored once per step.

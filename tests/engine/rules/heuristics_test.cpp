@@ -3,19 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
-#include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "engine/search/mate_search.h"
 #include "engine/state/search_result.h"
-#include "tests/core/test_line.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {
 
-using TTune = void (*)(THeuristicParameters&);
+using TTune = std::function<void(THeuristicParameters&)>;
 
 THeuristicSet With(uint32_t bits, TTune tune = nullptr) {
     THeuristicSet set;
@@ -85,10 +84,8 @@ TEST(SpecialHeuristics, KingMayNotMove) {
 }
 
 TEST(SpecialHeuristics, CornerDistanceInSquaresAndMoves) {
-    const auto corner = [](int8_t distance) {
-        THeuristicSet set = With(SH_KEEPKINGNEARCORNER);
-        set.params.cornerDistance = distance;
-        return set;
+    const auto corner = [](int8_t d) {
+        return With(SH_KEEPKINGNEARCORNER, [d](auto& p) { p.cornerDistance = d; });
     };
     const char* fen = "8/8/8/8/8/8/2k5/4K2R w";
     ExpectVerdicts({
@@ -109,12 +106,12 @@ TEST(SpecialHeuristics, EdgeRelaxation) {
         p.edgeRelaxation.extEdgeOnly = true;
     });
     const auto defer = [](bool skip) {
-        THeuristicSet set = With(SH_KEEPKINGONTHEEDGE);
-        set.params.edgeRelaxation.figuresToCapture = 1;
-        set.params.edgeRelaxation.deferCheck = true;
-        set.params.edgeRelaxation.deferMoves = 1;
-        set.params.edgeRelaxation.skipDeferIfNoBalanceChange = skip;
-        return set;
+        return With(SH_KEEPKINGONTHEEDGE, [skip](auto& p) {
+            p.edgeRelaxation = {.figuresToCapture = 1,
+                                .deferCheck = true,
+                                .deferMoves = 1,
+                                .skipDeferIfNoBalanceChange = skip};
+        });
     };
     const char* knight = "k7/1n6/8/8/8/8/8/1R2K3 w";
     const char* advanced = "k7/8/6P1/8/8/8/8/4K2R w";
@@ -135,10 +132,8 @@ TEST(SpecialHeuristics, EdgeRelaxation) {
 }
 
 TEST(SpecialHeuristics, WhiteMaterial) {
-    const auto lose = [](uint8_t pawns) {
-        THeuristicSet set = With(SH_DONTLOSEANYFIGURES);
-        set.params.loseFiguresPawns = pawns;
-        return set;
+    const auto lose = [](uint8_t n) {
+        return With(SH_DONTLOSEANYFIGURES, [n](auto& p) { p.loseFiguresPawns = n; });
     };
     const THeuristicSet save = With(SH_SAVEQUEENROOK);
     const char* pawnLow = "k7/8/8/8/8/8/r1P5/4K3 w";
@@ -169,12 +164,9 @@ TEST(SpecialHeuristics, CaptureKnightInTime) {
 
 TEST(SpecialHeuristics, BlockedFigures) {
     const auto dlfu = [](bool eff) {
-        THeuristicSet set = With(SH_DONTLETFIGUREUNBLOCK);
-        set.params.blockedFigures[0] = 57;  // b8
-        set.params.blockedCount = 1;
-        set.params.dlfuEff = eff;
-        return set;
-    };
+        return With(SH_DONTLETFIGUREUNBLOCK,
+                    [eff](auto& p) { p.blockedFigures[0] = 57, p.blockedCount = 1, p.dlfuEff = eff; });
+    };  // b8
     const char* fen = "kr6/8/8/8/8/8/8/4K2R w";
     ExpectVerdicts({
         {"one square is allowed", dlfu(false), fen, "Rh1-h2 Rb8-c8", 0},
@@ -280,12 +272,10 @@ TEST(SpecialHeuristics, RulesOfTheEnginesOwnDetections) {
 }
 
 TEST(SpecialHeuristics, TempoPatterns) {
-    const auto snake = [](uint8_t after) {
-        THeuristicSet set = With(SH_SEASNAKE);
-        set.params.seaSnake.approach = 11;  // d2
-        set.params.seaSnake.turnBack = 12;  // e2
-        set.params.seaSnake.onlyAfterMove = after;
-        return set;
+    const auto snake = [](uint8_t after) {  // d2, e2
+        return With(SH_SEASNAKE, [after](auto& p) {
+            p.seaSnake = {.approach = 11, .turnBack = 12, .onlyAfterMove = after};
+        });
     };
     ExpectVerdicts({
         {"onto the triangle", snake(0), kCornerKing, "Ke1-d2", 0},
@@ -298,12 +288,10 @@ TEST(SpecialHeuristics, TempoPatterns) {
     test::TestLine target(start);
     target.Play("Ke1-d1");
     const auto zugzwang = [&](uint8_t afterMove) {
-        THeuristicSet set = With(SH_ZUGZWANG);
-        std::copy(std::begin(target.Now().squares), std::end(target.Now().squares),
-                  set.params.zugzwangSquares);
-        set.params.zugzwangSet = true;
-        set.params.zugzwangAfterMove = afterMove;
-        return set;
+        return With(SH_ZUGZWANG, [&, afterMove](auto& p) {
+            std::copy(std::begin(target.Now().squares), std::end(target.Now().squares), p.zugzwangSquares);
+            p.zugzwangSet = true, p.zugzwangAfterMove = afterMove;
+        });
     };
     ExpectVerdicts({
         {"reached on time", zugzwang(1), kCornerKing, "Ke1-d1", 0},
@@ -331,9 +319,7 @@ using TTexts = std::vector<std::string>;
 
 TEST(SpecialHeuristics, FindForcedMateKeepsChecksAndThreats) {
     const auto ffm = [](uint8_t mode) {
-        THeuristicSet set = With(SH_FINDFORCEDMATE);
-        set.params.ffm.mode = mode;
-        return set;
+        return With(SH_FINDFORCEDMATE, [mode](auto& p) { p.ffm.mode = mode; });
     };
     uint32_t reason = 0;
     EXPECT_EQ(Filtered(ffm(kFfmCheckOnly), "7k/8/8/8/8/8/8/K5R1 w", 5, reason), (TTexts{"Rg1-g8", "Rg1-h1"}));
@@ -350,9 +336,8 @@ TEST(SpecialHeuristics, FindForcedMateKeepsChecksAndThreats) {
 
 TEST(SpecialHeuristics, OtherHeuristicsUnderFindForcedMate) {
     const auto set = [](uint8_t others) {
-        THeuristicSet s = With(SH_FINDFORCEDMATE | SH_KEEPKINGONTHEEDGE);
-        s.params.ffm.withOtherHeuristics = others;
-        return s;
+        return With(SH_FINDFORCEDMATE | SH_KEEPKINGONTHEEDGE,
+                    [others](auto& p) { p.ffm.withOtherHeuristics = others; });
     };
     ExpectVerdicts({
         {"FindForcedMate alone", set(0), kCornerKing, "Rh1-h2 Ka8-b7", 0},
@@ -419,38 +404,16 @@ TEST(SpecialHeuristics, SearchUnderHeuristics) {
     EXPECT_EQ(search.DoubtReason(), SH_SINGLEQUEENMATE);
 }
 
-struct TProblem {
-    std::string fen;
-    int moves;
-};
-
-// "#2" and "#3" problems of the shared collection.
-std::vector<TProblem> ShortProblems() {
-    std::ifstream in(std::string(MOREMATE_SHARED_PROBLEMS) + "/directmates.cp");
-    std::vector<TProblem> problems;
-    std::string line;
-    int moves = 0;
-    while (std::getline(in, line)) {
-        const size_t hash = line.find(" #");
-        if (!line.empty() && std::isdigit(static_cast<unsigned char>(line[0])) && hash != std::string::npos)
-            moves = std::atoi(line.c_str() + hash + 2);
-        const size_t fen = line.find("FEN: ");
-        if (fen != std::string::npos && moves >= 2 && moves <= 3)
-            problems.push_back({line.substr(fen + 5), moves});
-    }
-    return problems;
-}
-
 TEST(SpecialHeuristics, NeverInventAMate) {
     const uint32_t masks[] = {
         SH_KEEPKINGONTHEEDGE | SH_DONTLOSEANYFIGURES | SH_3MOVESTOMATE,
         SH_FINDFORCEDMATE | SH_SKIPWORSTWHITEMOVES,
         SH_ASSERTBLACKKINGSURROUNDED | SH_SAVEQUEENROOK | SH_DONTLETBLACKQUEENCHECKTWICE | SH_AREKINGSNEAR,
     };
-    const std::vector<TProblem> problems = ShortProblems();
+    const std::vector<test::TSharedDirectmate> problems = test::SharedDirectmates(2, 3);
     ASSERT_GE(problems.size(), 10u);
     int mates = 0;
-    for (const TProblem& p : problems) {
+    for (const test::TSharedDirectmate& p : problems) {
         const TChessboard board = test::Problem(p.fen, 2 * p.moves - 1);
         const uint8_t plain = TMateSearch(TSearchEnvironment{}).FindForcedMate(board);
         for (uint32_t mask : masks) {

@@ -5,10 +5,14 @@
 #include <algorithm>
 #include <thread>
 
+#include "engine/heuristics/heuristic_names.h"
 #include "engine/passes/run_register.h"
 #include "engine/passes/solver.h"
+#include "engine/search/search_log.h"
 #include "engine/state/run_control.h"
-#include "tests/core/test_line.h"
+#include "engine/state/search_result.h"
+#include "tests/support/positions.h"
+#include "tests/support/temp_folder.h"
 
 namespace moremate {
 namespace {
@@ -69,7 +73,8 @@ TEST(ConcurrentObservedLines, PausedThreadsShowTheirWhiteLines) {
     std::vector<std::vector<TObservedMove>> lines;
     bool held = false;
     const auto whole = [&lines] {
-        return std::any_of(lines.begin(), lines.end(), [](const auto& line) { return line.size() == kMoves; });
+        return std::any_of(lines.begin(), lines.end(),
+                           [](const auto& line) { return line.size() == kMoves; });
     };
     for (int look = 1; look <= 5 && !done && !whole(); ++look) {
         while (nodes.load() < 8192u * static_cast<uint64_t>(look) && !done) std::this_thread::yield();
@@ -100,6 +105,34 @@ TEST(ConcurrentObservedLines, PausedThreadsShowTheirWhiteLines) {
         full += line.size() == kMoves;
     }
     EXPECT_GT(full, 0u);  // nearly every node lies below the observed plies
+}
+
+TEST(SearchLog, NodeLinesAndTheirLimit) {
+    testing::CTempFolder folder;
+    {
+        CSearchLog log(folder.Path().string(), 7, 1);
+        const TMove e2e4{12, 28, 0};
+        log.Result(1, e2e4, kMate, 0);
+        log.Result(4, e2e4, kNoMate, 0);
+        log.Result(2, e2e4, kDoubtful, SH_KEEPKINGONTHEEDGE);
+        log.Result(3, e2e4, kDoubtful, 0xFFFFFFFFu);
+        log.Result(600, e2e4, kNoMate, 0);
+        log.Result(601, e2e4, kNoMate, 0);
+    }
+    const std::string text = folder.Read("MovesLogger_problem7_thr1.log");
+    EXPECT_NE(text.find("\t1. e2-e4 mate\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("\t\t\t\t2 ... e2-e4 no mate\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("1 ... e2-e4 doubtful (SH_KEEPKINGONTHEEDGE)\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("2. e2-e4 doubtful (4294967295 (temp.reg.))\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("300 ... e2-e4"), std::string::npos) << "600 half-moves are still logged";
+    EXPECT_EQ(text.find("301. e2-e4"), std::string::npos) << "the 601st is not";
+}
+
+TEST(SearchLog, PoorlySortedMoves) {
+    testing::CTempFolder folder;
+    const TChessboard board = test::Problem("7k/8/5K2/8/8/8/8/6R1 w - -", 5);
+    CSearchLog::PoorlySortedMove(folder.Path().string(), board, TMove{6, 54, 0}, 9);
+    EXPECT_EQ(folder.Read("PoorSWM.log"), "\n7k/8/5K2/8/8/8/8/6R1 #3, move Rg1-g7 sorted as 9th");
 }
 
 }  // namespace

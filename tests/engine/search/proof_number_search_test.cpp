@@ -2,38 +2,21 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <regex>
-
 #include "core/movegen.h"
 #include "engine/passes/proof_number_pass.h"
 #include "engine/search/proof_walk.h"
-#include "tests/core/test_line.h"
 #include "tests/engine/map_store.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {
 
 using test::Problem;
 
-struct TShared {
-    std::string fen;
-    int moves = 0;
-    bool solvable = false;
-};
+using TShared = test::TSharedDirectmate;
 
-// The directmates of the shared collection up to #`maxMoves`, with whether they have a key.
 std::vector<TShared> SharedDirectmates(int maxMoves) {
-    std::ifstream in(std::string(MOREMATE_SHARED_PROBLEMS) + "/directmates.cp");
-    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    const std::regex record(R"(\d+ #(\d+)\s*\{[^}]*?FEN: ([^\n]+)\n[^}]*?Answer:([^\n]*)\n)");
-    std::vector<TShared> out;
-    for (std::sregex_iterator it(text.begin(), text.end(), record), end; it != end; ++it) {
-        const int moves = std::stoi((*it)[1]);
-        if (moves > maxMoves) continue;
-        out.push_back({(*it)[2], moves, (*it)[3].str().find_first_not_of(" \t\r") != std::string::npos});
-    }
-    return out;
+    return test::SharedDirectmates(1, maxMoves);
 }
 
 struct TRig {
