@@ -3,9 +3,6 @@
 
 #include "tests/support/temp_folder.h"
 
-#include <unistd.h>
-
-#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <ostream>
@@ -26,6 +23,11 @@ inline void PrintTo(const ProblemEntry& entry, std::ostream* out) {
 }  // namespace moremate
 
 namespace moremate::testing {
+
+// The position of most records: White Ke1, Qa7, Rh1, Black Kc1; the test data folder.
+inline const std::string kFen = "8/Q7/8/8/8/8/8/2k1K2R w K - 0 1";
+inline const std::string kRecordBody = "{\n\tFEN: " + kFen + "\n}\n";
+inline const std::filesystem::path kData = MOREMATE_TEST_DATA;
 
 inline std::vector<ProblemEntry> ReadAll(const std::string& text, const TCollectionReading& reading = {}) {
     std::vector<ProblemEntry> entries;

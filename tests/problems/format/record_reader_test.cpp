@@ -10,74 +10,52 @@
 namespace moremate {
 namespace {
 
+using testing::kFen;
+using testing::kRecordBody;
 using testing::ReadOne;
 
-constexpr const char* kFen = "8/Q7/8/8/8/8/8/2k1K2R w K - 0 1";
-const std::string kBody = std::string("{\n\tFEN: ") + kFen + "\n}\n";
-
-std::string HeaderLineOf(const ProblemEntry& entry) {
-    const std::string record = WriteRecord(entry);
-    return record.substr(1, record.find('\n', 1) - 1);
-}
-
-struct THeaderCase {
-    const char* sName;
-    const char* sHeader;
-    ProblemType type;
-    int nPlies;
-    const char* sWritten;
-    bool bLossless = true;  // false: the header holds options that are read but never written
-};
-
-class HeaderCases : public ::testing::TestWithParam<THeaderCase> {};
-
-TEST_P(HeaderCases, StipulationAndOptionsReadAndWriteBack) {
-    const THeaderCase& c = GetParam();
-    const ProblemEntry entry = ReadOne(std::string(c.sHeader) + "\n" + kBody);
-    EXPECT_EQ(entry.m_type, c.type);
-    EXPECT_EQ(entry.m_nPlies, c.nPlies);
-    EXPECT_EQ(HeaderLineOf(entry), c.sWritten);
-    if (c.bLossless) {
-        EXPECT_EQ(ReadOne(WriteRecord(entry)), entry);
+// The stipulation and options of a header are read and written back, in the table's order.
+TEST(Records, HeaderStipulationAndOptionsReadAndWriteBack) {
+    constexpr ProblemType kDirect = ProblemType::Directmate, kSelf = ProblemType::Selfmate;
+    // The header, its type and half-moves, the header written, and whether every option is written.
+    // clang-format off
+    const struct { std::string sHeader; ProblemType type; int nPlies; const char* sWritten; bool bLossless = true; }
+        cases[] = {
+        {"1 #3", kDirect, 5, "1 #3"}, {"2 s#2", kSelf, 5, "2 s#2"}, {"3 S # 4", kSelf, 9, "3 s#4"},
+        {"4 #127", kDirect, 253, "4 #127"}, {"5", ProblemType::Position, kPositionPlies, "5 "},
+        {"6 #2allsolutions", kDirect, 3, "6 #2 AllSolutions"}, {"8 #2 gUiChEcK 3", kDirect, 3, "8 #2 GUICHECK 3"},
+        {"8 #2 GUICHECK NOMIRROR", kDirect, 3, "8 #2 NoMirror GUICHECK"},
+        {"8 #2 GUICHECKBESTDEFENCE 1", kDirect, 3, "8 #2 GUICHECKBESTDEFENCE"},  // a count of one is not written
+        {"8 #2 GuiCheckBestDefenceAndAux 2", kDirect, 3, "8 #2 GUICHECK 2", false},
+        {"9 #2 StopOn4Sol", kDirect, 3, "9 #2 StopOn4Sol UsePredefinedSettings"},  // they share a flag
+        {"10 #2 threads 4", kDirect, 3, "10 #2 THREADS 4"}, {"10 #2 THREADS 255", kDirect, 3, "10 #2"},
+        {"11 #2 Requires KQK OnlyIfAvail KRK", kDirect, 3, "11 #2 Requires KQK Requires KRK"},
+        {"12 #2 BruteForce RequiresSyzygy SafeMode UseVariantsAsSortIndications MirrorOnly", kDirect, 3,
+         "12 #2 MirrorOnly UseVariantsAsSortIndications SAFEMODE RequiresSyzygy BruteForce"},
+        {"13 #2 HybridBruteForce AllSolutionsRequiresSyzygy StopOn3Sol StopOnDual AllSolutions NoMirror "
+         "UseMainVariantAsSortIndications", kDirect, 3, "13 #2 NoMirror AllSolutions StopOnDual StopOn3Sol "
+         "UseMainVariantAsSortIndications AllSolutionsRequiresSyzygy HybridBruteForce"},
+        {"14 #2 DontRelaxHeuristics DontRunPassTwo StopRelaxHeuristicsOnFirstSolution SchedulerLevels 3 "
+         "LichessLevels 0 GlobRegMB 512 NoGlobReg AllSolutionsRequires KQK SH_3MOVESTOMATE OFF", kDirect, 3, "14 #2",
+         false},
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.sHeader);
+        const ProblemEntry entry = ReadOne(c.sHeader + "\n" + kRecordBody);
+        EXPECT_EQ(entry.m_type, c.type);
+        EXPECT_EQ(entry.m_nPlies, c.nPlies);
+        const std::string record = WriteRecord(entry);
+        EXPECT_EQ(record.substr(1, record.find('\n', 1) - 1), c.sWritten);
+        EXPECT_TRUE(!c.bLossless || ReadOne(record) == entry);
     }
 }
-
-constexpr ProblemType kDirect = ProblemType::Directmate;
-using H = THeaderCase;
-// clang-format off
-INSTANTIATE_TEST_SUITE_P(Records, HeaderCases, ::testing::Values(
-    H{"Directmate", "1 #3", kDirect, 5, "1 #3"}, H{"Selfmate", "2 s#2", ProblemType::Selfmate, 5, "2 s#2"},
-    H{"SelfmateSpaced", "3 S # 4", ProblemType::Selfmate, 9, "3 s#4"},
-    H{"LongestDirectmate", "4 #127", kDirect, 253, "4 #127"},
-    H{"NoStipulation", "5", ProblemType::Position, kPositionPlies, "5 "},
-    H{"AllSolutionsSuffix", "6 #2allsolutions", kDirect, 3, "6 #2 AllSolutions"},
-    H{"GuiCheckCountAnyCase", "8 #2 gUiChEcK 3", kDirect, 3, "8 #2 GUICHECK 3"},
-    H{"GuiCheckWithoutCount", "8 #2 GUICHECK NOMIRROR", kDirect, 3, "8 #2 NoMirror GUICHECK"},
-    H{"GuiCheckCountOneNotWritten", "8 #2 GUICHECKBESTDEFENCE 1", kDirect, 3, "8 #2 GUICHECKBESTDEFENCE"},
-    H{"GuiCheckAuxWrittenAsGuiCheck", "8 #2 GuiCheckBestDefenceAndAux 2", kDirect, 3, "8 #2 GUICHECK 2", false},
-    H{"StopOn4SolSharesItsFlag", "9 #2 StopOn4Sol", kDirect, 3, "9 #2 StopOn4Sol UsePredefinedSettings"},
-    H{"ThreadsBelow255", "10 #2 threads 4", kDirect, 3, "10 #2 THREADS 4"},
-    H{"Threads255IsNotGiven", "10 #2 THREADS 255", kDirect, 3, "10 #2"},
-    H{"RequiresPerName", "11 #2 Requires KQK OnlyIfAvail KRK", kDirect, 3, "11 #2 Requires KQK Requires KRK"},
-    H{"TableOrder", "12 #2 BruteForce RequiresSyzygy SafeMode UseVariantsAsSortIndications MirrorOnly", kDirect, 3,
-        "12 #2 MirrorOnly UseVariantsAsSortIndications SAFEMODE RequiresSyzygy BruteForce"},
-    H{"EveryWrittenFlag",
-        "13 #2 HybridBruteForce AllSolutionsRequiresSyzygy StopOn3Sol StopOnDual AllSolutions " "NoMirror "
-        "UseMainVariantAsSortIndications", kDirect, 3,
-        "13 #2 NoMirror AllSolutions StopOnDual StopOn3Sol " "UseMainVariantAsSortIndications "
-        "AllSolutionsRequiresSyzygy HybridBruteForce"},
-    H{"UnwrittenOptions",
-        "14 #2 DontRelaxHeuristics DontRunPassTwo StopRelaxHeuristicsOnFirstSolution " "SchedulerLevels 3 "
-        "LichessLevels 0 GlobRegMB 512 NoGlobReg AllSolutionsRequires KQK SH_3MOVESTOMATE OFF", kDirect, 3, "14 #2",
-        false}),
-    [](const auto& info) { return std::string(info.param.sName); });
-// clang-format on
 
 TEST(Records, UnwrittenOptionsAreKept) {
     const ProblemEntry entry = ReadOne(
         "1 #2 DontRelaxHeuristics DontRunPassTwo StopRelaxHeuristicsOnFirstSolution SchedulerLevels 3 "
         "LichessLevels 0 GlobRegMB 512 NoGlobReg AllSolutionsRequires KQK AllSolutionsRequires KRK\n" +
-        kBody);
+        kRecordBody);
     EXPECT_TRUE(entry.Has(kOptDontRelaxHeuristics));
     EXPECT_TRUE(entry.Has(kOptDontRunPassTwo));
     EXPECT_TRUE(entry.Has(kOptNoGlobReg));
@@ -94,7 +72,7 @@ TEST(Records, HeuristicOverridesAndBestDefenceVariant) {
     const ProblemEntry entry = ReadOne(
         "1 #4 sh_keepkingontheedge (STRICT,incl.corner) SH_3MovesToMate off "
         "SH_FINDFORCEDMATE(#2+-WithOtherHeuristics) LookForBestDefencesAfter( e2-e4 e7-e5 ;Ng1-f3 )\n" +
-        kBody);
+        kRecordBody);
     EXPECT_EQ(entry.m_nHeuristicsOff, SH_3MOVESTOMATE);
     EXPECT_EQ(entry.m_mapHeuristicParams,
               (std::map<uint32_t, std::string>{{SH_KEEPKINGONTHEEDGE, "STRICT,incl.corner"},
@@ -112,7 +90,7 @@ TEST(Records, AnnotationLinesAreKeptAndWrittenInOrder) {
         "//@SortIndications: ~1. a7-f2+, b1-b2\n"
         "//@author note, not an annotation\n"
         "//@tmpreg=42\n" +
-        kBody;
+        kRecordBody;
     const ProblemEntry entry = ReadOne(text);
     const TAnnotationLines& lines = entry.m_annotations;
     EXPECT_EQ(lines.vsTags, (std::vector<std::string>{"1st prize", "miniature"}));
@@ -126,7 +104,7 @@ TEST(Records, AnnotationLinesAreKeptAndWrittenInOrder) {
 }
 
 TEST(Records, OtherAtLinesAndPlainCommentsAreIgnored) {
-    const ProblemEntry entry = ReadOne("1 #2 //@other words\n/* note */ // more\n" + kBody);
+    const ProblemEntry entry = ReadOne("1 #2 //@other words\n/* note */ // more\n" + kRecordBody);
     EXPECT_EQ(entry.m_annotations, TAnnotationLines{});
 }
 
@@ -210,6 +188,88 @@ TEST(Records, ManyQueensAndPawnsAskBeforeLoading) {
               "Note: There are more than 9 queens and pawns of the same color. Program is able to properly "
               "handle only legal positions (in which no more than 218 moves are possible); otherwise its "
               "behaviour may be unpredictable.\nDo you want to continue anyway?");
+}
+
+const std::string kFenLine = " FEN: " + kFen + "\n";
+
+// Every fault stops reading at its record with its message; the record before stays read.
+TEST(Records, FaultsStopReadingAtTheirRecord) {
+    // The second record of a collection and its fault.
+    // clang-format off
+    const std::pair<std::string, const char*> cases[] = {
+        // Header and options
+        {"2 #2X {" + kFenLine + "}", "Unrecognizable option: X"},
+        {"2 # { " + kFenLine + "}", "Number of moves expected after #: {"},
+        {"2 #0 { " + kFenLine + "}", "Unsupported number of moves: 0"},
+        {"2 #128 { " + kFenLine + "}", "Unsupported number of moves: 128"},
+        {"2 #2 Fast {" + kFenLine + "}", "Opening bracket expected { or unrecognized option encountered: Fast"},
+        {"2 #2 GUICHECK 0 {" + kFenLine + "}",
+        "Opening bracket expected { or unrecognized option encountered: 0"},
+        {"2 #2 THREADS x {" + kFenLine + "}", "Number expected after THREADS: x"},
+        {"2 #2 threads 256 {" + kFenLine + "}", "Number expected after threads: 256"},
+        {"2 #2 Requires {" + kFenLine + "}", "Alphanumeric identifier expected. Found: {"},
+        {"2 #2 sh_keepkingontheedge ON {" + kFenLine + "}",
+        "Unexpected lexem after SH_KEEPKINGONTHEEDGE: ON (expected opening bracket or OFF)"},
+        {"2 #2 SH_KEYLINE (A {" + kFenLine + "}",
+        "Unexpected lexems after SH_KEYLINE (closing bracket not found)"},
+        {"2 #2 LookForBestDefencesAfter e2 {" + kFenLine + "}",
+        "Unexpected lexem after LookForBestDefencesAfter (expected opening bracket)"},
+        {"2 #2 LookForBestDefencesAfter (e2-e4;e7-e5 {" + kFenLine + "}",
+        "Unexpected lexems after LookForBestDefencesAfter (closing bracket not found)"},
+        {"2 #2 LookForBestDefencesAfter (a;b;c) {" + kFenLine + "}",
+        "Unexpected lexems after LookForBestDefencesAfter (expected exactly one semicolon between the brackets)"},
+        {"2 #2\n//@tmpreg=5\n//!VARIANTS\n//!ENDVARIANTS\n{" + kFenLine + "}", "Opening bracket expected."},
+        // Description and position
+        {"2 #2 { Desc - x\n" + kFenLine + "}", "Colon ':' expected after description identifier."},
+        {"2 #2 { FEN 8/8/8/8/8/8/8/8 }", "Colon ':' expected after FEN identifier."},
+        {"2 #2 { FEN: 8/8/8 w - - 0 1\n}", "Improper FEN code"},
+        {"2 #2 { FEN: 8/8/8/8/8/8/8/8 w - - 0 1\n}", "Illegal number of kings."},
+        {"2 #2 { Desc: x\n Black: Ke8 }", "White figures identifier expected (W, WH or WHITE)."},
+        {"2 #2 { White Ke1 }", "Colon ':' expected after white figures identifier."},
+        {"2 #2 { White: Ke1 Blk: Ke8 }", "Black figures identifier expected (B, BL or BLACK)."},
+        {"2 #2 { W: Ke1 B Ke8 }", "Colon expected after black figures identifier."},
+        {"2 #2 { W: Xe1 B: Ke8 }", "White figure specification is invalid: Xe1"},
+        {"2 #2 { W: Ke B: Ke8 }", "White figure specification is invalid: Ke"},
+        {"2 #2 { W: Ki9 B: Ke8 }", "White figure position is invalid: Ki9"},
+        {"2 #2 { W: Ke1 B: Ze8 }", "Black figure specification is invalid: Ze8"},
+        {"2 #2 { W: Ke1 B: Kz8 }", "Black figure position is invalid: Kz8"},
+        {"2 #2 { W: Ke1, Ke1 B: Ke8 }", "Square e1 already occupied."},
+        {"2 #2 { W: Ke1, QE8 B: Ke8 }", "Square e8 already occupied."},
+        {"2 #2 { W: Ke1, Kd1 B: Ke8 }", "Illegal number of kings."},
+        // Moves and answer
+        {"2 #2 {" + kFenLine + " Moves a7-a8 }", "Colon expected after Moves section start."},
+        {"2 {" + kFenLine + " Moves: 1. Qa7-b6 Kc1-d1\n}", "Invalid move in MakeMove() : Kc1-d1"},
+        {"2 #2 {" + kFenLine + " Answer a7-f2 }", "Colon expected after correct answer identifier."},
+        {"2 #2 {" + kFenLine + " Answer: a9-f2 }", "Invalid correct answer ('from' element): a9"},
+        {"2 #2 {" + kFenLine + " A: a7 f2 }", "Hyphen expected to separate correct answer elements"},
+        {"2 #2 {" + kFenLine + " A: a7-f }", "Invalid correct answer ('to' element): f"},
+        {"2 #2 {" + kFenLine + " A: a7-a8X }", "Invalid correct answer: a7-a8X"},
+        {"2 #2 {" + kFenLine + " A: a7-a8K }", "Invalid correct answer: a7-a8K"},
+        {"2 #2 {" + kFenLine + " A: a7-f2 h1-h3 }",
+        "Comma should separate various solutions of the problem, but encountered: h1"},
+        {"2 #2 {" + kFenLine + " Solved }", "Closing bracket expected."},
+    };
+    // clang-format on
+    for (const auto& [record, message] : cases) {
+        SCOPED_TRACE(record);
+        std::vector<ProblemEntry> entries;
+        try {
+            ReadCollectionText(("1 #2\n" + kRecordBody) + record + "\n" + ("1 #2\n" + kRecordBody), entries,
+                               {});
+            ADD_FAILURE() << "no fault raised";
+        } catch (const CCollectionReadError& error) {
+            EXPECT_STREQ(error.what(), message);
+            EXPECT_EQ(error.Record(), 2u);
+            EXPECT_EQ(error.Problem(), 2u);
+            EXPECT_GE(error.Line(), 5);
+        }
+        ASSERT_EQ(entries.size(), 1u);
+        EXPECT_EQ(entries[0].m_nNumber, 1u);
+    }
+    EXPECT_EQ(testing::ReadError(("1 #2\n" + kRecordBody) + "2 #2 {" + kFenLine), "Unexpected end of file.");
+    EXPECT_EQ(testing::ReadError(("1 #2\n" + kRecordBody) + "2 #2 NoMirror"), "Unexpected end of file.");
+    EXPECT_EQ(testing::ReadError(("1 #2\n" + kRecordBody) + "x #2 {" + kFenLine + "}"),
+              "Problem number expected. Found: x");
 }
 
 }  // namespace

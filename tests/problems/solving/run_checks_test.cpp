@@ -9,8 +9,6 @@
 namespace moremate {
 namespace {
 
-const std::filesystem::path kData = MOREMATE_TEST_DATA;
-
 class RunChecksTest : public ::testing::Test {
   protected:
     std::vector<std::string> Checks(const ProblemEntry& entry, bool allSolutions = false,
@@ -21,7 +19,7 @@ class RunChecksTest : public ::testing::Test {
     }
     ProblemEntry Record(unsigned number) {
         std::vector<ProblemEntry> entries;
-        ReadCollectionFile(kData / "checks.cp", entries, false, {});
+        ReadCollectionFile(testing::kData / "checks.cp", entries, false, {});
         return entries.at(number - 1);
     }
 
