@@ -9,21 +9,21 @@ long="$(cd "$(dirname "$0")/../../../shared/problems" 2>/dev/null && pwd)/longma
 cd "$(mktemp -d)" || exit 1
 passed=0 failed=0
 
-check() {  # check NAME EXPECTED_STATUS EXPECTED_STDOUT_PATTERN -- ARGS...
+tally() {  # tally NAME: counts the status of the command before, and returns it
+    local rc=$?
+    if [ $rc -eq 0 ]; then passed=$((passed + 1)); else failed=$((failed + 1)); echo "FAIL: $1"; fi
+    return $rc
+}
+check() {  # check NAME EXPECTED_STATUS EXPECTED_STDOUT_OR_STDERR_PATTERN -- ARGS...
     local name=$1 status=$2 pattern=$3; shift 4
     local out rc
     out=$("$mm" "$@" 2>/tmp/moremate_cli_err.$$); rc=$?
-    if [ "$rc" -eq "$status" ] && printf '%s\n' "$out" | cat - /tmp/moremate_cli_err.$$ | grep -Eq -- "$pattern"; then
-        passed=$((passed + 1))
-    else
-        failed=$((failed + 1))
-        echo "FAIL: $name (status $rc, expected $status)"; echo "$out" | head -5; head -5 /tmp/moremate_cli_err.$$
-    fi
+    [ "$rc" -eq "$status" ] && printf '%s\n' "$out" | cat - /tmp/moremate_cli_err.$$ | grep -Eq -- "$pattern"
+    tally "$name (status $rc, expected $status)" || { echo "$out" | head -5; head -5 /tmp/moremate_cli_err.$$; }
 }
 
 start="rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1"
 check "perft total" 0 '^8902$' -- perft "$start" 3
-check "perft total is the last line" 0 '^197281$' -- perft "$start" 4
 check "divide lists moves in long notation" 0 '^Ng1-f3 20$' -- perft "$start" 2 --divide
 check "divide castles" 0 '^0-0 ' -- perft "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -" 1 --divide
 check "black to move" 0 '^15833292$' -- perft "r2q1rk1/pP1p2pp/Q4n2/bbp1p3/Np6/1B3NBn/pPPP1PPP/R3K2R b KQ - 0 1" 5
@@ -67,7 +67,6 @@ check "empty relaxation path" 0 'No heuristics selected.' -- heuristics --path "
 check "defence after the key" 0 'Not found any defence against mate. The best looks: Kc2-d3' -- defence "$samples/sample_problems.cp" --problem 3
 check "refutations with equivalents" 0 'Equivalent moves: Kc2-d3, a6:b5' -- defence "$samples/sample_problems.cp" --problem 3 --after Qb6-b5
 check "defence of a missing problem" 2 'Problem 99 not found' -- defence "$data/small.cp" --problem 99
-check "two threads" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions --threads 2
 check "bad thread count" 2 '' -- solve "$data/small.cp" --threads 0
 check "two threads on two levels" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions --threads 2 --levels 2
 check "levels off" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions --threads 4 --levels 0
@@ -89,7 +88,7 @@ check "mirrored positions" 1 '^Mirror: \[SnglSolution, 1thrd\(s\)\] Test #2 M1 o
 check "test lines give the levels" 1 '^\[SnglSolution, 2\^2thrd\(s\)\] Test #2 M[0-9]+ ok ' -- test "$data/small.cp" --short --threads 2 --levels 2 --log-folder "$work"
 mkdir "$work/log"
 printed=$("$mm" test "$data/small.cp" --short --threads 1 --log-folder "$work/log" 2>/dev/null)
-[ "$printed" = "$(cat "$work"/log/RegressionTest_*.log)" ] && passed=$((passed + 1)) || { failed=$((failed + 1)); echo "FAIL: the log differs from the printed lines"; }
+[ "$printed" = "$(cat "$work"/log/RegressionTest_*.log)" ]; tally "the log differs from the printed lines"
 check "test of a broken collection" 2 'NOSUCHOPTION' -- test "$data/broken.cp" --log-folder "$work"
 printf 'open %s\nSetTempRegSize 50%%\nrunregtest short,withmirror\n' "$data/small.cp" > "$work/t.vrs"
 check "script runs a short mirrored test" 1 '^Mirror: \[SnglSolution, 1thrd\(s\)\] Test #2 M1 ok ' -- script "$work/t.vrs" --threads 1 --log-folder "$work"
@@ -114,17 +113,16 @@ check "load of a missing problem" 2 'Problem 9 not found' -- register load "$wor
 printf '1 #7\n{\n FEN: rbk5/ppp5/8/8/8/8/7R/4KBQR w - - 0 1\n}\n' > "$work/dlfu.cp"
 "$mm" solve "$work/dlfu.cp" --threads 1 --solution-details --add-heuristics '!DLFU SafeMode' >/dev/null 2>&1
 grep -q '^\* Initial set of heuristics: SH_KEEPKINGONTHEEDGE, SH_DONTLOSEANYFIGURES, SH_3MOVESTOMATE (CannotApplyDLFUDynamically)$' "$work/SolutionDetails.log" &&
-    grep -q '^\* Safe mode is on' "$work/SolutionDetails.log" && passed=$((passed + 1)) ||
-    { failed=$((failed + 1)); echo "FAIL: added tokens take back the engine's DLFU and force safe mode"; }
+    grep -q '^\* Safe mode is on' "$work/SolutionDetails.log"; tally "added tokens take back the engine's DLFU and force safe mode"
 check "faulty added heuristics" 2 'Error occurred in ApplyPredefinedAdditionalHeuristics\(\) : Invalid square$' -- solve "$work/dlfu.cp" --add-heuristics 'DLFU(z9)'
 check "a search variant without implementation" 1 'Error: no implementation in FindMateMultithreadingLevelThreadProcFFM for m_shLookForQuickerMateDepth' -- solve "$work/dlfu.cp" --threads 1 --proof-number off --add-heuristics 'LFQMDepth(#7)'
 printf '[chess]\nRunRegressionTestInLoop=1\n' > "$work/options.ini"
 for answer in "--yes --loops 3:3" "--no:1" ":1"; do  # without an answer and a terminal: no
     runs=$("$mm" test "$work/ref.cp" --threads 1 --log-folder "$work" ${answer%:*} </dev/null 2>/dev/null | grep -c '^Regression test started')
-    [ "$runs" = "${answer#*:}" ] && passed=$((passed + 1)) || { failed=$((failed + 1)); echo "FAIL: loop question answered '${answer%:*}': $runs runs"; }
+    [ "$runs" = "${answer#*:}" ]; tally "loop question answered '${answer%:*}': $runs runs"
 done
 rm "$work/options.ini"
-[ -s "$work/SolvedProblemsDB/small.cspdb" ] && passed=$((passed + 1)) || { failed=$((failed + 1)); echo "FAIL: no solved problems database"; }
+[ -s "$work/SolvedProblemsDB/small.cspdb" ]; tally "no solved problems database"
 unset MOREMATE_HOME
 rm -rf "$work"
 check "bench prints its signature" 0 '^Nodes searched  : [0-9]+$' -- bench
@@ -134,12 +132,9 @@ check "result of analysis without pass 2" 0 'No solution found \([0-9]+ sec\.\) 
 printf '1 #12\n{\n FEN: rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1\n}\n' > long.cp
 "$mm" solve long.cp --threads 1 >stopped.out 2>stopped.err & pid=$!
 sleep 1; kill -INT "$pid"; wait "$pid"; rc=$?
-if [ "$rc" -eq 1 ] && grep -q '^Analysis stopped by user$' stopped.out && grep -q '(stopped by user)$' stopped.out &&
-    grep -q '^Stop pending\.\.\.$' stopped.err; then
-    passed=$((passed + 1))
-else
-    failed=$((failed + 1)); echo "FAIL: interrupt (status $rc)"; cat stopped.out stopped.err
-fi
+[ "$rc" -eq 1 ] && grep -q '^Analysis stopped by user$' stopped.out && grep -q '(stopped by user)$' stopped.out &&
+    grep -q '^Stop pending\.\.\.$' stopped.err
+tally "interrupt (status $rc)" || cat stopped.out stopped.err
 
 rm -f /tmp/moremate_cli_err.$$
 echo "cli: $passed passed, $failed failed"
