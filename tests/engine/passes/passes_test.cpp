@@ -95,61 +95,54 @@ TEST(Passes, FindForcedMateModesGetAPassEach) {
     EXPECT_EQ(r.passes[1].setText, "SH_FINDFORCEDMATE(#1+)");
 }
 
+// Without relaxation no pass 1b; without pass 2 the doubtful result stands. A problem without
+// heuristics has pass 2 only, even when pass 2 is switched off.
 TEST(Passes, RelaxationAndPassTwoSwitches) {
-    {
-        CRun run(kOneKey, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, true);
-        EXPECT_EQ(PassLabels(run.Run()), (Labels{"1", "1b", "2"}));
-    }
-    {
-        CRun run(kOneKey, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, true);
-        run.request.state.relaxationAllowed = false;
-        EXPECT_EQ(PassLabels(run.Run()), (Labels{"1", "2"}));
-    }
-    {
-        CRun run(kOneKey, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, true);
-        run.request.state.relaxationAllowed = run.request.state.pass2Allowed = false;
+    const struct {
+        uint32_t mask;
+        bool relaxation, pass2;
+        Labels labels;
+    } cases[] = {
+        {SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, true, true, {"1", "1b", "2"}},
+        {SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, false, true, {"1", "2"}},
+        {SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, false, false, {"1"}},
+        {0, true, false, {"2"}},
+    };
+    for (const auto& c : cases) {
+        CRun run(kOneKey, c.mask, true);
+        run.request.state.relaxationAllowed = c.relaxation;
+        run.request.state.pass2Allowed = c.pass2;
         const TPassRunResult r = run.Run();
-        EXPECT_EQ(PassLabels(r), (Labels{"1"}));
-        EXPECT_TRUE(r.keys.empty());
-        EXPECT_EQ(r.result, kDoubtful);
-    }
-    {  // Without heuristics the problem has pass 2 only, even when pass 2 is switched off.
-        CRun run(kOneKey, 0, true);
-        run.request.state.pass2Allowed = false;
-        EXPECT_EQ(PassLabels(run.Run()), (Labels{"2"}));
+        EXPECT_EQ(PassLabels(r), c.labels);
+        EXPECT_EQ(r.result, c.labels.back() == "2" ? kMate : kDoubtful);
+        EXPECT_EQ(r.keys.empty(), c.labels.back() != "2");
     }
 }
 
+// A counted number of solutions ends the series in the pass that finds the last; all solutions run
+// every pass, later passes adding no key twice, unless STOPRELAXHEURISTICSONFIRSTSOLUTION sends the
+// run straight to pass 2 after a solution.
 TEST(Passes, SolutionCountsAndStopOnFirstSolution) {
-    {  // A single solution ends the series in the pass that found it.
-        CRun run(kFourKeys, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, false);
+    using enum TSolutionCount;
+    constexpr uint32_t kTwo = SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK;
+    // clang-format off
+    const struct { uint32_t mask; TSolutionCount solutions; bool stopRelax; Labels labels; size_t keys; } cases[] = {
+        {kTwo, Single, false, {"1"}, 1}, {SH_AREKINGSNEAR, UpTo2, false, {"1"}, 2},
+        {SH_AREKINGSNEAR, UpTo3, false, {"1"}, 3}, {SH_AREKINGSNEAR, UpTo4, false, {"1"}, 4},
+        {kTwo, All, false, {"1", "1b", "2"}, 4}, {kTwo, All, true, {"1", "2"}, 4},
+    };
+    // clang-format on
+    const Labels keys = {"Kd2-c1@1", "Kd2-c2@1", "Kd2-c3@1", "Qe3-b6@1"};  // all found in pass 1
+    for (const auto& c : cases) {
+        CRun run(kFourKeys, c.mask, false);
+        run.request.solutions = c.solutions;
+        run.request.state.stopRelaxOnFirstSolution = c.stopRelax;
         const TPassRunResult r = run.Run();
-        EXPECT_EQ(PassLabels(r), (Labels{"1"}));
-        ASSERT_EQ(r.keys.size(), 1u);
-        EXPECT_EQ(r.keys[0].setText, "SH_AREKINGSNEAR, SH_SWEEPINGWHITEROOK");
-    }
-    const std::pair<TSolutionCount, size_t> counts[] = {
-        {TSolutionCount::UpTo2, 2}, {TSolutionCount::UpTo3, 3}, {TSolutionCount::UpTo4, 4}};
-    for (const auto& [count, keys] : counts) {
-        CRun run(kFourKeys, SH_AREKINGSNEAR, false);
-        run.request.solutions = count;
-        const TPassRunResult r = run.Run();
-        EXPECT_EQ(r.keys.size(), keys);
-        EXPECT_EQ(PassLabels(r), (Labels{"1"}));
-    }
-    {  // All solutions: every pass runs; later passes add no key twice.
-        CRun run(kFourKeys, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, false);
-        run.request.solutions = TSolutionCount::All;
-        const TPassRunResult r = run.Run();
-        EXPECT_EQ(PassLabels(r), (Labels{"1", "1b", "2"}));
-        EXPECT_EQ(KeyTexts(run.request.position, r),
-                  (Labels{"Kd2-c1@1", "Kd2-c2@1", "Kd2-c3@1", "Qe3-b6@1"}));
-    }
-    {  // STOPRELAXHEURISTICSONFIRSTSOLUTION: straight to pass 2 after a solution.
-        CRun run(kFourKeys, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK, false);
-        run.request.solutions = TSolutionCount::All;
-        run.request.state.stopRelaxOnFirstSolution = true;
-        EXPECT_EQ(PassLabels(run.Run()), (Labels{"1", "2"}));
+        EXPECT_EQ(PassLabels(r), c.labels);
+        EXPECT_EQ(KeyTexts(run.request.position, r), Labels(keys.begin(), keys.begin() + c.keys));
+        ASSERT_FALSE(r.keys.empty());
+        EXPECT_EQ(r.keys[0].setText,
+                  c.mask == kTwo ? "SH_AREKINGSNEAR, SH_SWEEPINGWHITEROOK" : "SH_AREKINGSNEAR");
     }
 }
 

@@ -301,91 +301,60 @@ TEST(SpecialHeuristics, TempoPatterns) {
     });
 }
 
-// Legal moves of a FEN's position after the filters of `set`, as long-notation texts.
-std::vector<std::string> Filtered(const THeuristicSet& set, const char* fen, int halfMoves,
-                                  uint32_t& reason) {
-    const TChessboard node = test::Problem(fen, halfMoves);
-    TMoveList moves;
-    GenerateLegalMoves(node, moves);
-    CSpecialHeuristics heuristics(set, node);
-    reason = heuristics.FilterMoves(node, moves);
-    std::vector<std::string> texts;
-    for (const TMove& m : moves) texts.push_back(MoveToText(node, m));
-    std::sort(texts.begin(), texts.end());
-    return texts;
-}
-
-using TTexts = std::vector<std::string>;
-
-TEST(SpecialHeuristics, FindForcedMateKeepsChecksAndThreats) {
+// The legal moves of a FEN's position that the filters of a set keep, and the bit naming the cut.
+TEST(SpecialHeuristics, FiltersOfMoves) {
     const auto ffm = [](uint8_t mode) {
         return With(SH_FINDFORCEDMATE, [mode](auto& p) { p.ffm.mode = mode; });
     };
-    uint32_t reason = 0;
-    EXPECT_EQ(Filtered(ffm(kFfmCheckOnly), "7k/8/8/8/8/8/8/K5R1 w", 5, reason), (TTexts{"Rg1-g8", "Rg1-h1"}));
-    EXPECT_EQ(reason, SH_FINDFORCEDMATE);
-    // After 1. Kf7 White threatens 2. Rh1 mate; the rook's checks are kept as checks.
-    const TTexts threats = Filtered(ffm(kFfmThreat1), "7k/8/5K2/8/8/8/8/6R1 w", 3, reason);
-    EXPECT_EQ(threats, (TTexts{"Kf6-f7", "Rg1-g8", "Rg1-h1"}));
-    // With one move left no threat can come true: checks only.
-    EXPECT_EQ(Filtered(ffm(kFfmThreat1), "7k/8/5K2/8/8/8/8/6R1 w", 1, reason), (TTexts{"Rg1-g8", "Rg1-h1"}));
-    // Black's moves are never filtered.
-    EXPECT_EQ(Filtered(ffm(kFfmCheckOnly), "7k/8/5K2/8/8/8/8/6R1 b", 4, reason), (TTexts{"Kh8-h7"}));
-    EXPECT_EQ(reason, 0u);
-}
-
-TEST(SpecialHeuristics, OtherHeuristicsUnderFindForcedMate) {
-    const auto set = [](uint8_t others) {
-        return With(SH_FINDFORCEDMATE | SH_KEEPKINGONTHEEDGE,
-                    [others](auto& p) { p.ffm.withOtherHeuristics = others; });
-    };
-    ExpectVerdicts({
-        {"FindForcedMate alone", set(0), kCornerKing, "Rh1-h2 Ka8-b7", 0},
-        {"partially: not on the first moves", set(1), kCornerKing, "Rh1-h2 Ka8-b7", SH_KEEPKINGONTHEEDGE},
-        {"fully", set(2), kCornerKing, "Rh1-h2 Ka8-b7", SH_KEEPKINGONTHEEDGE},
-    });
-}
-
-TEST(SpecialHeuristics, SkippedWhiteMoves) {
-    uint32_t reason = 0;
-    const TTexts worst = Filtered(With(SH_SKIPWORSTWHITEMOVES), "k7/8/8/3r4/8/8/8/4K2R w", 9, reason);
-    EXPECT_EQ(std::count(worst.begin(), worst.end(), "Rh1-h5"), 0);
-    EXPECT_EQ(std::count(worst.begin(), worst.end(), "Rh1-h4"), 1);
-    EXPECT_EQ(reason, SH_SKIPWORSTWHITEMOVES);
+    const THeuristicSet worst = With(SH_SKIPWORSTWHITEMOVES);
     const THeuristicSet passive = With(SH_SKIPWORSTWHITEMOVES, [](auto& p) { p.skipPassive = true; });
-    const TTexts active = Filtered(passive, "7k/8/8/8/8/8/4K3/6R1 w", 9, reason);
-    EXPECT_EQ(std::count(active.begin(), active.end(), "Ke2-e1"), 0);
-    EXPECT_EQ(std::count(active.begin(), active.end(), "Ke2-f3"), 1);
-    EXPECT_EQ(std::count(active.begin(), active.end(), "Rg1-g2"), 1);
-}
-
-TEST(SpecialHeuristics, OneColourPlay) {
-    uint32_t reason = 0;
     const THeuristicSet light =
         With(SH_ONECOLORPLAYPOSSIBLE, [](auto& p) { p.colourMode = TColourMode::WhiteSquaresOnly; });
-    EXPECT_EQ(Filtered(light, "7k/8/8/8/8/8/7P/4K2B w", 9, reason),
-              (TTexts{"Bh1-a8", "Bh1-b7", "Bh1-c6", "Bh1-d5", "Bh1-e4", "Bh1-f3", "Bh1-g2", "Ke1-d1",
-                      "Ke1-e2", "Ke1-f1", "h2-h3", "h2-h4"}));
     const THeuristicSet separated =
         With(SH_ONECOLORPLAYPOSSIBLE, [](auto& p) { p.colourMode = TColourMode::SeparatedBlackBishop; });
-    EXPECT_EQ(Filtered(separated, "k7/8/8/8/8/8/8/b3K3 b", 10, reason),
-              (TTexts{"Ka8-a7", "Ka8-b7", "Ka8-b8"}));
-    EXPECT_EQ(reason, SH_ONECOLORPLAYPOSSIBLE);
-    // A bishop that has the only moves keeps them.
-    EXPECT_EQ(Filtered(separated, "k7/2K5/1P6/8/8/8/8/b7 b", 10, reason).size(), 7u);
-    EXPECT_EQ(reason, 0u);
-}
-
-TEST(SpecialHeuristics, KeyWhiteFigureHoldsItsPin) {
     const THeuristicSet key = With(SH_KEYWHITEFIGURE, [](auto& p) { p.keyWhiteFigure = 4; });  // e1
-    uint32_t reason = 0;
-    // Re1 pins Ne7 to the immobile king: only the White king moves are searched.
-    EXPECT_EQ(Filtered(key, "3rkr2/3pnp2/8/8/8/8/8/K3R3 w", 9, reason),
-              (TTexts{"Ka1-a2", "Ka1-b1", "Ka1-b2"}));
-    EXPECT_EQ(reason, SH_KEYWHITEFIGURE);
-    // A king that can move lets the key figure go.
-    EXPECT_EQ(Filtered(key, "3rk3/3pnp2/8/8/8/8/8/K3R3 w", 9, reason).size() > 3u, true);
-    EXPECT_EQ(reason, 0u);
+    // clang-format off
+    const struct { THeuristicSet set; const char* fen; int halfMoves; const char* kept; uint32_t reason; }
+        cases[] = {
+        {ffm(kFfmCheckOnly), "7k/8/8/8/8/8/8/K5R1 w", 5, "Rg1-g8 Rg1-h1", SH_FINDFORCEDMATE},
+        // After 1. Kf7 White threatens 2. Rh1 mate; the rook's checks are kept as checks.
+        {ffm(kFfmThreat1), "7k/8/5K2/8/8/8/8/6R1 w", 3, "Kf6-f7 Rg1-g8 Rg1-h1", SH_FINDFORCEDMATE},
+        // With one move left no threat can come true: checks only.
+        {ffm(kFfmThreat1), "7k/8/5K2/8/8/8/8/6R1 w", 1, "Rg1-g8 Rg1-h1", SH_FINDFORCEDMATE},
+        {ffm(kFfmCheckOnly), "7k/8/5K2/8/8/8/8/6R1 b", 4, "Kh8-h7", 0},  // Black's moves are never filtered
+        {worst, "k7/8/8/3r4/8/8/8/4K2R w", 9,  // not into the rook's reach
+         "0-0 Ke1-e2 Ke1-f1 Ke1-f2 Rh1-f1 Rh1-g1 Rh1-h2 Rh1-h3 Rh1-h4 Rh1-h6 Rh1-h7 Rh1-h8",
+         SH_SKIPWORSTWHITEMOVES},
+        {passive, "7k/8/8/8/8/8/4K3/6R1 w", 9,  // no Ke2-e1
+         "Ke2-d2 Ke2-d3 Ke2-e3 Ke2-f2 Ke2-f3 Rg1-a1 Rg1-b1 Rg1-c1 Rg1-d1 Rg1-e1 Rg1-f1 Rg1-g2 Rg1-g3 Rg1-g4 "
+         "Rg1-g5 Rg1-g6 Rg1-g7 Rg1-g8 Rg1-h1", SH_SKIPWORSTWHITEMOVES},
+        {light, "7k/8/8/8/8/8/7P/4K2B w", 9,
+         "Bh1-a8 Bh1-b7 Bh1-c6 Bh1-d5 Bh1-e4 Bh1-f3 Bh1-g2 Ke1-d1 Ke1-e2 Ke1-f1 h2-h3 h2-h4",
+         SH_ONECOLORPLAYPOSSIBLE},
+        {separated, "k7/8/8/8/8/8/8/b3K3 b", 10, "Ka8-a7 Ka8-b7 Ka8-b8", SH_ONECOLORPLAYPOSSIBLE},
+        // A bishop that has the only moves keeps them.
+        {separated, "k7/2K5/1P6/8/8/8/8/b7 b", 10, "Ba1-b2 Ba1-c3 Ba1-d4 Ba1-e5 Ba1-f6 Ba1-g7 Ba1-h8", 0},
+        // Re1 pins Ne7 to the immobile king: only the White king moves are searched.
+        {key, "3rkr2/3pnp2/8/8/8/8/8/K3R3 w", 9, "Ka1-a2 Ka1-b1 Ka1-b2", SH_KEYWHITEFIGURE},
+        // A king that can move lets the key figure go.
+        {key, "3rk3/3pnp2/8/8/8/8/8/K3R3 w", 9,
+         "Ka1-a2 Ka1-b1 Ka1-b2 Re1-b1 Re1-c1 Re1-d1 Re1-e2 Re1-e3 Re1-e4 Re1-e5 Re1-e6 Re1-f1 Re1-g1 Re1-h1 "
+         "Re1:e7", 0},
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        const TChessboard node = test::Problem(c.fen, c.halfMoves);
+        TMoveList moves;
+        GenerateLegalMoves(node, moves);
+        CSpecialHeuristics heuristics(c.set, node);
+        EXPECT_EQ(heuristics.FilterMoves(node, moves), c.reason) << c.fen;
+        std::vector<std::string> texts;
+        for (const TMove& m : moves) texts.push_back(MoveToText(node, m));
+        std::sort(texts.begin(), texts.end());
+        std::string kept;
+        for (const std::string& text : texts) kept += (kept.empty() ? "" : " ") + text;
+        EXPECT_EQ(kept, c.kept) << c.fen;
+    }
 }
 
 // End to end: the exception for moves that mate at once, and heuristics that never invent a mate.
