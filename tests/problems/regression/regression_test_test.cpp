@@ -11,6 +11,7 @@
 #include "problems/regression/script.h"
 #include "problems/regression/solved_problems_db.h"
 #include "tests/problems/problem_text.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {
@@ -34,12 +35,21 @@ class RegressionTestTest : public ::testing::Test {
         ReadCollectionFile(file, entries, false, {});
         return Run(entries, file);
     }
+    TScriptResult RunScript(const std::string& text, const std::filesystem::path& folder = testing::kData) {
+        m_env.testSettings.logFolder = m_folder.Path();
+        m_env.baseFolder = folder;
+        return RunScriptText(text, m_env);
+    }
+    std::string ScriptError(const std::string& text) {
+        return test::ErrorOf([&] { RunScript(text); });
+    }
 
     testing::CTempFolder m_folder;
     TRegressionTestSettings m_settings;
     TSolveSettings m_solve;
     TOptions m_options;
     std::string m_printed;
+    TScriptEnvironment m_env{m_options, {}, {}, {}, [this](const std::string& line) { m_printed += line; }};
 };
 
 TEST_F(RegressionTestTest, ShortTestWritesHeadingAndOneLinePerProblem) {
@@ -177,32 +187,10 @@ TEST(MirroredEntry, ReflectsBoardAnswerAndDescriptionAndLosesCastling) {
     EXPECT_EQ(MirroredEntry(mirrored), entry);  // toggled back, rights restored from the position
 }
 
-class ScriptTest : public ::testing::Test {
-  protected:
-    TScriptResult Run(const std::string& text) {
-        m_env.testSettings.logFolder = m_folder.Path();
-        m_env.baseFolder = testing::kData;
-        return RunScriptText(text, m_env);
-    }
-    // The message of the script's fault, or "" when it runs.
-    std::string Error(const std::string& text) {
-        try {
-            Run(text);
-        } catch (const CScriptError& e) {
-            return e.what();
-        }
-        return "";
-    }
-
-    testing::CTempFolder m_folder;
-    TOptions m_options;
-    std::string m_printed;
-    TScriptEnvironment m_env{m_options, {}, {}, {}, [this](const std::string& line) { m_printed += line; }};
-};
-
-TEST_F(ScriptTest, OpensCollectionAndRunsShortMirroredTest) {
+TEST_F(RegressionTestTest, ScriptOpensCollectionAndRunsShortMirroredTest) {
     m_env.testSettings.databaseFolder = m_folder.File(kSolvedProblemsFolder);
-    const TScriptResult result = Run("open small.cp\n\nsettempregsize 50%\nrunregtest short,withmirror\n");
+    const TScriptResult result =
+        RunScript("open small.cp\n\nsettempregsize 50%\nrunregtest short,withmirror\n");
     EXPECT_TRUE(m_printed.starts_with("Running .vrs script...\n"));
     EXPECT_TRUE(m_printed.ends_with("Script complete.\n"));
     ASSERT_EQ(result.logFiles.size(), 1u);
@@ -214,8 +202,8 @@ TEST_F(ScriptTest, OpensCollectionAndRunsShortMirroredTest) {
     EXPECT_FALSE(ReadSolvedProblems(m_folder.File(kSolvedProblemsFolder) / "small.cspdb").empty());
 }
 
-TEST_F(ScriptTest, RunRegTestOpensItsOptionalFile) {
-    const TScriptResult result = Run("RUNREGTEST SHORT wrong_answer.cp\nFROBNICATE now\n");
+TEST_F(RegressionTestTest, ScriptRunRegTestOpensItsOptionalFile) {
+    const TScriptResult result = RunScript("RUNREGTEST SHORT wrong_answer.cp\nFROBNICATE now\n");
     ASSERT_EQ(result.logFiles.size(), 1u);
     EXPECT_NE(
         testing::FileText(result.logFiles[0]).find("Failed: [SnglSolution, 1thrd(s)] Test #7 M1 failed:\n"),
@@ -224,33 +212,31 @@ TEST_F(ScriptTest, RunRegTestOpensItsOptionalFile) {
     EXPECT_EQ(result.collection.size(), 1u);
 }
 
-TEST_F(ScriptTest, VerifyShortMateReportsAndRemoves) {
+TEST_F(RegressionTestTest, ScriptVerifyShortMateReportsAndRemoves) {
     // #3 problem 2 of small.cp read as a #4: mated one move sooner.
     testing::CTempFolder data;
     data.Write("long.cp",
                "8 #4\n{\n FEN: 8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1\n}\n"
                "9 #2\n{\n FEN: 8/8/Q7/8/2K5/5P2/8/2k5 w - - 0 1\n}\n");
-    m_env.testSettings.logFolder = m_folder.Path();
-    m_env.baseFolder = data.Path();
-    TScriptResult result = RunScriptText("verifyshortmate check long.cp\n", m_env);
+    TScriptResult result = RunScript("verifyshortmate check long.cp\n", data.Path());
     EXPECT_TRUE(result.bAnyFailed);
     EXPECT_NE(m_printed.find("Problem 8 #4: short mate in 3: "), std::string::npos) << m_printed;
     EXPECT_NE(m_printed.find("Short mates verified in 2 problem(s): 1 found\n"), std::string::npos);
     EXPECT_EQ(result.collection.size(), 2u);
-    result = RunScriptText("verifyshortmate remove long.cp\n", m_env);
+    result = RunScript("verifyshortmate remove long.cp\n", data.Path());
     ASSERT_EQ(result.collection.size(), 1u);
     EXPECT_EQ(result.collection[0].m_nNumber, 9u);
 }
 
-TEST_F(ScriptTest, FaultyLinesNameTheirNumber) {
-    EXPECT_EQ(Error("\nOPEN\n"), "Script line 2: OPEN needs a file name");
-    EXPECT_EQ(Error("open small.cp\nSETTEMPREGSIZE 50 pct\n"),
+TEST_F(RegressionTestTest, ScriptFaultyLinesNameTheirNumber) {
+    EXPECT_EQ(ScriptError("\nOPEN\n"), "Script line 2: OPEN needs a file name");
+    EXPECT_EQ(ScriptError("open small.cp\nSETTEMPREGSIZE 50 pct\n"),
               "Script line 2: SETTEMPREGSIZE needs a size with %, GB or MB: 50");
-    EXPECT_EQ(Error("SETTEMPREGSIZE GB\n"),
+    EXPECT_EQ(ScriptError("SETTEMPREGSIZE GB\n"),
               "Script line 1: SETTEMPREGSIZE needs a size with %, GB or MB: GB");
-    EXPECT_TRUE(Error("SetTempRegSize 2gb\nsettempregsize 512MB\n").empty());
-    EXPECT_TRUE(Error("open no_such_file.cp\n").starts_with("Script line 1: Error opening file: "));
-    EXPECT_TRUE(Error("open broken.cp\n").starts_with("Script line 1: "));
+    EXPECT_EQ(ScriptError("SetTempRegSize 2gb\nsettempregsize 512MB\n"), test::kNoError);
+    EXPECT_TRUE(ScriptError("open no_such_file.cp\n").starts_with("Script line 1: Error opening file: "));
+    EXPECT_TRUE(ScriptError("open broken.cp\n").starts_with("Script line 1: "));
 }
 
 }  // namespace
