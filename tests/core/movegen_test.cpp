@@ -25,14 +25,6 @@ TEST(Attacks, AnswerNamesSingleAttackerOrMany) {
     ASSERT_EQ(list.count, 2);
 }
 
-TEST(Attacks, KnightsAndPawnsAttackTheRightWay) {
-    const TChessboard b = Board("4k3/8/8/3p4/8/2N5/8/4K3 w");
-    EXPECT_TRUE(IsAttackedByWhite(b, 3, 4));   // Nc3 hits d5
-    EXPECT_TRUE(IsAttackedByBlack(b, 2, 3));   // d5 pawn hits c4
-    EXPECT_TRUE(IsAttackedByBlack(b, 4, 3));   // and e4
-    EXPECT_FALSE(IsAttackedByBlack(b, 3, 3));  // not the square in front
-}
-
 TEST(Attacks, FlightSquaresLiftTheKing) {
     // The rook on a8 checks along the eighth rank: g8 stays covered behind the lifted king.
     EXPECT_EQ(BlackKingFlightSquares(Board("R6k/8/8/8/8/8/8/K7 b")), 2);

@@ -357,22 +357,7 @@ TEST(SpecialHeuristics, FiltersOfMoves) {
     }
 }
 
-// End to end: the exception for moves that mate at once, and heuristics that never invent a mate.
-TEST(SpecialHeuristics, SearchUnderHeuristics) {
-    const TChessboard mateInTwo = test::Problem("7k/8/5K2/8/8/8/8/6R1 w", 3);
-    // 1. Kf7 Kh7 2. Rh1#: the king's step away from the corner is followed by mate at once.
-    CSpecialHeuristics corner(With(SH_KEEPKINGNEARCORNER), mateInTwo);
-    TSearchEnvironment env;
-    env.heuristics = &corner;
-    EXPECT_EQ(TMateSearch(env).FindForcedMate(mateInTwo), kMate);
-    // 1. Kf7 is no mate at once and moves a tied piece.
-    CSpecialHeuristics single(With(SH_SINGLEQUEENMATE), mateInTwo);
-    env.heuristics = &single;
-    TMateSearch search(env);
-    EXPECT_EQ(search.FindForcedMate(mateInTwo), kDoubtful);
-    EXPECT_EQ(search.DoubtReason(), SH_SINGLEQUEENMATE);
-}
-
+// End to end: a search under heuristics never finds a mate or a refutation the plain search does not.
 TEST(SpecialHeuristics, NeverInventAMate) {
     const uint32_t masks[] = {
         SH_KEEPKINGONTHEEDGE | SH_DONTLOSEANYFIGURES | SH_3MOVESTOMATE,

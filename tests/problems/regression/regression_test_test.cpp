@@ -88,18 +88,6 @@ TEST_F(RegressionTestTest, WrongAnswerFailsWithFoundAndExpectedKeys) {
         << log;
 }
 
-TEST_F(RegressionTestTest, FullTestHeadingAndLoops) {
-    std::vector<ProblemEntry> entries = testing::ReadAll(kMirrorCollection);
-    entries.resize(1);
-    m_settings.nLoops = 2;
-    const TRegressionTestResult result = Run(entries, "mirror.cp");
-    EXPECT_FALSE(result.bAnyFailed);
-    const std::regex heading(R"((^|\n)Regression test started of [-0-9 :]+, file mirror\.cp\n)");
-    const std::string log = testing::FileText(result.logFile);
-    EXPECT_EQ(std::distance(std::sregex_iterator(log.begin(), log.end(), heading), std::sregex_iterator()),
-              2);
-}
-
 TEST_F(RegressionTestTest, MirroredPositionsFollowNoMirrorAndMirrorOnly) {
     m_settings.bWithMirror = true;
     m_settings.databaseFolder = m_folder.File(kSolvedProblemsFolder);
