@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "register_file_support.h"
+#include "register_test_support.h"
 #include "registers/register_autosave.h"
 #include "registers/register_file.h"
 #include "tests/support/temp_folder.h"

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <vector>
 
-#include "register_file_support.h"
+#include "register_test_support.h"
 #include "registers/lz4e_codec.h"
 #include "registers/register_packing.h"
 
