@@ -21,21 +21,15 @@ std::string DecodeError(const TChessboardId& id) {
 }
 
 // Identifiers and their six-bit texts, worked out by hand from the bit layout.
-struct KnownId {
-    const char* placement;
-    int bitCount;
-    const char* alphanum6;
-};
-
 TEST(ChessboardId, KnownPositionsGiveTheirBitCountsAndTexts) {
     // clang-format off
-    const KnownId cases[] = {
+    const struct { const char* placement; int bitCount; const char* alphanum6; } cases[] = {
         {"8/8/8/8/8/8/8/8", 64, "00000000000"}, {"7k/8/8/8/8/8/8/K7", 72, "100000000006"},
         {"rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", 192, "Jqc5yRmFkaBiF00000MVseDPVYKPRouv"},
         {"r3k2r/1q6/8/3Pp3/8/5N2/4B3/R3K2R", 108, "d4E1h0G00a70w5M33u"},
     };
     // clang-format on
-    for (const KnownId& c : cases) {
+    for (const auto& c : cases) {
         // The empty board cannot be read as a position: place its squares directly.
         TChessboard board;
         if (std::string(c.placement) != "8/8/8/8/8/8/8/8") board = Board(c.placement);

@@ -34,14 +34,12 @@ TEST(Attacks, FlightSquaresLiftTheKing) {
     EXPECT_EQ(BlackKingFlightSquares(Board("6rk/6pp/8/8/8/8/8/K7 b")), 0);
 }
 
-struct CountCase {
-    const char* why;
-    const char* fen;
-    int moves;
-};
-
 TEST(LegalMoves, Counts) {
-    const CountCase cases[] = {
+    const struct {
+        const char* why;
+        const char* fen;
+        int moves;
+    } cases[] = {
         {"double check: king moves only", "4k3/8/8/8/1b6/8/4r3/3NK3 w", 2},
         {"single check: capture, block or step aside", "4k3/8/8/8/8/8/4r3/R3K3 w Q -", 3},
         {"pinned rook moves along the pin only", "4r1k1/8/8/8/8/8/4R3/4K3 w", 10},
@@ -51,7 +49,7 @@ TEST(LegalMoves, Counts) {
         {"four promotions each", "4k3/1P6/8/8/8/8/8/4K3 w", 9},
         {"stalemate", "7k/5Q2/8/8/8/8/8/K7 b", 0},
     };
-    for (const CountCase& c : cases) EXPECT_EQ(CountLegalMoves(Board(c.fen)), c.moves) << c.why;
+    for (const auto& c : cases) EXPECT_EQ(CountLegalMoves(Board(c.fen)), c.moves) << c.why;
 }
 
 TEST(LegalMoves, EnPassantOnlyAfterDoubleStepInsideTheLine) {

@@ -13,8 +13,8 @@ namespace moremate {
 namespace {
 
 using test::ErrorOf;
-using test::M;
 using test::kNoError;
+using test::M;
 using test::TestLine;
 
 const char* const kStart = "rnbqkbnr/pppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR w KQkq - 0 1";

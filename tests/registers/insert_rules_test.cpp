@@ -21,13 +21,9 @@ const TChessboardRegisterItem kPosition =
 constexpr TSolvingMode kNormal = TSolvingMode::Normal, kSpecial = TSolvingMode::Special;
 
 TEST(RegisterInsertSequence, LeavesTheExpectedEntry) {
-    struct TResult {
-        uint16_t n;
-        bool bMate;
-    };
     // clang-format off
-    const struct { const char* name; std::vector<TResult> results; TSolvingMode mode; uint16_t nMovesMate,
-        nMovesNoMate; bool bLastStored; } cases[] = {
+    const struct { const char* name; std::vector<std::pair<uint16_t, bool>> results; TSolvingMode mode;
+        uint16_t nMovesMate, nMovesNoMate; bool bLastStored; } cases[] = {
         {"FirstMate", {{5, true}}, kNormal, 5, 0, true}, {"FirstNoMate", {{6, false}}, kNormal, 0, 6, true},
         {"NoMateAboveMateIsRepairedByTwo", {{5, true}, {7, false}}, kNormal, 5, 3, true},
         {"NoMateEqualToMateOneIsRepairedToZero", {{1, true}, {1, false}}, kNormal, 1, 0, false},
@@ -47,7 +43,7 @@ TEST(RegisterInsertSequence, LeavesTheExpectedEntry) {
         SCOPED_TRACE(c.name);
         TAggregatedTemporaryChessboardRegister reg(1000, 16);
         bool bStored = false;
-        for (const TResult& r : c.results) bStored = reg.Insert(r.n, kPosition, r.bMate, c.mode);
+        for (const auto& [n, bMate] : c.results) bStored = reg.Insert(n, kPosition, bMate, c.mode);
         const std::optional<TChessboardRegisterEntry> entry = reg.Find(kPosition);
         ASSERT_TRUE(entry);
         EXPECT_EQ(entry->MovesMate, c.nMovesMate);

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "core/fen.h"
+#include "tests/support/positions.h"
 
 namespace moremate {
 namespace {
@@ -15,20 +15,9 @@ using TFields = THeuristicsDialogFields;
 // pawn on c3 stands between); the queen on h1 pins nothing (two black pieces, h5 and h6, between).
 const char* const kFen = "R2b3k/8/7n/7p/8/2P5/1B6/K6Q w - - 0 1";
 
-TChessboard Position() {
-    TChessboard board;
-    EXPECT_TRUE(ReadFen(kFen, board));
-    return board;
-}
-
 THeuristicsCheck Check(const TFields& fields) {
-    return CheckHeuristicsDialog(fields, Position());
+    return CheckHeuristicsDialog(fields, test::Board(kFen));
 }
-
-struct TMessageCase {
-    TFields fields;
-    std::string message;
-};
 
 TEST(HeuristicChecks, EveryMessage) {
     const std::string conflict =
@@ -38,7 +27,7 @@ TEST(HeuristicChecks, EveryMessage) {
         "requires correction.";
     const std::string capture = "Invalid number of figures to capture for relaxation of edge heuristics";
     // clang-format off
-    const std::vector<TMessageCase> cases = {
+    const std::vector<std::pair<TFields, std::string>> cases = {
         {TFields{.m_bOutOfEdge = true, .m_bDontLetKingMove = true},
          conflict + "\"Don't let bl.king out of the edge\")"},
         {TFields{.m_bOutOfExtEdge = true, .m_bDontLetKingMove = true},
@@ -88,10 +77,10 @@ TEST(HeuristicChecks, EveryMessage) {
         {TFields{.m_bAllowExc = true, .m_bSkipPassive = true, .m_bSkipWorst = true}, allowExc},
     };
     // clang-format on
-    for (const TMessageCase& c : cases) {
-        const THeuristicsCheck check = Check(c.fields);
-        EXPECT_FALSE(check.m_bOk) << c.message;
-        EXPECT_EQ(check.m_sMessage, c.message);
+    for (const auto& [fields, message] : cases) {
+        const THeuristicsCheck check = Check(fields);
+        EXPECT_FALSE(check.m_bOk) << message;
+        EXPECT_EQ(check.m_sMessage, message);
     }
 }
 

@@ -24,15 +24,9 @@ THeuristicParameters With(const TSetUp& setUp) {
     return params;
 }
 
-struct TParameterCase {
-    uint32_t bit;
-    TSetUp setUp;
-    std::string text;
-};
-
 TEST(HeuristicText, ParameterTexts) {
     // clang-format off
-    const std::vector<TParameterCase> cases = {
+    const struct { uint32_t bit; TSetUp setUp; std::string text; } cases[] = {
         {SH_KEEPKINGONTHEEDGE, [](auto&) {}, ""},
         {SH_KEEPKINGONTHEEDGE, [](auto& p) {
              p.kingMode = TKingMode::AlmostStrict, p.inclCorner = p.edgeStrict = true;
@@ -79,7 +73,7 @@ TEST(HeuristicText, ParameterTexts) {
         {SH_ZUGZWANG, [](auto& p) { p.zugzwangSet = true, p.zugzwangAfterMove = 3; }, ""},
     };
     // clang-format on
-    for (const TParameterCase& c : cases)
+    for (const auto& c : cases)
         EXPECT_EQ(HeuristicParameterText(c.bit, With(c.setUp)), c.text)
             << HeuristicName(c.bit) << " " << c.text;
 }
@@ -269,16 +263,11 @@ TEST(HeuristicNames, EveryNameLeadsBackToItsBit) {
     EXPECT_EQ(HeuristicFromName(""), 0u);
 }
 
-
-struct TTokenCase {
-    const char* sTokens;
-    uint32_t nAdded;  // bits added to the starting set
-    std::function<bool(const TPredefinedHeuristics&)> check;
-};
-
 TEST(PredefinedHeuristics, EveryToken) {
     // clang-format off
-    const std::vector<TTokenCase> cases = {
+    // The tokens, the bits they add to the starting set, and a check of what else they set.
+    const struct { const char* sTokens; uint32_t nAdded; std::function<bool(const TPredefinedHeuristics&)> check; }
+        cases[] = {
         {"SafeMode", 0, [](const auto& r) { return r.m_bSafeModeForced; }},
         {"AssertBKS", SH_ASSERTBLACKKINGSURROUNDED, [](const auto& r) { return !r.m_set.params.surroundedStrict; }},
         {"AssertBKS(strict)", SH_ASSERTBLACKKINGSURROUNDED,
@@ -308,7 +297,7 @@ TEST(PredefinedHeuristics, EveryToken) {
     };
     // clang-format on
     const THeuristicSet start{SH_3MOVESTOMATE, {}};
-    for (const TTokenCase& c : cases) {
+    for (const auto& c : cases) {
         const TPredefinedHeuristics result = ApplyPredefinedAdditionalHeuristics(start, c.sTokens);
         EXPECT_EQ(result.m_set.mask, start.mask | c.nAdded) << c.sTokens;
         EXPECT_TRUE(c.check(result)) << c.sTokens;

@@ -283,21 +283,16 @@ TEST(Relaxation, PreliminaryAndOtherHeuristics) {
     EXPECT_EQ(other.set.mask, SH_KEEPKINGONTHEEDGE | SH_3MOVESTOMATE);
 }
 
-struct TimeCase {
-    int64_t calcTime;
-    uint8_t modeAfter;   // 0: FFM taken out
-    const char* logged;  // nullptr: no line
-};
-
 TEST(Relaxation, TimeDependentStepNearTheLimit) {
+    // The time the pass took, the FFM mode after the step (0: FFM taken out), the line logged, if any.
     // clang-format off
-    const TimeCase cases[] = {
+    const struct { int64_t calcTime; uint8_t modeAfter; const char* logged; } cases[] = {
         {799, kFfmThreat2Plus, nullptr}, {1201, 0, nullptr},
         {800, kFfmThreat2Plus, "calcTime=800 msec.; limit=1000 msec. (additional relaxation accepted)"},
         {1200, 0, "calcTime=1200 msec.; limit=1000 msec. (additional relaxation refused)"},
     };
     // clang-format on
-    for (const TimeCase& c : cases) {
+    for (const auto& c : cases) {
         CTempFolder folder;
         TRelaxationEnvironment env = Env(kOpen, 5000 + c.calcTime);
         env.engineLogPath = folder.File("engine.log").string();

@@ -13,12 +13,6 @@ namespace {
 
 using test::Problem;
 
-using TShared = test::TSharedDirectmate;
-
-std::vector<TShared> SharedDirectmates(int maxMoves) {
-    return test::SharedDirectmates(1, maxMoves);
-}
-
 struct TRig {
     explicit TRig(uint64_t tableBytes = 8 << 20) : table(tableBytes), proofs(Env(), table, nullptr) {}
     TSearchEnvironment Env() {
@@ -34,9 +28,9 @@ struct TRig {
 // Every first move of the small shared problems is proved or disproved as the ordinary search
 // finds it, and the root agrees with the record's answer.
 TEST(ProofNumberSearch, AgreesWithTheOrdinarySearchOnSharedDirectmates) {
-    const std::vector<TShared> problems = SharedDirectmates(3);
+    const auto problems = test::SharedDirectmates(1, 3);
     ASSERT_GT(problems.size(), 20u);
-    for (const TShared& p : problems) {
+    for (const auto& p : problems) {
         SCOPED_TRACE(p.fen);
         const TChessboard root = Problem(p.fen, 2 * p.moves - 1);
         TRig rig;
@@ -71,9 +65,9 @@ TEST(ProofNumberSearch, ResultsDoNotDependOnTheLine) {
 // A table of a few buckets loses entries all the time: the results stay right, the figures show
 // the replacements and collections.
 TEST(ProofNumberSearch, TinyTableStaysRight) {
-    const std::vector<TShared> problems = SharedDirectmates(4);
+    const auto problems = test::SharedDirectmates(1, 4);
     TRig rig(1024);
-    for (const TShared& p : problems) {
+    for (const auto& p : problems) {
         SCOPED_TRACE(p.fen);
         EXPECT_EQ(rig.proofs.Prove(Problem(p.fen, 2 * p.moves - 1)), p.solvable ? kMate : kNoMate);
     }
@@ -136,7 +130,7 @@ TEST(ProofNumberPass, LongCompositionKeyAndAllSolutions) {
 
 // Two threads share the table and settle first moves apart: the same keys, the same verdicts.
 TEST(ProofNumberPass, ThreadsAgreeWithOneThread) {
-    for (const TShared& p : SharedDirectmates(3)) {
+    for (const auto& p : test::SharedDirectmates(1, 3)) {
         SCOPED_TRACE(p.fen);
         TProofNumberPassRequest request;
         request.position = Problem(p.fen, 2 * p.moves - 1);
