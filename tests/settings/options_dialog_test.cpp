@@ -24,23 +24,22 @@ TEST(OptionsDialogCheck, GivesFirstFailureOrNotes) {
         std::string sFailure = {};
         TNotes notes = {};
     };
-    using D = TDialogCase;
     // clang-format off
     const TDialogCase cases[] = {
-        D{.sPrecalcRatio = "101", .sFailure = kBadPrecalcMemRatio}, D{.sPrecalcRatio = "20%", .sFailure = kBadPrecalcMemRatio},
-        D{.sTempRegRatio = "-1", .sFailure = kBadTempRegMemRatio},
-        D{.sPrecalcRatio = "x", .sTempRegRatio = "x", .sFailure = kBadPrecalcMemRatio},  // the first of two
-        D{.sSchedulerLevels = "10", .sFailure = kBadSchedulerLevels},
-        D{.sLichessLevels = "-2", .sFailure = kBadLichessLevels}, D{.sLichessLevels = "256", .sFailure = kBadLichessLevels},
-        D{.nThreads = 64, .nLevels = 3, .sFailure = kTooManyThreads},
-        D{.nThreads = 2, .nLevels = 100, .sFailure = kTooManyThreads},  // adjusted levels still too many
-        D{.sAutoSaveMinutes = "-1", .sFailure = kBadAutoSave},
-        D{}, D{.sSchedulerLevels = " 3 "}, D{.sLichessLevels = "-1"},
-        D{.nThreads = 64, .nLevels = 2, .notes = {kThreadsNotSaved}}, D{.nThreads = 0, .notes = {kThreadsNotSaved}},
-        D{.nLevels = 0, .notes = {kMultithreadingLevelsAdjusted}},
-        D{.sSchedulerLevels = "0", .notes = {kCustomSchedulerOff}}, D{.sSchedulerLevels = "0", .bCustomScheduler = false},
-        D{.bLogMoves = true, .notes = {kSchedulerWithFullLog}},
-        D{.sSchedulerLevels = "0", .nThreads = 1, .nLevels = 65, .bLogMoves = true,  // in the order of the checks
+        {.sPrecalcRatio = "101", .sFailure = kBadPrecalcMemRatio},
+        {.sPrecalcRatio = "20%", .sFailure = kBadPrecalcMemRatio}, {.sTempRegRatio = "-1", .sFailure = kBadTempRegMemRatio},
+        {.sPrecalcRatio = "x", .sTempRegRatio = "x", .sFailure = kBadPrecalcMemRatio},  // the first of two
+        {.sSchedulerLevels = "10", .sFailure = kBadSchedulerLevels}, {.sLichessLevels = "-2", .sFailure = kBadLichessLevels},
+        {.sLichessLevels = "256", .sFailure = kBadLichessLevels},
+        {.nThreads = 64, .nLevels = 3, .sFailure = kTooManyThreads},
+        {.nThreads = 2, .nLevels = 100, .sFailure = kTooManyThreads},  // adjusted levels still too many
+        {.sAutoSaveMinutes = "-1", .sFailure = kBadAutoSave},
+        {}, {.sSchedulerLevels = " 3 "}, {.sLichessLevels = "-1"},
+        {.nThreads = 64, .nLevels = 2, .notes = {kThreadsNotSaved}}, {.nThreads = 0, .notes = {kThreadsNotSaved}},
+        {.nLevels = 0, .notes = {kMultithreadingLevelsAdjusted}},
+        {.sSchedulerLevels = "0", .notes = {kCustomSchedulerOff}}, {.sSchedulerLevels = "0", .bCustomScheduler = false},
+        {.bLogMoves = true, .notes = {kSchedulerWithFullLog}},
+        {.sSchedulerLevels = "0", .nThreads = 1, .nLevels = 65, .bLogMoves = true,  // in the order of the checks
           .notes = {kMultithreadingLevelsAdjusted, kThreadsNotSaved, kCustomSchedulerOff}},
     };
     // clang-format on

@@ -108,64 +108,41 @@ TEST(Records, OtherAtLinesAndPlainCommentsAreIgnored) {
     EXPECT_EQ(entry.m_annotations, TAnnotationLines{});
 }
 
-TEST(Records, FigureListsBuildTheSamePositionAsFen) {
-    const ProblemEntry lists = ReadOne("1 #2 { desc: Lists\n wh: Ke1, Qa7 ,rh1 BLACK: kc1 }");
-    const ProblemEntry fen = ReadOne("1 #2 { Description: Lists\n FEN: 8/Q7/8/8/8/8/8/2k1K2R w - - 0 1\n}");
-    EXPECT_EQ(lists.m_position, fen.m_position);
-    EXPECT_EQ(lists.m_sDescription, "Lists");
-    EXPECT_EQ(WriteFen(lists.m_position.board), kFen);
-}
-
-TEST(Records, DescriptionIsTheRestOfTheLineInUtf8) {
-    const ProblemEntry entry = ReadOne(
-        "1 #2 { D:   Sch\xC3\xB6pfer /* not a comment */ 1927 \r\n FEN: " + std::string(kFen) + "\n}");
-    EXPECT_EQ(entry.m_sDescription, "Sch\xC3\xB6pfer /* not a comment */ 1927 ");
-}
-
-TEST(Records, AnswersKeepTheirKindAndOrder) {
-    const std::string position = "{ FEN: 6k1/P7/8/8/8/8/8/K7 w - - 0 1\n";
-    const ProblemEntry full = ReadOne("1 #2 " + position + " Solution: a7-a8Q, A1:B2,a7-a8n }");
-    EXPECT_EQ(full.m_answerKind, AnswerKind::Full);
-    ASSERT_EQ(full.m_vAnswer.size(), 3u);
-    EXPECT_EQ(full.m_vAnswer[0], (TMove{48, 56, kQueen}));
-    EXPECT_EQ(full.m_vAnswer[1], (TMove{0, 9, 0}));
-    EXPECT_EQ(full.m_vAnswer[2], (TMove{48, 56, kKnight}));
-    EXPECT_NE(WriteRecord(full).find("\tAnswer: a7-a8Q, a1-b2, a7-a8N\n"), std::string::npos);
-
-    const ProblemEntry sort = ReadOne("1 #2 " + position + " SWM: a1-b1 }");
-    EXPECT_EQ(sort.m_answerKind, AnswerKind::ExpectedSort);
-    const ProblemEntry sortOnly = ReadOne("1 #2 " + position + " ExpectedSortWhiteMovesOnly: a1-b1 }");
-    EXPECT_EQ(sortOnly.m_answerKind, AnswerKind::ExpectedSortOnly);
-    for (const ProblemEntry* entry : {&full, &sort, &sortOnly})
-        EXPECT_EQ(ReadOne(WriteRecord(*entry)), *entry);
-}
-
-TEST(Records, CapturesAreWrittenWithAColonFromThePosition) {
-    const ProblemEntry entry = ReadOne("1 #2 { FEN: 6n1/7P/8/8/8/8/8/K1k5 w - - 0 1\n A: h7-g8Q, h7:h8R }");
-    EXPECT_NE(WriteRecord(entry).find("\tAnswer: h7:g8Q, h7-h8R\n"), std::string::npos);
-}
-
-TEST(Records, MovesOfAPositionArePlayedAndWrittenAsALine) {
-    const ProblemEntry entry = ReadOne(
-        "1 { FEN: r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1\n Moves: 1.Ke1-d1 Ke8-d8 2. Kd1-e1+ ... Kd8-e8\n}");
-    ASSERT_EQ(entry.m_vMoves.size(), 4u);
-    EXPECT_EQ(entry.m_vMoves[3], (TMove{59, 60, 0}));
-    EXPECT_NE(WriteRecord(entry).find("   Moves:    1. Ke1-d1 Ke8-d8 2. Kd1-e1 Kd8-e8\n}"),
-              std::string::npos);
-    EXPECT_EQ(ReadOne(WriteRecord(entry)), entry);
-}
-
-TEST(Records, PositionWithoutStipulationKeepsBlackToMove) {
-    const ProblemEntry entry = ReadOne("1 { FEN: 4k3/8/8/8/8/8/8/4K3 b - - 0 1\n Moves: 1. ... Ke8-d8\n}");
-    EXPECT_FALSE(entry.m_position.board.WhiteToMove());
-    EXPECT_EQ(WriteRecord(entry),
-              "\n1 \n{\n\tFEN: 4k3/8/8/8/8/8/8/4K3 b - - 0 1\n   Moves:    1. ... Ke8-d8\n}\n");
-}
-
-TEST(Records, DirectmatesAreWhiteToMoveWhateverTheFenSays) {
-    const ProblemEntry entry = ReadOne("1 #2 { FEN: 4k3/8/8/8/8/8/8/4K3 b - - 0 1\n}");
-    EXPECT_TRUE(entry.m_position.board.WhiteToMove());
-    EXPECT_EQ(entry.m_position.board.movesLeft, 3);
+// Records read and written in the canonical layout, which reads back to the same record: figure lists
+// give the FEN, a description is the rest of its line, answers keep their kind and order and take
+// their capture marks from the position, played moves become a numbered line, a position without
+// stipulation keeps Black to move, and directmates are White to move whatever the FEN says.
+TEST(Records, ReadAndWrittenInTheCanonicalLayout) {
+    const std::string position = "{ FEN: 6k1/P7/8/8/8/8/8/K7 w - - 0 1\n",
+                      fen = "\tFEN: 6k1/P7/8/8/8/8/8/K7 w - - 0 1\n";
+    const auto record = [](const std::string& header, const std::string& lines) {
+        return "\n" + header + "\n{\n" + lines + "}\n";
+    };
+    // clang-format off
+    const std::pair<std::string, std::string> cases[] = {
+        {"1 #2 { desc: Lists\n wh: Ke1, Qa7 ,rh1 BLACK: kc1 }",
+         record("1 #2", "\tDescription: Lists\n\tFEN: " + kFen + "\n")},
+        {"1 #2 { D:   Sch\xC3\xB6pfer /* not a comment */ 1927 \r\n FEN: " + kFen + "\n}",
+         record("1 #2", "\tDescription: Sch\xC3\xB6pfer /* not a comment */ 1927 \n\tFEN: " + kFen + "\n")},
+        {"1 #2 " + position + " Solution: a7-a8Q, A1:B2,a7-a8n }",
+         record("1 #2", fen + "\tAnswer: a7-a8Q, a1-b2, a7-a8N\n")},
+        {"1 #2 " + position + " SWM: a1-b1 }", record("1 #2", fen + "\tExpectedSortWhiteMoves: a1-b1\n")},
+        {"1 #2 " + position + " ExpectedSortWhiteMovesOnly: a1-b1 }",
+         record("1 #2", fen + "\tExpectedSortWhiteMovesOnly: a1-b1\n")},
+        {"1 #2 { FEN: 6n1/7P/8/8/8/8/8/K1k5 w - - 0 1\n A: h7-g8Q, h7:h8R }",
+         record("1 #2", "\tFEN: 6n1/7P/8/8/8/8/8/K1k5 w - - 0 1\n\tAnswer: h7:g8Q, h7-h8R\n")},
+        {"1 { FEN: r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1\n Moves: 1.Ke1-d1 Ke8-d8 2. Kd1-e1+ ... Kd8-e8\n}",
+         record("1 ", "\tFEN: r3k2r/8/8/8/8/8/8/R3K2R w KQkq - 0 1\n   Moves:    1. Ke1-d1 Ke8-d8 2. Kd1-e1 Kd8-e8\n")},
+        {"1 { FEN: 4k3/8/8/8/8/8/8/4K3 b - - 0 1\n Moves: 1. ... Ke8-d8\n}",
+         record("1 ", "\tFEN: 4k3/8/8/8/8/8/8/4K3 b - - 0 1\n   Moves:    1. ... Ke8-d8\n")},
+        {"1 #2 { FEN: 4k3/8/8/8/8/8/8/4K3 b - - 0 1\n}", record("1 #2", "\tFEN: 4k3/8/8/8/8/8/8/4K3 w - - 0 1\n")},
+    };
+    // clang-format on
+    for (const auto& [text, written] : cases) {
+        const ProblemEntry entry = ReadOne(text);
+        EXPECT_EQ(WriteRecord(entry), written) << text;
+        EXPECT_EQ(ReadOne(WriteRecord(entry)), entry) << text;
+    }
 }
 
 TEST(Records, ManyQueensAndPawnsAskBeforeLoading) {
