@@ -27,9 +27,11 @@ TEST(OptionsDialogCheck, GivesFirstFailureOrNotes) {
     // clang-format off
     const TDialogCase cases[] = {
         {.sPrecalcRatio = "101", .sFailure = kBadPrecalcMemRatio},
-        {.sPrecalcRatio = "20%", .sFailure = kBadPrecalcMemRatio}, {.sTempRegRatio = "-1", .sFailure = kBadTempRegMemRatio},
+        {.sPrecalcRatio = "20%", .sFailure = kBadPrecalcMemRatio},
+        {.sTempRegRatio = "-1", .sFailure = kBadTempRegMemRatio},
         {.sPrecalcRatio = "x", .sTempRegRatio = "x", .sFailure = kBadPrecalcMemRatio},  // the first of two
-        {.sSchedulerLevels = "10", .sFailure = kBadSchedulerLevels}, {.sLichessLevels = "-2", .sFailure = kBadLichessLevels},
+        {.sSchedulerLevels = "10", .sFailure = kBadSchedulerLevels},
+        {.sLichessLevels = "-2", .sFailure = kBadLichessLevels},
         {.sLichessLevels = "256", .sFailure = kBadLichessLevels},
         {.nThreads = 64, .nLevels = 3, .sFailure = kTooManyThreads},
         {.nThreads = 2, .nLevels = 100, .sFailure = kTooManyThreads},  // adjusted levels still too many

@@ -288,7 +288,9 @@ TEST(PredefinedHeuristics, EveryToken) {
         {"LFQMDepth(#4)", 0, [](const auto& r) { return r.m_set.params.quickMateDepth == 4; }},
         {"SyzygyLevels(5)", 0, [](const auto& r) { return r.m_nSyzygyLevels == 5; }},
         {"FFM(#5)", SH_FINDFORCEDMATE,
-         [](const auto& r) { return r.m_set.params.ffm.mode == kFfmThreat5 && r.m_set.params.ffm.initialMode == kFfmThreat5; }},
+         [](const auto& r) {
+             return r.m_set.params.ffm.mode == kFfmThreat5 && r.m_set.params.ffm.initialMode == kFfmThreat5;
+         }},
         {"FFM(#1+)", SH_FINDFORCEDMATE, [](const auto& r) { return r.m_set.params.ffm.mode == kFfmThreat1Plus; }},
         {"SafeMode, ExtEdge  DLFU(a1,b2),FFM(#2)",
          SH_KEEPKINGWITHINEXTEDGE | SH_DONTLETFIGUREUNBLOCK | SH_FINDFORCEDMATE,
