@@ -93,25 +93,6 @@ TEST(WriteFen, RoundTripsWithCastlingFromThePosition) {
     EXPECT_EQ(WriteFen(Board("4k3/8/8/8/8/8/8/R3K2R w k - 0 1")), "4k3/8/8/8/8/8/8/R3K2R w KQ - 0 1");
 }
 
-TEST(WriteFen, AfterMovesOfALine) {
-    // Move numbers, double steps not written, castling rights lost by moves and captures.
-    // clang-format off
-    const struct { const char* fen; int halfMoves; const char* moves; const char* written; } cases[] = {
-        {kStart, 3, "e2-e4 e7-e5", "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 2"},
-        {kStart, 7, "e2-e4 e7-e5 Ng1-f3 Nb8-c6 Bf1-c4",
-         "r1bqkbnr/pppp1ppp/2n5/4p3/2B1P3/5N2/PPPP1PPP/RNBQK2R b KQkq - 0 3"},
-        {"r3k2r/8/8/8/8/8/8/R3K2R w", 3, "0-0", "r3k2r/8/8/8/8/8/8/R4RK1 b kq - 0 1"},
-        {"4k3/8/8/8/8/8/8/4K2R w", 5, "Rh1-h2 Ke8-d8 Rh2-h1", "3k4/8/8/8/8/8/8/4K2R b - - 0 2"},
-        {"r3k2r/8/8/8/8/8/8/4K3 b", 4, "Ke8-d8 Ke1-d1 Kd8-e8", "r3k2r/8/8/8/8/8/8/3K4 w - - 0 2"},
-        {"r3k2r/8/8/8/8/8/8/R3K2R w", 3, "Ra1:a8", "R3k2r/8/8/8/8/8/8/4K2R b Kk - 0 1"},
-    };
-    // clang-format on
-    for (const auto& c : cases) {
-        TestLine line(Problem(c.fen, c.halfMoves));
-        EXPECT_EQ(WriteFen(line.PlayLine(c.moves).Now()), c.written) << c.moves;
-    }
-}
-
 TEST(WriteFen, EnPassantSquareIsPairedWithTheSideToMove) {
     // The field is written only when the side to move is the one that made the double step,
     // which a line never gives; turn the side by hand to see the square that would be written.

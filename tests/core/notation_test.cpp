@@ -132,6 +132,13 @@ TEST(MakeMove, PlaysLongNotation) {
         {"4k3/8/8/8/8/8/8/R3K2R w", "O-O-O", "4k3/8/8/8/8/8/8/2KR3R b - - 0 1"},
         {"r3k2r/8/8/8/8/8/8/4K3 b", "0-0", "r4rk1/8/8/8/8/8/8/4K3 w - - 0 1"},
         {"r3k2r/8/8/8/8/8/8/4K3 b", "0-0-0", "2kr3r/8/8/8/8/8/8/4K3 w - - 0 1"},
+        // Move numbers, double steps not written, castling rights lost by moves and captures.
+        {kStart, "e2-e4 e7-e5", "rnbqkbnr/pppp1ppp/8/4p3/4P3/8/PPPP1PPP/RNBQKBNR w KQkq - 0 2"},
+        {kStart, "e2-e4 e7-e5 Ng1-f3 Nb8-c6 Bf1-c4", "r1bqkbnr/pppp1ppp/2n5/4p3/2B1P3/5N2/PPPP1PPP/RNBQK2R b KQkq - 0 3"},
+        {"r3k2r/8/8/8/8/8/8/R3K2R w", "0-0", "r3k2r/8/8/8/8/8/8/R4RK1 b kq - 0 1"},
+        {"4k3/8/8/8/8/8/8/4K2R w", "Rh1-h2 Ke8-d8 Rh2-h1", "3k4/8/8/8/8/8/8/4K2R b - - 0 2"},
+        {"r3k2r/8/8/8/8/8/8/4K3 b", "Ke8-d8 Ke1-d1 Kd8-e8", "r3k2r/8/8/8/8/8/8/3K4 w - - 0 2"},
+        {"r3k2r/8/8/8/8/8/8/R3K2R w", "Ra1:a8", "R3k2r/8/8/8/8/8/8/4K2R b Kk - 0 1"},
     };
     // clang-format on
     for (const MakeMoveCase& c : cases) EXPECT_EQ(Outcome(c.fen, c.moves), c.outcome) << c.moves;
