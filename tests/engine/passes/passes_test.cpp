@@ -2,16 +2,28 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <regex>
+#include <string>
+#include <vector>
 
 #include "core/fen.h"
 #include "core/notation.h"
 #include "core/validation.h"
+#include "engine/passes/relaxation.h"
 #include "engine/run/run_services.h"
 #include "tests/support/positions.h"
+#include "tests/support/temp_folder.h"
 
 namespace moremate {
 namespace {
+
+using testing::CTempFolder;
 
 // Every line that does not mate at once is doubtful: no key of more than one move is found.
 class CDoubtEverything : public CHeuristicHook {
@@ -241,6 +253,352 @@ TEST(RunServices, RootProvenInTheRegisterIsNotSearched) {
     EXPECT_EQ(known.result, kNoMate);
     EXPECT_EQ(known.nodes, 0u);
     EXPECT_TRUE(known.passes.empty());
+}
+
+// Black Kh8 walled in by Rg8 (immobile), Bf8 and pawns g7 (pinned), h7; White Ke1, Qa1, Bh1. #5.
+const TChessboard kCornered = test::Directmate("5brk/6pp/8/8/8/8/8/Q3K2B w", 8);
+// Black king alone in the middle; White Ke1, Ra1, pawns a2, b2. #12.
+const TChessboard kOpen = test::Directmate("8/8/8/3k4/8/8/PP6/R3K3 w", 12);
+// A single white rook. #12.
+const TChessboard kLoneRook = test::Directmate("8/8/8/3k4/8/8/8/R3K3 w", 12);
+
+std::vector<std::string> Lines(const std::string& path) {
+    std::ifstream in(path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
+
+TRelaxationEnvironment Env(const TChessboard& root, int64_t passEnd = 1'000'000) {
+    TRelaxationEnvironment env;
+    env.root = &root;
+    env.clock = [passEnd] { return passEnd; };
+    return env;
+}
+
+TPassState State(uint32_t mask) {
+    TPassState s;
+    s.set.mask = mask;
+    return s;
+}
+
+void SetFfm(TPassState& s, uint8_t mode, uint8_t relaxations) {
+    s.set.Add(SH_FINDFORCEDMATE);
+    s.set.params.ffm.mode = s.set.params.ffm.initialMode = mode;
+    s.set.params.ffm.relaxations = relaxations;
+}
+
+TEST(Relaxation, FixedOrderOverASetWithEveryKindOfStep) {
+    TPassState s =
+        State(SH_SWEEPINGWHITEROOK | SH_ZUGZWANG | SH_SEASNAKE | SH_ONECOLORPLAYPOSSIBLE |
+              SH_KEEPKINGNEARCORNER | SH_DONTLEAVEMAINDIAGONAL | SH_KEYWHITEFIGURE | SH_KEEPKINGONTHEEDGE |
+              SH_DONTLETBLACKQUEENCHECKTWICE | SH_DONTLETPROMOTEDQUEENMOVE | SH_DONTLETFIGUREUNBLOCK |
+              SH_SINGLEQUEENMATE | SH_DONTLOSEANYFIGURES | SH_ASSERTBLACKKINGSURROUNDED |
+              SH_SKIPWORSTWHITEMOVES | SH_SAVEQUEENROOK | SH_AREKINGSNEAR | SH_3MOVESTOMATE);
+    SetFfm(s, kFfmThreat1, 1);
+    THeuristicParameters& p = s.set.params;
+    p.colourMode = TColourMode::WhiteSquaresOnly, p.kingMode = TKingMode::Strict;
+    p.keyWhiteFigure = 28;  // e4, empty: the key figure test fails
+    p.blockedFigures[0] = 62, p.blockedCount = 1, p.loseFiguresPawns = 1, p.surroundedStrict = true;
+
+    uint32_t m = s.set.mask;
+    const auto drop = [&m](uint32_t bits) { return m &= ~bits; };
+    // FFM "#1+", FFM gone (steps used up, the pass was slow), rules 5 to 13, STRICT -> ALMOST_STRICT,
+    // the edge -> "surrounded", 16, 17, "EFF", 19, 20, strict cleared, 21, 24, 25 one by one, the rest.
+    // clang-format off
+    const std::vector<uint32_t> expected = {
+        m, drop(SH_FINDFORCEDMATE), drop(SH_SWEEPINGWHITEROOK), drop(SH_ZUGZWANG), drop(SH_SEASNAKE),
+        drop(SH_ONECOLORPLAYPOSSIBLE), drop(SH_KEEPKINGNEARCORNER), drop(SH_DONTLEAVEMAINDIAGONAL),
+        drop(SH_KEYWHITEFIGURE), m, drop(SH_KEEPKINGONTHEEDGE), drop(SH_DONTLETBLACKQUEENCHECKTWICE),
+        drop(SH_DONTLETPROMOTEDQUEENMOVE), m, drop(SH_SINGLEQUEENMATE), drop(SH_DONTLOSEANYFIGURES), m,
+        drop(SH_ASSERTBLACKKINGSURROUNDED), drop(SH_DONTLETFIGUREUNBLOCK), drop(SH_SKIPWORSTWHITEMOVES),
+        drop(SH_SAVEQUEENROOK), drop(SH_AREKINGSNEAR), 0,
+    };
+    // clang-format on
+    // Parameters changed by the steps that keep the mask, and the flags of the sea snake step.
+    const std::map<size_t, std::function<bool()>> checks = {
+        {0, [&p] { return p.ffm.mode == kFfmThreat1Plus; }},
+        {4, [&s] { return s.safeMode && s.safeModeForced; }},
+        {5, [&p] { return p.colourMode == TColourMode::None; }},
+        {9, [&p] { return p.kingMode == TKingMode::AlmostStrict; }},
+        {10, [&p] { return p.kingMode == TKingMode::Off; }},
+        {13, [&p] { return p.dlfuEff; }},
+        {16, [&p] { return !p.surroundedStrict; }},
+    };
+    const TRelaxationEnvironment env = Env(kCornered);
+    for (size_t i = 0; i < expected.size(); ++i) {
+        const bool next = TryRelaxSpecialHeuristics(s, env);
+        ASSERT_EQ(s.set.mask, expected[i]) << "step " << i + 1;
+        EXPECT_EQ(next, expected[i] != 0);
+        EXPECT_EQ(s.step, i + 1);
+        EXPECT_EQ(s.parameterWord, ParameterWord(s.set));
+        if (const auto it = checks.find(i); it != checks.end()) {
+            EXPECT_TRUE(it->second()) << "step " << i + 1;
+        }
+    }
+    EXPECT_EQ(s.parameterWord, 0u);
+}
+
+TEST(Relaxation, EachCallChangesOneThing) {
+    const TRelaxationEnvironment env = Env(kCornered);
+    {  // Only SH_AREKINGSNEAR: empty after one step, so pass 2 follows.
+        TPassState s = State(SH_AREKINGSNEAR);
+        EXPECT_FALSE(TryRelaxSpecialHeuristics(s, env));
+        EXPECT_EQ(s.set.mask, 0u);
+        EXPECT_EQ(PassLetter(s.step), "b");
+    }
+    {  // Relaxation off clears the set without a step.
+        TPassState s = State(SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK);
+        s.relaxationAllowed = false;
+        EXPECT_FALSE(TryRelaxSpecialHeuristics(s, env));
+        EXPECT_EQ(s.set.mask, 0u);
+        EXPECT_EQ(s.step, 0);
+    }
+    {  // A sub-problem takes its parent's relaxed set; alone it has nothing to relax.
+        TPassState parent = State(SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK);
+        TPassState child = State(SH_CAPTUREKNIGHT);
+        child.subProblem = true;
+        EXPECT_FALSE(TryRelaxSpecialHeuristics(child, env));
+        EXPECT_EQ(child.set.mask, SH_CAPTUREKNIGHT);
+        child.parent = &parent;
+        EXPECT_TRUE(TryRelaxSpecialHeuristics(child, env));
+        EXPECT_EQ(child.set.mask, SH_AREKINGSNEAR);
+        EXPECT_EQ(parent.step, 1);
+        EXPECT_EQ(child.step, 0);
+    }
+}
+
+TEST(Relaxation, PendingDynamicDlfuAndTheKeyFigureToggle) {
+    const TRelaxationEnvironment env = Env(kCornered);
+    TPassState off = State(SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK);
+    off.pendingDynamicDlfu = true;
+    off.dynamicDlfuAllowed = false;
+    TryRelaxSpecialHeuristics(off, env);
+    EXPECT_EQ(off.set.mask, SH_AREKINGSNEAR);
+
+    TPassState s = State(SH_AREKINGSNEAR);
+    s.set.params.blockedFigures[0] = 62;
+    s.set.params.blockedCount = 1;
+    s.pendingDynamicDlfu = true;  // added, then the rules go on: "EFF" is the step
+    EXPECT_TRUE(TryRelaxSpecialHeuristics(s, env));
+    EXPECT_EQ(s.set.mask, SH_AREKINGSNEAR | SH_DONTLETFIGUREUNBLOCK);
+    EXPECT_TRUE(s.set.params.dlfuEff && s.dynamicDlfuActive && !s.pendingDynamicDlfu);
+    // The rook on g8 cannot move: the engine's DLFU stays one step, losing its dynamic flags.
+    EXPECT_TRUE(TryRelaxSpecialHeuristics(s, env));
+    EXPECT_EQ(s.set.mask, SH_AREKINGSNEAR | SH_DONTLETFIGUREUNBLOCK);
+    EXPECT_FALSE(s.dynamicDlfuActive);
+    EXPECT_TRUE(TryRelaxSpecialHeuristics(s, env));
+    EXPECT_EQ(s.set.mask, SH_AREKINGSNEAR);
+
+    s.set.Add(SH_DONTLETFIGUREUNBLOCK);
+    s.pendingDlfuKeyToggle = true;  // DLFU -> key figure is the step
+    EXPECT_TRUE(TryRelaxSpecialHeuristics(s, env));
+    EXPECT_EQ(s.set.mask, SH_AREKINGSNEAR | SH_KEYWHITEFIGURE);
+    s.set.params.dlfuEff = false;
+    s.pendingDlfuKeyToggle = true;  // key figure -> DLFU, then "EFF" is the step
+    EXPECT_TRUE(TryRelaxSpecialHeuristics(s, env));
+    EXPECT_EQ(s.set.mask, SH_AREKINGSNEAR | SH_DONTLETFIGUREUNBLOCK);
+    EXPECT_TRUE(s.set.params.dlfuEff);
+
+    // An engine DLFU whose squares hold no black figure any more goes at once (step 11).
+    TPassState gone = State(SH_DONTLETFIGUREUNBLOCK | SH_DONTLEAVEMAINDIAGONAL);
+    gone.set.params.blockedFigures[0] = 28;
+    gone.set.params.blockedCount = 1;
+    gone.dynamicDlfuActive = true;
+    TryRelaxSpecialHeuristics(gone, env);
+    EXPECT_EQ(gone.set.mask, SH_DONTLEAVEMAINDIAGONAL);
+    EXPECT_FALSE(gone.dynamicDlfuActive);
+}
+
+TEST(Relaxation, PositionDependentAlternatives) {
+    {  // A key figure that still stands (the queen on a1) waits until the STRICT king is relaxed.
+        TPassState s = State(SH_KEYWHITEFIGURE | SH_KEEPKINGONTHEEDGE);
+        s.set.params.keyWhiteFigure = 0;
+        s.set.params.kingMode = TKingMode::Strict;
+        TryRelaxSpecialHeuristics(s, Env(kCornered));
+        EXPECT_EQ(s.set.mask, SH_KEYWHITEFIGURE | SH_KEEPKINGONTHEEDGE);
+        EXPECT_EQ(s.set.params.kingMode, TKingMode::AlmostStrict);  // Black has pawns
+        s.almostStrictToSurrounded = false;
+        TryRelaxSpecialHeuristics(s, Env(kCornered));
+        EXPECT_EQ(s.set.mask, SH_KEEPKINGONTHEEDGE);
+    }
+    {  // STRICT without black pawns goes to the plain edge; off the edge it becomes "surrounded".
+        TPassState s = State(SH_KEEPKINGONTHEEDGE);
+        s.set.params.kingMode = TKingMode::Strict;
+        TryRelaxSpecialHeuristics(s, Env(kOpen));
+        EXPECT_EQ(s.set.mask, SH_ASSERTBLACKKINGSURROUNDED);
+        EXPECT_EQ(s.set.params.kingMode, TKingMode::Off);
+    }
+    {  // The edge rule: ext.edge with "incl.corner" near the corner, or "surrounded" when marked.
+        TPassState s = State(SH_KEEPKINGONTHEEDGE);
+        TryRelaxSpecialHeuristics(s, Env(kCornered));
+        EXPECT_EQ(s.set.mask, SH_KEEPKINGWITHINEXTEDGE);
+        EXPECT_TRUE(s.set.params.inclCorner);
+        TPassState marked = State(SH_KEEPKINGONTHEEDGE);
+        marked.edgeToSurrounded = true;
+        TryRelaxSpecialHeuristics(marked, Env(kCornered));
+        EXPECT_EQ(marked.set.mask, SH_ASSERTBLACKKINGSURROUNDED);
+    }
+    {  // Ext.edge: "strict" first; with few pieces "surrounded" takes its place.
+        TPassState s = State(SH_KEEPKINGWITHINEXTEDGE);
+        s.set.params.edgeStrict = true;
+        TryRelaxSpecialHeuristics(s, Env(kOpen));
+        EXPECT_EQ(s.set.mask, SH_KEEPKINGWITHINEXTEDGE);
+        EXPECT_FALSE(s.set.params.edgeStrict);
+        TPassState many = s;
+        TryRelaxSpecialHeuristics(s, Env(kOpen));
+        EXPECT_EQ(s.set.mask, SH_ASSERTBLACKKINGSURROUNDED);
+        TryRelaxSpecialHeuristics(many, Env(kCornered));
+        EXPECT_EQ(many.set.mask, 0u);
+    }
+    {  // "incl.pawns" with more white pawns than black ones: the pawns are let go first.
+        TPassState s = State(SH_DONTLOSEANYFIGURES);
+        s.set.params.loseFiguresPawns = 1;
+        EXPECT_TRUE(TryRelaxSpecialHeuristics(s, Env(kOpen)));
+        EXPECT_EQ(s.set.params.loseFiguresPawns, 0);
+        EXPECT_FALSE(TryRelaxSpecialHeuristics(s, Env(kOpen)));
+    }
+    {  // Rules the problem does not mark relaxable wait for the last step.
+        TPassState s =
+            State(SH_DONTLETBLACKQUEENCHECKTWICE | SH_DONTLETPROMOTEDQUEENMOVE | SH_SINGLEQUEENMATE);
+        s.queenCheckRelaxable = s.promotedQueenRelaxable = false;
+        TryRelaxSpecialHeuristics(s, Env(kOpen));
+        EXPECT_EQ(s.set.mask, SH_DONTLETBLACKQUEENCHECKTWICE | SH_DONTLETPROMOTEDQUEENMOVE);
+        TryRelaxSpecialHeuristics(s, Env(kOpen));
+        EXPECT_EQ(s.set.mask, SH_DONTLETPROMOTEDQUEENMOVE);
+        EXPECT_FALSE(TryRelaxSpecialHeuristics(s, Env(kOpen)));
+    }
+}
+
+std::vector<uint8_t> FfmModes(TPassState s, const TRelaxationEnvironment& env) {
+    std::vector<uint8_t> modes{s.set.params.ffm.mode};
+    while (TryRelaxSpecialHeuristics(s, env) && s.set.Has(SH_FINDFORCEDMATE))
+        modes.push_back(s.set.params.ffm.mode);
+    return modes;
+}
+
+TEST(Relaxation, FindForcedMateModeSteps) {
+    TPassState two = State(0);
+    SetFfm(two, kFfmThreat1, 2);
+    EXPECT_EQ(FfmModes(two, Env(kOpen)), (std::vector<uint8_t>{kFfmThreat1, kFfmThreat1Plus, kFfmThreat2}));
+    // One white piece besides the king: "#1+" is passed over.
+    EXPECT_EQ(FfmModes(two, Env(kLoneRook)), (std::vector<uint8_t>{kFfmThreat1, kFfmThreat2}));
+    // Steps used up at "#2": a short problem with the king on the edge gets "#2+" first.
+    TPassState atTwo = State(0);
+    SetFfm(atTwo, kFfmThreat2, 0);
+    EXPECT_EQ(FfmModes(atTwo, Env(kCornered)), (std::vector<uint8_t>{kFfmThreat2, kFfmThreat2Plus}));
+    EXPECT_EQ(FfmModes(atTwo, Env(kOpen)), (std::vector<uint8_t>{kFfmThreat2}));
+    // "-Custom": the custom count, then the whole cycle again with the default count.
+    TPassState custom = State(0);
+    SetFfm(custom, kFfmThreat1, 0);
+    custom.set.params.ffm.custom = true;
+    custom.ffmCustomRelaxations = 1;
+    EXPECT_EQ(FfmModes(custom, Env(kOpen)),
+              (std::vector<uint8_t>{kFfmThreat1, kFfmThreat1Plus, kFfmThreat1}));
+}
+
+TEST(Relaxation, PreliminaryAndOtherHeuristics) {
+    TPassState s = State(SH_KEEPKINGONTHEEDGE | SH_ASSERTBLACKKINGSURROUNDED | SH_AREKINGSNEAR);
+    SetFfm(s, kFfmThreat1, 0);
+    s.set.params.ffm.preliminary = true;
+    const THeuristicSet full = s.set;
+    PreparePassOne(s);
+    EXPECT_EQ(s.set.mask, SH_FINDFORCEDMATE | SH_KEEPKINGWITHINEXTEDGE | SH_AREKINGSNEAR);
+    EXPECT_TRUE(TryRelaxSpecialHeuristics(s, Env(kOpen)));
+    EXPECT_EQ(s.set.mask, full.mask);
+    EXPECT_FALSE(s.set.params.ffm.preliminary);
+
+    // "-WithOtherHeuristics" adds what the position type check chooses, once.
+    TPassState other = State(0);
+    SetFfm(other, kFfmThreat1, 0);
+    other.set.params.ffm.withOtherHeuristics = 1;
+    EXPECT_TRUE(TryRelaxSpecialHeuristics(other, Env(kCornered)));
+    EXPECT_EQ(other.set.mask, SH_FINDFORCEDMATE | SH_KEEPKINGONTHEEDGE | SH_3MOVESTOMATE);
+    EXPECT_EQ(other.set.params.kingMode, TKingMode::Strict);
+    EXPECT_TRUE(TryRelaxSpecialHeuristics(other, Env(kCornered)));
+    EXPECT_EQ(other.set.mask, SH_KEEPKINGONTHEEDGE | SH_3MOVESTOMATE);
+}
+
+TEST(Relaxation, TimeDependentStepNearTheLimit) {
+    // The time the pass took, the FFM mode after the step (0: FFM taken out), the line logged, if any.
+    // clang-format off
+    const struct { int64_t calcTime; uint8_t modeAfter; const char* logged; } cases[] = {
+        {799, kFfmThreat2Plus, nullptr}, {1201, 0, nullptr},
+        {800, kFfmThreat2Plus, "calcTime=800 msec.; limit=1000 msec. (additional relaxation accepted)"},
+        {1200, 0, "calcTime=1200 msec.; limit=1000 msec. (additional relaxation refused)"},
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        CTempFolder folder;
+        TRelaxationEnvironment env = Env(kOpen, 5000 + c.calcTime);
+        env.engineLogPath = folder.File("engine.log").string();
+        TPassState s = State(SH_AREKINGSNEAR);
+        SetFfm(s, kFfmThreat1Plus, 0);
+        s.passEndTimes[0] = 5000;
+        EXPECT_TRUE(TryRelaxSpecialHeuristics(s, env));
+        EXPECT_TRUE(s.timeDependentReached);
+        EXPECT_EQ(s.passEndTimes[1], 5000 + c.calcTime);
+        EXPECT_EQ(s.set.Has(SH_FINDFORCEDMATE) ? s.set.params.ffm.mode : 0, c.modeAfter) << c.calcTime;
+        const std::vector<std::string> lines = Lines(env.engineLogPath);
+        if (!c.logged) {
+            EXPECT_TRUE(lines.empty()) << c.calcTime;
+            continue;
+        }
+        ASSERT_EQ(lines.size(), 1u);
+        const std::regex line(R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d, )" + std::to_string(getpid()) +
+                              R"(: Time dependent relaxation near the limit: )");
+        EXPECT_TRUE(std::regex_search(lines[0], line)) << lines[0];
+        EXPECT_TRUE(lines[0].ends_with(c.logged)) << lines[0];
+    }
+}
+
+TEST(Relaxation, TimeDependentModeAdvance) {
+    TPassState s = State(0);
+    SetFfm(s, kFfmCheckOnly, 0);
+    TPassState queen = s;
+    EXPECT_TRUE(TryRelaxSpecialHeuristics(s, Env(kOpen, 10)));
+    EXPECT_EQ(s.set.params.ffm.mode, kFfmThreat1Plus);  // landed on "#1"
+    // "CheckOnly" stays while Black has a queen: the heuristic goes.
+    const TChessboard withQueen = test::Directmate("8/8/8/3k4/8/8/8/R3K2q w", 12);
+    EXPECT_FALSE(TryRelaxSpecialHeuristics(queen, Env(withQueen, 10)));
+    EXPECT_FALSE(queen.timeDependentReached);
+    // The end time is stored once per step.
+    TPassState twice = State(0);
+    SetFfm(twice, kFfmThreat1, 0);
+    twice.step = 1;
+    twice.passEndTimes[2] = 2000;
+    EXPECT_FALSE(TryRelaxSpecialHeuristics(twice, Env(kOpen, 10)));
+    EXPECT_EQ(twice.passEndTimes[2], 2000);
+}
+
+TEST(Relaxation, LogWritesBeforeAndAfterLines) {
+    CTempFolder folder;
+    TRelaxationEnvironment env = Env(kOpen);
+    env.log = true;
+    env.logFolder = folder.Path().string();
+    env.thread = -3;
+    TPassState s = State(SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK);
+    s.quickMode = false;
+    TryRelaxSpecialHeuristics(s, env);
+    const std::vector<std::string> lines = Lines(folder.File("TryRelaxSpecialHeuristics.log").string());
+    ASSERT_EQ(lines.size(), 2u);
+    const std::string time = R"(\d{4}-\d\d-\d\d \d\d:\d\d:\d\d)";
+    EXPECT_TRUE(
+        std::regex_match(lines[0], std::regex(time + " BEFORE th=-3 SH_AREKINGSNEAR, SH_SWEEPINGWHITEROOK")))
+        << lines[0];
+    EXPECT_TRUE(std::regex_match(lines[1], std::regex(time + " AFTER  th=-3 SH_AREKINGSNEAR"))) << lines[1];
+}
+
+TEST(Relaxation, ShowPathText) {
+    const TRelaxationEnvironment env = Env(kOpen);
+    TPassState s = State(SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK | SH_ZUGZWANG);
+    s.quickMode = false;
+    EXPECT_EQ(RelaxationPathText(s, env),
+              "Pass 1: SH_AREKINGSNEAR, SH_SWEEPINGWHITEROOK, SH_ZUGZWANG\n\nPass 1b: SH_AREKINGSNEAR, "
+              "SH_ZUGZWANG\n\nPass 1c: SH_AREKINGSNEAR");
+    EXPECT_EQ(s.set.mask, SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK | SH_ZUGZWANG);  // the copy is relaxed
+
+    EXPECT_EQ(RelaxationPathText(State(0), env), "No heuristics selected.");
 }
 
 }  // namespace
