@@ -105,11 +105,6 @@ TEST(Records, AnnotationLinesAreKeptAndWrittenInOrder) {
                   std::string(kFen) + "\n}\n");
 }
 
-TEST(Records, OtherAtLinesAndPlainCommentsAreIgnored) {
-    const ProblemEntry entry = ReadOne("1 #2 //@other words\n/* note */ // more\n" + kRecordBody);
-    EXPECT_EQ(entry.m_annotations, TAnnotationLines{});
-}
-
 // Records read and written in the canonical layout, which reads back to the same record: figure lists
 // give the FEN, a description is the rest of its line, answers keep their kind and order and take
 // their capture marks from the position, played moves become a numbered line, a position without
