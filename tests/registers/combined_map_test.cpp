@@ -1,4 +1,5 @@
-// The hash, and the two bucket forms: nodes of eight and sorted arrays, growing and shrinking.
+// The hash, and the two bucket forms: nodes of eight and sorted arrays, growing and shrinking; the
+// register's contents as a whole.
 #include <gtest/gtest.h>
 
 #include <cstdint>

@@ -1,4 +1,5 @@
-// What a sequence of results leaves in an entry, and what the entry answers to the search.
+// What a sequence of results leaves in an entry, and what the entry answers to the search; the
+// sub-problem store.
 #include <gtest/gtest.h>
 
 #include <map>

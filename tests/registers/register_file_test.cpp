@@ -1,5 +1,5 @@
 // Register files: every form saves and loads back the same contents, a byte limit keeps the
-// shortest levels, and damaged or odd files give their messages.
+// shortest levels, and damaged or odd files give their messages; the automatic save.
 #include <gtest/gtest.h>
 
 #include <filesystem>

@@ -1,5 +1,5 @@
 // Packed register data: single blocks and containers of both block forms decode to what was
-// packed; damaged or truncated data are refused.
+// packed; damaged or truncated data are refused; the extended block format itself.
 #include <gtest/gtest.h>
 
 #include <cstring>
