@@ -90,6 +90,9 @@ TEST(FindForcedMate, HeuristicMakesLinesDoubtfulButNeverHidesAMateAtOnce) {
     EXPECT_EQ(search.DoubtReason(), 0x4u);
     // A king move that mates at once (by discovery) is never stopped.
     EXPECT_EQ(search.FindForcedMate(Problem("6bk/7p/8/4K3/8/8/8/B7 w", 1)), kMate);
+    // Nor is it when a thread is handed the position after it (a first move of the levels).
+    TestLine line(Problem("6bk/7p/8/4K3/8/8/8/B7 w", 3));
+    EXPECT_EQ(search.SearchAfterMove(line.Play("Ke5-f5").Now(), 1), kMate);
     // Black's king moves in the same mate, but 1... Kh7 allows 2. Rh1 mate at once.
     env.heuristics = &blackKing;
     TMateSearch black(env);
