@@ -1,0 +1,156 @@
+// The LZW variant on single blocks: the preset, the bit order, the growth limits of the
+// dictionary, round trips and garbage given to the decoder.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "buffer_test_data.h"
+#include "precalc/buffers/lzw_codec.h"
+#include "precalc/buffers/lzw_dictionary.h"
+
+namespace moremate::RandomAccessLZWBuffer {
+namespace {
+
+using testing::RandomBytes;
+
+std::vector<uint8_t> Packed(const TLzwPreset& preset, const std::vector<uint8_t>& bytes, size_t nRoom) {
+    std::vector<uint8_t> out(nRoom);
+    out.resize(LzwPack(preset, bytes.data(), bytes.size(), out.data(), out.size()));
+    return out;
+}
+
+std::vector<uint8_t> RoundTrip(const TLzwPreset& preset, const std::vector<uint8_t>& bytes) {
+    const std::vector<uint8_t> packed = Packed(preset, bytes, 2 * bytes.size() + 16);
+    EXPECT_FALSE(packed.empty());
+    std::vector<uint8_t> out(bytes.size());
+    EXPECT_TRUE(LzwUnpack(preset, packed.data(), packed.size(), out.data(), out.size()));
+    return out;
+}
+
+TEST(LzwPreset, EntriesAndWidthForEachKindOfFill) {
+    struct TCase {
+        uint8_t nFill;
+        uint16_t nEntries;
+    };
+    // A fill from 1 to 20 makes the pair (f, f) and the run of two the same string.
+    for (const TCase c : {TCase{0, 403}, TCase{1, 402}, TCase{20, 402}, TCase{21, 403}, TCase{255, 403}}) {
+        const CLzwEncoderDictionary preset = CLzwEncoderDictionary::Preset(c.nFill);
+        EXPECT_EQ(preset.Growth().nCount, c.nEntries) << int{c.nFill};
+        EXPECT_EQ(preset.Growth().nWidth, 9) << int{c.nFill};
+    }
+}
+
+TEST(LzwPreset, EntriesAreSortedByTheirBytes) {
+    const CLzwEncoderDictionary preset = CLzwEncoderDictionary::Preset(7);
+    const auto text = [&](uint16_t nSorted) {
+        const uint16_t nCode = preset.CodeAt(nSorted);
+        return std::string(preset.Bytes(nCode), preset.Bytes(nCode) + preset.Length(nCode));
+    };
+    for (uint16_t i = 1; i < preset.Growth().nCount; ++i) EXPECT_LT(text(i - 1), text(i)) << i;
+}
+
+TEST(LzwDictionary, StopsGrowingAtItsLimits) {
+    struct TCase {
+        size_t nLength;  // of the strings added
+        uint16_t nEntries;
+        uint8_t nWidth;
+    };
+    // Two-byte strings run into the entry limit, 255-byte strings into the string store's.
+    const size_t nPresetStore = 256 + 2 * 20 + (128 * 129 / 2 - 1);
+    const uint16_t nStoreLimited = static_cast<uint16_t>(403 + (kLzwStoreSize - nPresetStore) / 255);
+    for (const TCase c : {TCase{2, 2048, 12}, TCase{255, nStoreLimited, 9}}) {
+        CLzwEncoderDictionary dictionary = CLzwEncoderDictionary::Preset(0);
+        std::vector<uint8_t> bytes(c.nLength, 0x80);
+        for (int i = 0; i < 3000; ++i) {
+            bytes[0] = static_cast<uint8_t>(0x80 + i / 256);
+            bytes[1] = static_cast<uint8_t>(i);
+            auto range = dictionary.All();
+            for (size_t k = 0; k < bytes.size(); ++k) range = dictionary.Narrow(range, k, bytes[k]);
+            dictionary.Add(range.nFirst, bytes.data(), bytes.size());
+        }
+        EXPECT_EQ(dictionary.Growth().nCount, c.nEntries) << c.nLength;
+        EXPECT_EQ(dictionary.Growth().nWidth, c.nWidth) << c.nLength;
+    }
+}
+
+TEST(LzwCodec, WritesCodesLeastSignificantBitFirst) {
+    struct TCase {
+        std::vector<uint8_t> bytes;
+        std::vector<uint8_t> packed;
+    };
+    // With fill 0, byte 255 has code 275 (20 pairs come before it) and byte 1 code 1.
+    for (const TCase& c : {TCase{{0xFF}, {0x13, 0x01}}, TCase{{0xFF, 0x01}, {0x13, 0x03, 0x00}}}) {
+        const TLzwPreset preset(0);
+        EXPECT_EQ(Packed(preset, c.bytes, 16), c.packed);
+    }
+}
+
+TEST(LzwCodec, ABlockOfTheFillByteTakesAFewCodes) {
+    // Runs of 128, 129, ... 180 bytes (each run adds the next longer one), then a run of 30:
+    // 54 codes of 9 bits.
+    const TLzwPreset preset(3);
+    const std::vector<uint8_t> block(8192, 3);
+    EXPECT_EQ(Packed(preset, block, block.size()).size(), 61u);
+    EXPECT_EQ(RoundTrip(preset, block), block);
+}
+
+TEST(LzwCodec, RoundTripsOfAllKindsOfBlocks) {
+    std::mt19937 random(5);
+    std::vector<uint8_t> fewSymbols(16384);  // fills the dictionary's 2,048 entries
+    for (uint8_t& b : fewSymbols) b = static_cast<uint8_t>(random() % 4);
+    std::vector<uint8_t> longRuns;  // runs beyond the 255 bytes an entry may hold
+    while (longRuns.size() < 16384)
+        longRuns.insert(longRuns.end(), 1 + random() % 700, static_cast<uint8_t>(random()));
+    std::vector<uint8_t> everyValue(8192);
+    for (size_t i = 0; i < everyValue.size(); ++i) everyValue[i] = static_cast<uint8_t>(i * 7);
+    const std::vector<uint8_t> endgameLike = testing::EndgameLikeElements(8192, 1, 9);
+    const std::vector<uint8_t>* const blocks[] = {&fewSymbols, &longRuns, &everyValue, &endgameLike};
+    for (const std::vector<uint8_t>* pBytes : blocks) {
+        for (const uint8_t nFill : {uint8_t{0}, uint8_t{1}, uint8_t{200}}) {
+            const TLzwPreset preset(nFill);
+            EXPECT_EQ(RoundTrip(preset, *pBytes), *pBytes) << int{nFill};
+        }
+    }
+}
+
+TEST(LzwCodec, FailsWhenThePackedBlockExceedsItsRoom) {
+    const TLzwPreset preset(0);
+    const std::vector<uint8_t> bytes = RandomBytes(8192, 1);
+    std::vector<uint8_t> out(bytes.size());
+    EXPECT_EQ(LzwPack(preset, bytes.data(), bytes.size(), out.data(), out.size()), 0u);
+}
+
+TEST(LzwCodec, RefusesDamagedAndTruncatedBlocks) {
+    const TLzwPreset preset(0);
+    const std::vector<uint8_t> bytes = testing::EndgameLikeElements(8192, 1, 4);
+    const std::vector<uint8_t> packed = Packed(preset, bytes, bytes.size());
+    std::vector<uint8_t> out(bytes.size() + 1);
+    // Cut short, asked for more bytes than it holds, all ones (codes beyond the dictionary).
+    EXPECT_FALSE(LzwUnpack(preset, packed.data(), packed.size() / 2, out.data(), bytes.size()));
+    EXPECT_FALSE(LzwUnpack(preset, packed.data(), packed.size(), out.data(), bytes.size() + 1));
+    const std::vector<uint8_t> ones(packed.size(), 0xFF);
+    EXPECT_FALSE(LzwUnpack(preset, ones.data(), ones.size(), out.data(), bytes.size()));
+}
+
+// Whatever it is given, the decoder stays inside both buffers (AddressSanitizer checks it) and
+// answers.
+TEST(LzwCodec, SurvivesGarbage) {
+    const TLzwPreset preset(0);
+    std::mt19937 random(11);
+    std::vector<uint8_t> out(8192);
+    int nAccepted = 0;
+    for (int i = 0; i < 3000; ++i) {
+        const std::vector<uint8_t> garbage = RandomBytes(1 + random() % 64, static_cast<uint32_t>(i));
+        // Low bytes keep codes in the preset, so that some garbage decodes.
+        std::vector<uint8_t> tame = garbage;
+        for (uint8_t& b : tame) b &= 0x3F;
+        const size_t nSize = 1 + random() % out.size();
+        nAccepted += LzwUnpack(preset, garbage.data(), garbage.size(), out.data(), nSize);
+        nAccepted += LzwUnpack(preset, tame.data(), tame.size(), out.data(), nSize);
+    }
+    EXPECT_LT(nAccepted, 6000);
+}
+
+}  // namespace
+}  // namespace moremate::RandomAccessLZWBuffer
