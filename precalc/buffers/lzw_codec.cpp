@@ -57,13 +57,22 @@ class CBitReader {
     size_t m_nBit = 0;
 };
 
-// Copies forwards: the newest entry may end with the first byte this copy writes.
-void CopyString(uint8_t* pOut, const uint8_t* pString, size_t nLength) {
-    if (pString + nLength <= pOut || pString >= pOut + nLength) {
+constexpr size_t kChunk = 16;
+
+// Copies forwards: the newest entry may end with the first byte this copy writes. Away from the
+// end of the block and from such an overlap, whole chunks are copied: the bytes past the string
+// that they carry are overwritten by the strings that follow, and a string read from the
+// unpacked bytes ends before the place it is copied to, so the chunks read nothing this copy
+// writes before reading it.
+void CopyString(uint8_t* pOut, const uint8_t* pOutEnd, const uint8_t* pString, size_t nLength) {
+    const bool bApart = pString + nLength <= pOut || pString >= pOutEnd;
+    if (bApart && pOut + nLength + kChunk <= pOutEnd) {
+        for (size_t i = 0; i < nLength; i += kChunk) std::memcpy(pOut + i, pString + i, kChunk);
+    } else if (bApart) {
         std::memcpy(pOut, pString, nLength);
-        return;
+    } else {
+        for (size_t i = 0; i < nLength; ++i) pOut[i] = pString[i];
     }
-    for (size_t i = 0; i < nLength; ++i) pOut[i] = pString[i];
 }
 
 }  // namespace
@@ -104,7 +113,7 @@ bool LzwUnpack(const TLzwPreset& preset, const uint8_t* pPacked, size_t nPacked,
         if (!reader.Get(growth.nWidth, nCode) || nCode >= growth.nCount) return false;
         const TLzwDecoderEntry entry = entries[nCode];
         if (entry.nLength > nSize - nDone) return false;
-        CopyString(pOut + nDone, entry.pBytes, entry.nLength);
+        CopyString(pOut + nDone, pOut + nSize, entry.pBytes, entry.nLength);
         // The packer added this string and the byte after it, when a byte follows.
         if (nDone + entry.nLength < nSize && growth.Admits(entry.nLength + 1u)) {
             entries[growth.nCount] = {pOut + nDone, static_cast<uint16_t>(entry.nLength + 1)};
