@@ -37,7 +37,8 @@ class CRandomAccessPackedBufferBase {
 
 enum class TPacking { Lzw, Lz4 };
 
-// Packs `elements` (ElementCount × elementSize bytes, little-endian words).
+// Packs `elements` (ElementCount × elementSize bytes, little-endian words). Throws ChessException
+// for an element size other than 1 or 2, std::bad_alloc when memory runs out (nothing is kept).
 std::unique_ptr<CRandomAccessPackedBufferBase> PackBuffer(TPacking packing,
                                                           const std::vector<uint8_t>& elements,
                                                           unsigned elementSize, bool bUpdatable);
