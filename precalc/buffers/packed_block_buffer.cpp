@@ -137,16 +137,37 @@ void CPackedBlockBuffer::Repack(uint64_t nBlock, const uint8_t* pBytes) {
     const TPackedBlock packed = PackBlock(*m_pCodec, pBytes, BlockBytes(nBlock), m_scratch.data());
     TBlockPlacement& placement = m_placements[nBlock];
     if (packed.nSize > placement.nRoom) {
-        // Twice what it needs (up to a whole block), so that a growing block moves only a few times.
-        const uint64_t nRoom = RoomFor(m_shape, std::min(2 * packed.nSize, size_t{m_shape.nBlockSize}));
-        if (m_image.size() - m_header.nEnd < nRoom) m_image.resize(m_header.nEnd + nRoom);
-        placement = {m_header.nEnd, nRoom, false};
-        m_header.nEnd += nRoom;
-        WriteImageHeader(m_image, m_header);
+        // A quarter more than it needs (up to a whole block), so that a growing block does not
+        // move at every change; the room it leaves can take a smaller block.
+        const size_t nWanted = std::min(packed.nSize + packed.nSize / 4, size_t{m_shape.nBlockSize});
+        const TBlockPlacement moved = TakeRoom(RoomFor(m_shape, nWanted));
+        m_freeRooms.push_back(placement);
+        placement = moved;
     }
     placement.bKeptAsItIs = packed.bKeptAsItIs;
     std::memcpy(m_image.data() + placement.nOffset, m_scratch.data(), packed.nSize);
     WriteBlockOffset(m_image, nBlock, placement);
+}
+
+TBlockPlacement CPackedBlockBuffer::TakeRoom(uint64_t nRoom) {
+    const auto free = std::find_if(m_freeRooms.begin(), m_freeRooms.end(),
+                                   [nRoom](const TBlockPlacement& room) { return room.nRoom >= nRoom; });
+    if (free != m_freeRooms.end()) {
+        const TBlockPlacement room = *free;
+        *free = m_freeRooms.back();
+        m_freeRooms.pop_back();
+        return room;
+    }
+    const uint64_t nNeeded = m_header.nEnd + nRoom;
+    if (nNeeded > m_image.size()) {
+        // Grows by an eighth rather than doubling: the image is counted against a memory quota.
+        if (nNeeded > m_image.capacity()) m_image.reserve(nNeeded + nNeeded / 8);
+        m_image.resize(nNeeded);
+    }
+    const TBlockPlacement room{m_header.nEnd, nRoom, false};
+    m_header.nEnd = nNeeded;
+    WriteImageHeader(m_image, m_header);
+    return room;
 }
 
 std::optional<std::vector<uint8_t>> CPackedBlockBuffer::Unpack(CReporter* pReporter, int languageId) {

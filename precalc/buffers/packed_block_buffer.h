@@ -49,9 +49,10 @@ class CPackedBlockBuffer : public CRandomAccessPackedBufferBase {
     uint64_t BlockOf(uint64_t nIndex) const;
     // Throws ChessException "Error unpacking ... data" for a damaged block.
     void UnpackBlock(uint64_t nBlock, uint8_t* pOut) const;
-    // Repacks a block: in its room when it fits, else behind the used data (in the spare room
-    // when there is enough). Throws bad_alloc.
+    // Repacks a block: in its room when it fits, else in a room another block has left, or
+    // behind the used data (in the spare room when there is enough). Throws bad_alloc.
     void Repack(uint64_t nBlock, const uint8_t* pBytes);
+    TBlockPlacement TakeRoom(uint64_t nRoom);
     uint16_t LoadElement(const uint8_t* p) const;
     void StoreElement(uint8_t* p, uint16_t nValue) const;
 
@@ -61,7 +62,10 @@ class CPackedBlockBuffer : public CRandomAccessPackedBufferBase {
     TImageHeader m_header;
     std::unique_ptr<CBlockCodec> m_pCodec;
     CBlockCache m_cache;
-    std::vector<uint8_t> m_scratch;  // for repacking, under every lock of the cache
+    // For repacking, under every lock of the cache: a block's unpacked bytes, and the rooms that
+    // moved blocks have left (found again when the image is opened: as room of the blocks before).
+    std::vector<uint8_t> m_scratch;
+    std::vector<TBlockPlacement> m_freeRooms;
 };
 
 }  // namespace moremate::RandomAccessLZWBuffer
