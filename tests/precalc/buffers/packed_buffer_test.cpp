@@ -141,7 +141,7 @@ TEST(PackedBuffer, BlocksMoveIntoSpareRoomWithoutGrowingTheImage) {
     const auto pBuffer = TBuffer::Pack(bytes);
     const size_t nImage = pBuffer->Image().size();
     const uint64_t nEnd = ReadU64(pBuffer->Image().data());
-    const std::vector<uint8_t> noise = RandomBytes(3000, 12);
+    const std::vector<uint8_t> noise = RandomBytes(1000, 12);
     for (size_t i = 0; i < noise.size(); ++i) {
         ASSERT_TRUE(pBuffer->Update(8192 + i, noise[i]));
         bytes[8192 + i] = noise[i];
