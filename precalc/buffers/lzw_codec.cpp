@@ -83,20 +83,10 @@ size_t LzwPack(const TLzwPreset& preset, const uint8_t* pSource, size_t nSize, u
     CBitWriter writer(pOut, nRoom);
     size_t i = 0;
     while (i < nSize) {
-        auto range = dictionary.Narrow(dictionary.All(), 0, pSource[i]);
-        size_t nLength = 1;
-        bool bMore = false;
-        CLzwEncoderDictionary::TRange longer;
-        while (i + nLength < nSize) {
-            longer = dictionary.Narrow(range, nLength, pSource[i + nLength]);
-            bMore = !dictionary.Holds(longer, nLength + 1);
-            if (bMore) break;
-            range = longer;
-            ++nLength;
-        }
-        if (!writer.Put(dictionary.CodeAt(range.nFirst), dictionary.Growth().nWidth)) return 0;
-        if (bMore) dictionary.Add(longer.nFirst, pSource + i, nLength + 1);
-        i += nLength;
+        const CLzwEncoderDictionary::TMatch match = dictionary.LongestMatch(pSource + i, nSize - i);
+        if (!writer.Put(match.nCode, dictionary.Growth().nWidth)) return 0;
+        if (i + match.nLength < nSize) dictionary.Add(match.nInsertAt, pSource + i, match.nLength + 1u);
+        i += match.nLength;
     }
     return writer.ByteCount();
 }

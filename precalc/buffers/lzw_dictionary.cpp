@@ -35,19 +35,38 @@ void CLzwEncoderDictionary::Reset(const CLzwEncoderDictionary& preset) {
     std::copy_n(preset.m_store.begin(), m_growth.nStoreUsed, m_store.begin());
 }
 
-CLzwEncoderDictionary::TRange CLzwEncoderDictionary::Narrow(TRange range, size_t k, uint8_t nByte) const {
-    // Within the range the byte at k never decreases; an entry of k bytes (the range's common
-    // prefix itself) counts as lower than any byte.
-    const auto byteAt = [this, k](uint16_t nCode) {
-        return m_lengths[nCode] > k ? int{m_store[m_offsets[nCode] + k]} : -1;
-    };
-    const uint16_t* const pFirst = m_sorted.data() + range.nFirst;
-    const uint16_t* const pEnd = m_sorted.data() + range.nEnd;
-    const uint16_t* const pLow =
-        std::partition_point(pFirst, pEnd, [&](uint16_t nCode) { return byteAt(nCode) < nByte; });
-    const uint16_t* const pHigh =
-        std::partition_point(pLow, pEnd, [&](uint16_t nCode) { return byteAt(nCode) == nByte; });
-    return {static_cast<uint16_t>(pLow - m_sorted.data()), static_cast<uint16_t>(pHigh - m_sorted.data())};
+CLzwEncoderDictionary::TMatch CLzwEncoderDictionary::LongestMatch(const uint8_t* pBytes,
+                                                                  size_t nLength) const {
+    // No entry is longer than kLzwMaxLength: one byte more decides where a longer string goes.
+    const size_t n = std::min(nLength, kLzwMaxLength + 1);
+    const uint16_t* const pBegin = m_sorted.data();
+    const uint16_t* const pEnd = pBegin + m_growth.nCount;
+    const uint16_t* const pAbove =
+        std::partition_point(pBegin, pEnd, [&](uint16_t nCode) { return Compare(nCode, pBytes, n) <= 0; });
+    // The longest entry starting the string starts one of the string's neighbours in the order:
+    // the entries between it and the string all begin with it.
+    size_t nMatch = 0;
+    if (pAbove != pBegin) nMatch = CommonLength(pAbove[-1], pBytes, n);
+    if (pAbove != pEnd) nMatch = std::max(nMatch, CommonLength(*pAbove, pBytes, n));
+    const uint16_t* const pMatch = std::partition_point(
+        pBegin, pAbove, [&](uint16_t nCode) { return Compare(nCode, pBytes, nMatch) < 0; });
+    // No entry begins with the match plus the next byte, so that string goes where this one would.
+    return {*pMatch, static_cast<uint16_t>(nMatch), static_cast<uint16_t>(pAbove - pBegin)};
+}
+
+int CLzwEncoderDictionary::Compare(uint16_t nCode, const uint8_t* pBytes, size_t nLength) const {
+    const size_t nEntry = m_lengths[nCode];
+    const int nOrder = std::memcmp(Bytes(nCode), pBytes, std::min(nEntry, nLength));
+    if (nOrder != 0) return nOrder;
+    return static_cast<int>(nEntry) - static_cast<int>(nLength);
+}
+
+size_t CLzwEncoderDictionary::CommonLength(uint16_t nCode, const uint8_t* pBytes, size_t nLength) const {
+    const uint8_t* const pEntry = Bytes(nCode);
+    const size_t n = std::min<size_t>(m_lengths[nCode], nLength);
+    size_t i = 0;
+    while (i < n && pEntry[i] == pBytes[i]) ++i;
+    return i;
 }
 
 void CLzwEncoderDictionary::Add(uint16_t nSorted, const uint8_t* pBytes, size_t nLength) {
@@ -62,9 +81,8 @@ void CLzwEncoderDictionary::Add(uint16_t nSorted, const uint8_t* pBytes, size_t 
 }
 
 void CLzwEncoderDictionary::AddNew(const uint8_t* pBytes, size_t nLength) {
-    TRange range = All();
-    for (size_t k = 0; k < nLength; ++k) range = Narrow(range, k, pBytes[k]);
-    if (!Holds(range, nLength)) Add(range.nFirst, pBytes, nLength);
+    const TMatch match = LongestMatch(pBytes, nLength);
+    if (match.nLength < nLength) Add(match.nInsertAt, pBytes, nLength);
 }
 
 TLzwPreset::TLzwPreset(uint8_t nFill) : encoder(CLzwEncoderDictionary::Preset(nFill)), decoder() {

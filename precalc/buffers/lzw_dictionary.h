@@ -42,12 +42,15 @@ struct TLzwGrowth {
     }
 };
 
+// The entries always hold every beginning of every entry (an entry is an entry plus one byte), so
+// the longest entry that starts a string is found from the string's place in the sorted order.
 class CLzwEncoderDictionary {
   public:
-    // Sorted positions [nFirst, nEnd): entries sharing their first bytes, the shortest first.
-    struct TRange {
-        uint16_t nFirst = 0;
-        uint16_t nEnd = 0;
+    struct TMatch {
+        uint16_t nCode = 0;
+        uint16_t nLength = 0;
+        // Where the match plus the next byte of the string goes in the sorted order.
+        uint16_t nInsertAt = 0;
     };
 
     // The preset for the fill byte.
@@ -56,14 +59,8 @@ class CLzwEncoderDictionary {
     void Reset(const CLzwEncoderDictionary& preset);
 
     const TLzwGrowth& Growth() const { return m_growth; }
-    TRange All() const { return {0, m_growth.nCount}; }
-    // The entries of `range` (whose first k bytes agree) with byte k equal to `nByte`.
-    TRange Narrow(TRange range, size_t k, uint8_t nByte) const;
-    // Whether `range` starts with an entry of exactly `nLength` bytes.
-    bool Holds(TRange range, size_t nLength) const {
-        return range.nFirst < range.nEnd && m_lengths[m_sorted[range.nFirst]] == nLength;
-    }
-    uint16_t CodeAt(uint16_t nSorted) const { return m_sorted[nSorted]; }
+    // The longest entry that starts the `nLength` bytes (at least one) at `pBytes`.
+    TMatch LongestMatch(const uint8_t* pBytes, size_t nLength) const;
     // Adds the string at sorted position `nSorted` when the growth rule admits it.
     void Add(uint16_t nSorted, const uint8_t* pBytes, size_t nLength);
 
@@ -73,6 +70,9 @@ class CLzwEncoderDictionary {
   private:
     // Adds a string of the preset unless it is there already.
     void AddNew(const uint8_t* pBytes, size_t nLength);
+    // Entry against string: negative, 0 or positive as the entry sorts before, equal or after.
+    int Compare(uint16_t nCode, const uint8_t* pBytes, size_t nLength) const;
+    size_t CommonLength(uint16_t nCode, const uint8_t* pBytes, size_t nLength) const;
 
     TLzwGrowth m_growth;
     std::array<uint16_t, kLzwMaxEntries> m_sorted;   // codes in the order of their bytes

@@ -56,9 +56,8 @@ TEST(LzwDictionary, StopsGrowingAtItsLimits) {
         for (int i = 0; i < 3000; ++i) {
             bytes[0] = static_cast<uint8_t>(0x80 + i / 256);
             bytes[1] = static_cast<uint8_t>(i);
-            auto range = dictionary.All();
-            for (size_t k = 0; k < bytes.size(); ++k) range = dictionary.Narrow(range, k, bytes[k]);
-            dictionary.Add(range.nFirst, bytes.data(), bytes.size());
+            dictionary.Add(dictionary.LongestMatch(bytes.data(), bytes.size()).nInsertAt, bytes.data(),
+                           bytes.size());
         }
         EXPECT_EQ(dictionary.Growth().nCount, c.nEntries) << c.nLength;
         EXPECT_EQ(dictionary.Growth().nWidth, c.nWidth) << c.nLength;
