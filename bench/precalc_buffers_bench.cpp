@@ -1,6 +1,6 @@
-// Packed buffers of precalculated data: lookups per second and thread in each packing, and
-// the LZW decoder against LZ4's on the same 8,192-byte blocks. The data look like an endgame
-// table: long runs of 0 (no mate) with small mate counts, 16 MB of 1-byte elements.
+// Packed buffers of precalculated data: lookups per second and thread in each packing, packing
+// and updating, and the LZW decoder against LZ4's on the same 8,192-byte blocks. The data look like an
+// endgame table: long runs of 0 (no mate) with small mate counts, 16 MB of 1-byte elements.
 #include <benchmark/benchmark.h>
 #include <lz4.h>
 
@@ -54,6 +54,27 @@ void BM_Lookups(benchmark::State& state, TPacking packing) {
         benchmark::Counter(100.0 * buffer.MemoryBytes() / kElements, benchmark::Counter::kAvgThreads);
 }
 
+// Packing the first 2 MB into a read-only buffer.
+void BM_Pack(benchmark::State& state, TPacking packing) {
+    const std::vector<uint8_t> elements(Elements().begin(), Elements().begin() + (2 << 20));
+    for (auto _ : state) benchmark::DoNotOptimize(PackBuffer(packing, elements, 1, false));
+    state.SetBytesProcessed(static_cast<int64_t>(state.iterations() * elements.size()));
+}
+
+// Small values written at random places of an updatable buffer of 2 MB: each write unpacks its
+// block (nearly always a cache miss) and packs it again.
+void BM_Update(benchmark::State& state, TPacking packing) {
+    const std::vector<uint8_t> elements(Elements().begin(), Elements().begin() + (2 << 20));
+    const auto pBuffer = PackBuffer(packing, elements, 1, true);
+    uint64_t random = 5;
+    for (auto _ : state) {
+        const uint64_t r = SplitMix(random);
+        benchmark::DoNotOptimize(pBuffer->Update(r % elements.size(), static_cast<uint16_t>(r >> 32) % 30));
+    }
+    state.SetItemsProcessed(state.iterations());
+    state.counters["packed_pct"] = 100.0 * pBuffer->MemoryBytes() / elements.size();
+}
+
 // Each block packed on its own, as the buffers do.
 struct TPackedBlocks {
     std::vector<std::vector<uint8_t>> blocks;
@@ -105,6 +126,10 @@ void BM_DecodeBlocks(benchmark::State& state, TPacking packing) {
 
 BENCHMARK_CAPTURE(BM_Lookups, lzw, TPacking::Lzw)->Arg(kElements)->Arg(4 * kBlock)->Threads(1)->Threads(2);
 BENCHMARK_CAPTURE(BM_Lookups, lz4, TPacking::Lz4)->Arg(kElements)->Arg(4 * kBlock)->Threads(1)->Threads(2);
+BENCHMARK_CAPTURE(BM_Pack, lzw, TPacking::Lzw)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Pack, lz4, TPacking::Lz4)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Update, lzw, TPacking::Lzw)->Iterations(2000);
+BENCHMARK_CAPTURE(BM_Update, lz4, TPacking::Lz4)->Iterations(2000);
 BENCHMARK_CAPTURE(BM_DecodeBlocks, lzw, TPacking::Lzw)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(BM_DecodeBlocks, lz4, TPacking::Lz4)->Unit(benchmark::kMillisecond);
 

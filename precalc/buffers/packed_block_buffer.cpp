@@ -24,8 +24,11 @@ TPackedBlock PackBlock(const CBlockCodec& codec, const uint8_t* pBytes, size_t n
     return {nSize, true};
 }
 
+// The room of a packed block: what it takes; in an updatable buffer a quarter more (up to a whole
+// block), so that a block does not move at every change, and at least the minimum room.
 uint64_t RoomFor(const TBufferShape& shape, size_t nPacked) {
-    return shape.bUpdatable ? std::max(nPacked, shape.nMinBlockRoom) : nPacked;
+    if (!shape.bUpdatable) return nPacked;
+    return std::max(std::min(nPacked + nPacked / 4, size_t{shape.nBlockSize}), shape.nMinBlockRoom);
 }
 
 std::string BufferClassName(TPacking packing) {
@@ -137,10 +140,8 @@ void CPackedBlockBuffer::Repack(uint64_t nBlock, const uint8_t* pBytes) {
     const TPackedBlock packed = PackBlock(*m_pCodec, pBytes, BlockBytes(nBlock), m_scratch.data());
     TBlockPlacement& placement = m_placements[nBlock];
     if (packed.nSize > placement.nRoom) {
-        // A quarter more than it needs (up to a whole block), so that a growing block does not
-        // move at every change; the room it leaves can take a smaller block.
-        const size_t nWanted = std::min(packed.nSize + packed.nSize / 4, size_t{m_shape.nBlockSize});
-        const TBlockPlacement moved = TakeRoom(RoomFor(m_shape, nWanted));
+        // The room it leaves can take a smaller block.
+        const TBlockPlacement moved = TakeRoom(RoomFor(m_shape, packed.nSize));
         m_freeRooms.push_back(placement);
         placement = moved;
     }

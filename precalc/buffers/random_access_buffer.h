@@ -14,6 +14,7 @@
 #include <memory>
 #include <vector>
 
+#include "lz4_block.h"
 #include "packed_block_buffer.h"
 
 namespace moremate::RandomAccessLZWBuffer {
@@ -24,6 +25,7 @@ class CRandomAccessBlockBuffer final : public CPackedBlockBuffer {
     static_assert(sizeof(TElement) == 1 || sizeof(TElement) == 2);
     static_assert(kBlockSize % sizeof(TElement) == 0 && kBlockSize >= 2);
     static_assert(kSpareBlocks >= 0 && kRoomDivisor >= 1);
+    static_assert(kPacking != TPacking::Lz4 || kBlockSize <= kLz4MaxBlock);
 
   public:
     static constexpr TBufferShape kShape{kPacking,
