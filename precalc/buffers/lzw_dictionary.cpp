@@ -47,6 +47,9 @@ CLzwEncoderDictionary::TMatch CLzwEncoderDictionary::LongestMatch(const uint8_t*
     // the entries between it and the string all begin with it.
     size_t nMatch = 0;
     if (pAbove != pBegin) nMatch = CommonLength(pAbove[-1], pBytes, n);
+    // The entry just below is the match itself when the string goes on past it.
+    if (pAbove != pBegin && nMatch == m_lengths[pAbove[-1]])
+        return {pAbove[-1], static_cast<uint16_t>(nMatch), static_cast<uint16_t>(pAbove - pBegin)};
     if (pAbove != pEnd) nMatch = std::max(nMatch, CommonLength(*pAbove, pBytes, n));
     const uint16_t* const pMatch = std::partition_point(
         pBegin, pAbove, [&](uint16_t nCode) { return Compare(nCode, pBytes, nMatch) < 0; });
