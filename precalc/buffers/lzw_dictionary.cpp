@@ -14,7 +14,7 @@ constexpr size_t kLongestPresetRun = 128;
 }  // namespace
 
 CLzwEncoderDictionary CLzwEncoderDictionary::Preset(uint8_t nFill) {
-    CLzwEncoderDictionary dictionary;
+    CLzwEncoderDictionary dictionary{};  // zeroed: the decoder copies whole chunks past its strings
     for (int b = 0; b < 256; ++b) {
         const uint8_t single[] = {static_cast<uint8_t>(b)};
         dictionary.AddNew(single, 1);
