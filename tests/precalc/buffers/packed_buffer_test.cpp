@@ -151,6 +151,30 @@ TEST(PackedBuffer, BlocksMoveIntoSpareRoomWithoutGrowingTheImage) {
     ExpectHolds(*pBuffer, bytes);
 }
 
+// Block 0 grows and moves three times; block 2 then moves into a room block 0 has left.
+TEST(PackedBuffer, AMovingBlockTakesARoomLeftByAnother) {
+    using TBuffer = CRandomAccessLZWBuffer<uint8_t, 8192, 0, 8, 1, 0>;
+    std::vector<uint8_t> bytes(4 * 8192);
+    const auto pBuffer = TBuffer::Pack(bytes);
+    const auto end = [&] { return ReadU64(pBuffer->Image().data()); };
+    const auto offset = [&](uint64_t nBlock) { return ReadU64(pBuffer->Image().data() + TableEnd(nBlock)); };
+    const std::vector<uint8_t> noise = RandomBytes(8192, 13);
+    std::vector<uint64_t> ends = {end()};
+    for (size_t i = 0; ends.size() < 4; ++i) {
+        ASSERT_TRUE(pBuffer->Update(i, noise[i]));
+        bytes[i] = noise[i];
+        if (end() != ends.back()) ends.push_back(end());
+    }
+    const uint64_t nBlock2At = offset(2);
+    for (size_t i = 0; offset(2) == nBlock2At; ++i) {
+        ASSERT_TRUE(pBuffer->Update(2 * 8192 + i, noise[i]));
+        bytes[2 * 8192 + i] = noise[i];
+    }
+    EXPECT_EQ(end(), ends.back());
+    EXPECT_LT(offset(2), ends.back());
+    ExpectHolds(*pBuffer, bytes);
+}
+
 TEST(PackedBuffer, RefusesIndexesBeyondItsElementsAndValuesBeyondItsElementSize) {
     const auto pBuffer = CRandomAccessLZWBuffer<uint8_t, 8192, 0, 8, 1, 0>::Pack(std::vector<uint8_t>(100));
     EXPECT_THROW(pBuffer->Element(100), ChessException);
