@@ -15,7 +15,7 @@ constexpr uint32_t kSmallBlock = 8192;
 constexpr uint32_t kLargeBlock = 16384;
 
 template <TPacking kPacking, typename TElement>
-struct TShapes {
+struct CShapes {
     using Updatable = CRandomAccessBlockBuffer<kPacking, TElement, kSmallBlock, 0, 8, 1, 0>;
     using LargeUpdatable = CRandomAccessBlockBuffer<kPacking, TElement, kLargeBlock, 0, 8, 1, 0>;
     using ReadOnly = CRandomAccessBlockBuffer<kPacking, TElement, kLargeBlock, 0, 1, 0, 0>;
@@ -45,16 +45,16 @@ void CheckElementSize(unsigned elementSize) {
 template <typename TElement>
 std::unique_ptr<CRandomAccessPackedBufferBase> PackAs(TPacking packing, const std::vector<uint8_t>& elements,
                                                       bool bUpdatable) {
-    if (packing == TPacking::Lz4) return TShapes<TPacking::Lz4, TElement>::Pack(elements, bUpdatable);
-    return TShapes<TPacking::Lzw, TElement>::Pack(elements, bUpdatable);
+    if (packing == TPacking::Lz4) return CShapes<TPacking::Lz4, TElement>::Pack(elements, bUpdatable);
+    return CShapes<TPacking::Lzw, TElement>::Pack(elements, bUpdatable);
 }
 
 template <typename TElement>
 std::unique_ptr<CRandomAccessPackedBufferBase> OpenAs(TPacking packing, std::vector<uint8_t> image,
                                                       bool bForUpdates) {
     if (packing == TPacking::Lz4)
-        return TShapes<TPacking::Lz4, TElement>::Open(std::move(image), bForUpdates);
-    return TShapes<TPacking::Lzw, TElement>::Open(std::move(image), bForUpdates);
+        return CShapes<TPacking::Lz4, TElement>::Open(std::move(image), bForUpdates);
+    return CShapes<TPacking::Lzw, TElement>::Open(std::move(image), bForUpdates);
 }
 
 }  // namespace
