@@ -7,7 +7,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <vector>
+
+#include "settings/reporter.h"
 
 namespace moremate::RandomAccessLZWBuffer {
 
@@ -27,17 +30,24 @@ class CRandomAccessPackedBufferBase {
     virtual size_t MemoryBytes() const = 0;
     // The packed image as written to and read from a ".packed.lzw" or ".packed.lz4" file.
     virtual const std::vector<uint8_t>& Image() const = 0;
+    // All elements' bytes, as they were packed. None when a block is damaged: then "Error
+    // unpacking LZW data" (or "... LZ4 data") goes to `pReporter` when there is one.
+    virtual std::optional<std::vector<uint8_t>> Unpack(CReporter* pReporter, int languageId) = 0;
 };
 
 enum class TPacking { Lzw, Lz4 };
 
-// Packs `elements` (ElementCount × elementSize bytes, little-endian words).
+// Packs `elements` (ElementCount × elementSize bytes, little-endian words). Throws ChessException
+// for an element size other than 1 or 2, std::bad_alloc when memory runs out (nothing is kept).
 std::unique_ptr<CRandomAccessPackedBufferBase> PackBuffer(TPacking packing,
                                                           const std::vector<uint8_t>& elements,
                                                           unsigned elementSize, bool bUpdatable);
 // Takes a packed image read from a file; throws ChessException when it is damaged.
-std::unique_ptr<CRandomAccessPackedBufferBase> OpenPackedBuffer(TPacking packing,
-                                                                std::vector<uint8_t> image,
+std::unique_ptr<CRandomAccessPackedBufferBase> OpenPackedBuffer(TPacking packing, std::vector<uint8_t> image,
                                                                 unsigned elementSize);
+// The same; with `bForUpdates` the buffer can always be updated (the three-argument form opens
+// 16,384-byte blocks read-only and 8,192-byte blocks updatable).
+std::unique_ptr<CRandomAccessPackedBufferBase> OpenPackedBuffer(TPacking packing, std::vector<uint8_t> image,
+                                                                unsigned elementSize, bool bForUpdates);
 
 }  // namespace moremate::RandomAccessLZWBuffer
