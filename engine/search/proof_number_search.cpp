@@ -161,15 +161,20 @@ void TProofNumberSearch::Expand(const TChessboard& node, const TPositionKey& key
     }
     const size_t last = m_children.size();
     while (true) {
-        // OR node: the cheapest proof among the children, the sum of their disproofs; an AND node
-        // the other way round. `best` is the child that decides the node's number, `second` the
-        // next cheapest.
-        uint32_t minimum = kInfinity, second = kInfinity, sum = 0;
+        // OR node: the cheapest proof among the children, and as disproof the largest child's plus
+        // one for each other open child (White's moves lead into the same positions again and
+        // again, so that a sum counts the work below them many times over); an AND node: the
+        // cheapest disproof and the sum of the proofs. `best` is the child that decides the
+        // node's number, `second` the next cheapest.
+        uint32_t minimum = kInfinity, second = kInfinity, sum = 0, largest = 0, open = 0;
         size_t best = first;
         for (size_t i = first; i < last; ++i) {
             const TProofNumbers& c = m_children[i].numbers;
             const uint32_t decisive = orNode ? c.pn : c.dn;
-            sum = Add(sum, orNode ? c.dn : c.pn);
+            const uint32_t other = orNode ? c.dn : c.pn;
+            sum = Add(sum, other);
+            largest = std::max(largest, other);
+            open += other != 0;
             if (decisive < minimum) {
                 second = minimum;
                 minimum = decisive;
@@ -178,6 +183,7 @@ void TProofNumberSearch::Expand(const TChessboard& node, const TPositionKey& key
                 second = decisive;
             }
         }
+        if (orNode && open > 0) sum = Add(largest, open - 1);
         if (minimum == 0) sum = kInfinity;  // settled: the other number is infinite
         numbers = orNode ? TProofNumbers{minimum, sum} : TProofNumbers{sum, minimum};
         if (numbers.pn >= thpn || numbers.dn >= thdn) break;
