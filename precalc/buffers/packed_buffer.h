@@ -36,8 +36,7 @@ std::unique_ptr<CRandomAccessPackedBufferBase> PackBuffer(TPacking packing,
                                                           const std::vector<uint8_t>& elements,
                                                           unsigned elementSize, bool bUpdatable);
 // Takes a packed image read from a file; throws ChessException when it is damaged.
-std::unique_ptr<CRandomAccessPackedBufferBase> OpenPackedBuffer(TPacking packing,
-                                                                std::vector<uint8_t> image,
+std::unique_ptr<CRandomAccessPackedBufferBase> OpenPackedBuffer(TPacking packing, std::vector<uint8_t> image,
                                                                 unsigned elementSize);
 
 }  // namespace moremate::RandomAccessLZWBuffer
