@@ -52,7 +52,7 @@ void AddTypesOfSize(int left, size_t from, const std::string& letters, std::stri
     }
 }
 
-std::vector<TPositionType> TypesToMake(const TPrecalcArgs& args) {
+std::vector<TPrecalcType> TypesToMake(const TPrecalcArgs& args) {
     std::vector<std::string> names = args.types;
     if (args.all != 0 && (args.all < 3 || args.all > kMaxPrecalcPieces))
         throw ChessException(fmt::format("--all takes a piece count from 3 to {}", kMaxPrecalcPieces));
@@ -61,8 +61,8 @@ std::vector<TPositionType> TypesToMake(const TPrecalcArgs& args) {
         AddTypesOfSize(size - 2, 0, "QRBNPqrbnp", pieces, names);
     }
     if (names.empty()) throw ChessException("No position type given (a type such as KQk, or --all N)");
-    std::vector<TPositionType> types;
-    for (const std::string& name : names) types.push_back(TPositionType::Parse(name));
+    std::vector<TPrecalcType> types;
+    for (const std::string& name : names) types.push_back(TPrecalcType::Parse(name));
     return types;
 }
 
@@ -88,10 +88,10 @@ int RunGenerate(TProgramContext& context, const TPrecalcArgs& args) {
     options.m_nThreads = Threads(args);
     options.m_bProgress = true;
     options.m_bRegenerate = args.force;
-    const std::vector<TPositionType> types = TypesToMake(args);
+    const std::vector<TPrecalcType> types = TypesToMake(args);
     TGlobalRegisters& registers = ConfiguredRegisters(context, true);
     const auto start = std::chrono::steady_clock::now();
-    for (const TPositionType& type : types) {
+    for (const TPrecalcType& type : types) {
         if (!args.force && !registers.FileToLoad(type).empty()) {
             fmt::print("{}: present\n", type.Description());
             continue;
@@ -106,7 +106,7 @@ int RunGenerate(TProgramContext& context, const TPrecalcArgs& args) {
 int RunVerify(TProgramContext& context, const TPrecalcArgs& args) {
     TGlobalRegisters& registers = ConfiguredRegisters(context, true);
     int status = kExitOk;
-    for (const TPositionType& type : TypesToMake(args)) {
+    for (const TPrecalcType& type : TypesToMake(args)) {
         const TVerificationReport r = VerifyTypeData(registers, registers.Require(type), Threads(args), true);
         fmt::print("{}: {} indexes checked, {} fault(s)\n", type.Description(), r.m_nChecked, r.m_nFaults);
         for (size_t i = 0; i < std::min<size_t>(5, r.m_vFaults.size()); ++i)
@@ -119,7 +119,7 @@ int RunVerify(TProgramContext& context, const TPrecalcArgs& args) {
     return status;
 }
 
-void PrintTypeInfo(TGlobalRegisters& registers, const TPositionType& type) {
+void PrintTypeInfo(TGlobalRegisters& registers, const TPrecalcType& type) {
     const TGlobalRegister& reg = registers.Require(type);
     const CGlobalStorage& storage = reg.Storage();
     uint64_t longestAt = 0;
@@ -145,7 +145,7 @@ void PrintTypeInfo(TGlobalRegisters& registers, const TPositionType& type) {
 
 int RunInfo(TProgramContext& context, const TPrecalcArgs& args) {
     TGlobalRegisters& registers = ConfiguredRegisters(context, false);
-    for (const std::string& name : args.types) PrintTypeInfo(registers, TPositionType::Parse(name));
+    for (const std::string& name : args.types) PrintTypeInfo(registers, TPrecalcType::Parse(name));
     if (args.types.empty()) {
         const std::set<std::string> onDisk = registers.TypesOnDisk();
         fmt::print("Data folder: {}\n{} position type(s) on disk:",

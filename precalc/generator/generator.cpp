@@ -28,14 +28,14 @@ std::unique_ptr<CGlobalStorage> StorageOfKind(TStorageKind kind, std::vector<uin
     return MakePlainStorage(std::move(elements), 1);
 }
 
-void CheckMemory(const TPositionType& type) {
+void CheckMemory(const TPrecalcType& type) {
     const uint64_t needed = CTypeGenerator::PeakBytes(type) + 2 * TypeIndexCount(type);
     if (needed > PhysicalMemoryBytes() / 2)
         throw ChessException(
             fmt::format("Not enough memory to generate {}: {} MB needed", type.Description(), needed >> 20));
 }
 
-TGlobalRegister& Generate(TGlobalRegisters& registers, const TPositionType& type,
+TGlobalRegister& Generate(TGlobalRegisters& registers, const TPrecalcType& type,
                           const TGenerationOptions& options, TGenerationReport& report) {
     CheckMemory(type);
     const auto start = std::chrono::steady_clock::now();
@@ -54,7 +54,7 @@ TGlobalRegister& Generate(TGlobalRegisters& registers, const TPositionType& type
 
 }  // namespace
 
-TGlobalRegister& EnsureTypeData(TGlobalRegisters& registers, const TPositionType& type,
+TGlobalRegister& EnsureTypeData(TGlobalRegisters& registers, const TPrecalcType& type,
                                 const TGenerationOptions& options,
                                 const std::function<void(const TGenerationReport&)>& done) {
     if (!options.m_bRegenerate) {
@@ -62,7 +62,7 @@ TGlobalRegister& EnsureTypeData(TGlobalRegisters& registers, const TPositionType
     }
     TGenerationOptions smaller = options;
     smaller.m_bRegenerate = false;
-    for (const TPositionType& next : type.Successors())
+    for (const TPrecalcType& next : type.Successors())
         if (!next.WhiteBare()) EnsureTypeData(registers, next, smaller, done);
     TGenerationReport report;
     report.m_sDescription = type.Description();

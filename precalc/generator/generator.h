@@ -40,7 +40,7 @@ struct TGenerationReport {
 
 // Makes the type's data available in `registers`, generating what is missing, smaller types
 // first. `done` hears of each type made. Throws ChessException when memory does not allow it.
-TGlobalRegister& EnsureTypeData(TGlobalRegisters& registers, const TPositionType& type,
+TGlobalRegister& EnsureTypeData(TGlobalRegisters& registers, const TPrecalcType& type,
                                 const TGenerationOptions& options,
                                 const std::function<void(const TGenerationReport&)>& done = {});
 

@@ -5,7 +5,7 @@
 
 namespace moremate {
 
-bool SetUpPlacement(const TPositionType& type, uint64_t nPlacement, bool bWhiteToMove, TChessboard& board) {
+bool SetUpPlacement(const TPrecalcType& type, uint64_t nPlacement, bool bWhiteToMove, TChessboard& board) {
     board = TChessboard{};
     if (!type.PlacementAt(nPlacement, board.squares)) return false;
     int wk = 0, bk = 0;
@@ -30,7 +30,7 @@ bool EnPassantOpen(const TChessboard& board) {
 uint8_t COtherTypes::Value(const TChessboard& board) {
     TGlobalRegister* reg = m_registers.Find(board);
     if (!reg) {
-        const std::optional<TPositionType> type = TPositionType::OfPosition(board.squares);
+        const std::optional<TPrecalcType> type = TPrecalcType::OfPosition(board.squares);
         if (type && type->WhiteBare()) return 0;
         throw ChessException(kNoGlobalRegisterText + (type ? type->Description() : std::string("?")));
     }

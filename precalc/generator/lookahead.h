@@ -24,7 +24,7 @@ inline constexpr int kNoLimit = INT_MAX / 2;
 
 // Sets up a placement of `type` with a side to move; false for an illegal position (the side not
 // to move in check, kings touching, two pieces on a square).
-bool SetUpPlacement(const TPositionType& type, uint64_t nPlacement, bool bWhiteToMove, TChessboard& board);
+bool SetUpPlacement(const TPrecalcType& type, uint64_t nPlacement, bool bWhiteToMove, TChessboard& board);
 bool EnPassantOpen(const TChessboard& board);
 
 // Values of the positions after a move that leaves the type; the largest value read is kept.
@@ -44,18 +44,19 @@ class COtherTypes {
 template <typename Source>
 class CLookahead {
   public:
-    CLookahead(const TPositionType& type, Source& source, COtherTypes& others)
+    CLookahead(const TPrecalcType& type, Source& source, COtherTypes& others)
         : m_type(type), m_source(source), m_others(others) {}
 
     // White to move: the quickest mate through a move, v <= limit, else 0.
     uint8_t WhiteValue(const TChessboard& board, int limit) const {
         TMoveList moves;
         GenerateLegalMoves(board, moves);
+        const TPrecalcType::TPieceSquares pieces = m_type.PiecesOf(board.squares);
         uint8_t best = 0;
         for (const TMove& m : moves) {
             TChessboard child;
             PlayMove(board, m, child);
-            const uint8_t s = BlackChild(board, child, limit - 1);
+            const uint8_t s = BlackChild(board, child, pieces, m, limit - 1);
             if (s != 0 && s != kEscapes && (best == 0 || s < best)) best = s;
         }
         return best;
@@ -67,6 +68,7 @@ class CLookahead {
         TMoveList moves;
         GenerateLegalMoves(board, moves);
         if (moves.count == 0) return board.InCheck() ? 1 : kEscapes;
+        const TPrecalcType::TPieceSquares pieces = m_type.PiecesOf(board.squares);
         uint8_t longest = 0;
         bool open = false;
         for (const TMove& m : moves) {
@@ -80,7 +82,7 @@ class CLookahead {
                 if (v == 0) return kEscapes;
                 if (limitOthers && v > limit) v = 0;
             } else {
-                v = m_source.White(m_type.IndexOf(child.squares));
+                v = m_source.White(m_type.IndexOfPieces(TPrecalcType::Moved(pieces, m.from, m.to)));
                 if (v > limit) v = 0;
             }
             if (v == 0) open = true;
@@ -90,19 +92,20 @@ class CLookahead {
     }
 
   private:
-    uint8_t BlackChild(const TChessboard& parent, const TChessboard& child, int limit) const {
+    uint8_t BlackChild(const TChessboard& parent, const TChessboard& child,
+                       const TPrecalcType::TPieceSquares& pieces, const TMove& m, int limit) const {
         uint8_t s;
         if (EnPassantOpen(child)) {
             s = BlackValue(child, limit, true);
         } else if (MaterialKey(child) != MaterialKey(parent)) {
             s = m_others.Value(child);
         } else {
-            s = m_source.Black(m_type.IndexOf(child.squares));
+            s = m_source.Black(m_type.IndexOfPieces(TPrecalcType::Moved(pieces, m.from, m.to)));
         }
         return s != 0 && s != kEscapes && s - 1 <= limit ? s : 0;
     }
 
-    const TPositionType& m_type;
+    const TPrecalcType& m_type;
     Source& m_source;
     COtherTypes& m_others;
 };

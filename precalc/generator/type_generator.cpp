@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kLargestValue = 250;
 
-bool HasPieces(const TPositionType& type, uint8_t colour, uint8_t pieceType) {
+bool HasPieces(const TPrecalcType& type, uint8_t colour, uint8_t pieceType) {
     for (const TPieceSlot& slot : type.Slots())
         if (slot.m_piece == MakePiece(colour, pieceType)) return true;
     return false;
@@ -42,7 +42,7 @@ bool PositionBefore(const uint8_t* after, const TRetroMove& move, uint8_t mover,
 
 }  // namespace
 
-CTypeGenerator::CTypeGenerator(const TPositionType& type, TGlobalRegisters& registers,
+CTypeGenerator::CTypeGenerator(const TPrecalcType& type, TGlobalRegisters& registers,
                                const TGenerationOptions& options)
     : m_type(type),
       m_options(options),
@@ -53,7 +53,7 @@ CTypeGenerator::CTypeGenerator(const TPositionType& type, TGlobalRegisters& regi
       m_lookahead(type, m_source, m_others),
       m_progress(options.m_bProgress) {}
 
-uint64_t CTypeGenerator::PeakBytes(const TPositionType& type) {
+uint64_t CTypeGenerator::PeakBytes(const TPrecalcType& type) {
     // Three bytes per placement, and lists of settled positions at four bytes per index.
     return 3 * type.PlacementCount() + 4 * TypeIndexCount(type);
 }
@@ -143,10 +143,12 @@ void CTypeGenerator::TakeBackWhiteMoves(int d, TIndexLists& found) {
         TRetroMoveList retro;
         for (uint64_t k = begin; k < end; ++k) {
             m_type.PlacementAt(mated[k], scratch.squares);
+            const TPrecalcType::TPieceSquares pieces = m_type.PiecesOf(scratch.squares);
             GenerateRetroMoves(scratch.squares, kWhite, true, retro);
             for (int r = 0; r < retro.count; ++r) {
                 if (!PositionBefore(scratch.squares, retro.moves[r], kWhite, before)) continue;
-                const uint64_t i = m_type.IndexOf(before);
+                const uint64_t i =
+                    m_type.IndexOfPieces(TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to));
                 if (ClaimWhite(i, static_cast<uint8_t>(d))) found[t].push_back(static_cast<uint32_t>(i));
             }
         }
@@ -184,10 +186,12 @@ std::vector<uint32_t> CTypeGenerator::BlackCandidates() {
         TRetroMoveList retro;
         for (uint64_t k = begin; k < end; ++k) {
             m_type.PlacementAt(m_newWhite[k], scratch.squares);
+            const TPrecalcType::TPieceSquares pieces = m_type.PiecesOf(scratch.squares);
             GenerateRetroMoves(scratch.squares, kBlack, false, retro);
             for (int r = 0; r < retro.count; ++r) {
                 if (!PositionBefore(scratch.squares, retro.moves[r], kBlack, before)) continue;
-                const uint64_t i = m_type.IndexOf(before);
+                const uint64_t i =
+                    m_type.IndexOfPieces(TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to));
                 if (claim(i)) found[t].push_back(static_cast<uint32_t>(i));
             }
         }

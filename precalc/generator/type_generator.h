@@ -13,11 +13,11 @@ namespace moremate {
 
 class CTypeGenerator {
   public:
-    CTypeGenerator(const TPositionType& type, TGlobalRegisters& registers, const TGenerationOptions& options);
+    CTypeGenerator(const TPrecalcType& type, TGlobalRegisters& registers, const TGenerationOptions& options);
     // The elements of the doubled index space, one byte each.
     std::vector<uint8_t> Run(TGenerationReport& report);
     // The memory the generation of `type` takes at most.
-    static uint64_t PeakBytes(const TPositionType& type);
+    static uint64_t PeakBytes(const TPrecalcType& type);
 
   private:
     struct CArraySource {
@@ -50,7 +50,7 @@ class CTypeGenerator {
     bool PendingAfter(int d) const;
     void Show(const std::string& what, bool force = false);
 
-    const TPositionType& m_type;
+    const TPrecalcType& m_type;
     const TGenerationOptions& m_options;
     uint64_t m_nPlacements;
     bool m_bBothPawns = false;

@@ -29,7 +29,7 @@ struct CRegisterSource {
 
 TVerificationReport VerifyTypeData(TGlobalRegisters& registers, TGlobalRegister& reg, unsigned threads,
                                    bool bProgress) {
-    const TPositionType& type = reg.Type();
+    const TPrecalcType& type = reg.Type();
     CRegisterSource source{reg};
     COtherTypes others(registers);
     CLookahead<CRegisterSource> lookahead(type, source, others);

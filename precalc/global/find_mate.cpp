@@ -26,7 +26,7 @@ bool FindMateByGlobalRegister(TGlobalRegisters& registers, const TChessboard& po
         if (excluded(m)) continue;
         TChessboard child;
         PlayMove(position, m, child);
-        const std::optional<TPositionType> type = TPositionType::OfPosition(child.squares);
+        const std::optional<TPrecalcType> type = TPrecalcType::OfPosition(child.squares);
         if (!type) continue;
         const int halfMoves = registers.Require(*type).HalfMovesToMate(child);
         if (halfMoves >= 0 && halfMoves <= 2 * (n - 1)) return true;

@@ -20,10 +20,10 @@ inline constexpr int kStoredUnknown = -2;
 
 class TGlobalRegister {
   public:
-    TGlobalRegister(TPositionType type, std::unique_ptr<CGlobalStorage> storage)
+    TGlobalRegister(TPrecalcType type, std::unique_ptr<CGlobalStorage> storage)
         : m_type(std::move(type)), m_pStorage(std::move(storage)) {}
 
-    const TPositionType& Type() const { return m_type; }
+    const TPrecalcType& Type() const { return m_type; }
     const CGlobalStorage& Storage() const { return *m_pStorage; }
     size_t MemoryBytes() const { return m_pStorage ? m_pStorage->MemoryBytes() : 0; }
 
@@ -39,7 +39,7 @@ class TGlobalRegister {
     int HalfMovesAtIndex(uint64_t nIndex) const;
 
   private:
-    TPositionType m_type;
+    TPrecalcType m_type;
     std::unique_ptr<CGlobalStorage> m_pStorage;
 };
 

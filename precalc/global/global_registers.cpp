@@ -81,14 +81,14 @@ TGlobalRegister* TGlobalRegisters::Find(const TChessboard& position) {
         const auto found = m_byMaterial.find(key);
         if (found != m_byMaterial.end()) return found->second;
     }
-    const std::optional<TPositionType> type = TPositionType::OfPosition(position.squares);
+    const std::optional<TPrecalcType> type = TPrecalcType::OfPosition(position.squares);
     TGlobalRegister* reg = type ? Find(*type) : nullptr;
     std::unique_lock lock(m_lock);
     m_byMaterial[key] = reg;
     return reg;
 }
 
-TGlobalRegister* TGlobalRegisters::Find(const TPositionType& type) {
+TGlobalRegister* TGlobalRegisters::Find(const TPrecalcType& type) {
     {
         std::shared_lock lock(m_lock);
         const auto found = m_registers.find(type.Description());
@@ -98,7 +98,7 @@ TGlobalRegister* TGlobalRegisters::Find(const TPositionType& type) {
     return Load(type);
 }
 
-TGlobalRegister& TGlobalRegisters::Require(const TPositionType& type) {
+TGlobalRegister& TGlobalRegisters::Require(const TPrecalcType& type) {
     TGlobalRegister* reg = Find(type);
     if (!reg) throw ChessException(kNoGlobalRegisterText + type.Description());
     return *reg;
@@ -114,7 +114,7 @@ TGlobalRegister& TGlobalRegisters::Add(std::unique_ptr<TGlobalRegister> reg) {
     return *slot;
 }
 
-std::filesystem::path TGlobalRegisters::FileToLoad(const TPositionType& type) const {
+std::filesystem::path TGlobalRegisters::FileToLoad(const TPrecalcType& type) const {
     for (const TStorageKind kind : KindsToTry(m_settings)) {
         const std::filesystem::path file = TypeFile(m_settings.m_dataFolder, type, kind);
         std::error_code error;
@@ -123,7 +123,7 @@ std::filesystem::path TGlobalRegisters::FileToLoad(const TPositionType& type) co
     return {};
 }
 
-std::unique_ptr<CGlobalStorage> TGlobalRegisters::ReadWithinQuota(const TPositionType& type,
+std::unique_ptr<CGlobalStorage> TGlobalRegisters::ReadWithinQuota(const TPrecalcType& type,
                                                                   const std::filesystem::path& file) {
     const uint64_t elements = TypeIndexCount(type);
     const TDataFileHeader h = ReadDataFileHeader(file, type.Description(), elements);
@@ -134,7 +134,7 @@ std::unique_ptr<CGlobalStorage> TGlobalRegisters::ReadWithinQuota(const TPositio
     return ReadDataFile(file, type.Description(), elements, m_settings.m_bForceDiskAccess);
 }
 
-TGlobalRegister* TGlobalRegisters::Load(const TPositionType& type) {
+TGlobalRegister* TGlobalRegisters::Load(const TPrecalcType& type) {
     const std::filesystem::path file = FileToLoad(type);
     std::unique_ptr<CGlobalStorage> storage;
     try {
@@ -175,10 +175,9 @@ uint64_t TGlobalRegisters::MemoryBytes() const {
     return bytes;
 }
 
-void TGlobalRegisters::Count(int halfMoves) {
+void TGlobalRegisters::Count(bool bKnown, bool bMate) {
     m_nLookups.fetch_add(1, std::memory_order_relaxed);
-    std::atomic<uint64_t>& counter =
-        halfMoves == kStoredUnknown ? m_nUnknown : (halfMoves == kStoredNoMate ? m_nNoMates : m_nMates);
+    std::atomic<uint64_t>& counter = !bKnown ? m_nUnknown : (bMate ? m_nMates : m_nNoMates);
     counter.fetch_add(1, std::memory_order_relaxed);
 }
 

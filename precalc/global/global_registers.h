@@ -35,8 +35,8 @@ struct TGlobalRegisterSettings {
 
 struct TGlobalRegisterCounts {
     uint64_t m_nLookups = 0;
-    uint64_t m_nMates = 0;
-    uint64_t m_nNoMates = 0;
+    uint64_t m_nMates = 0;    // nodes settled as mate within their half-moves
+    uint64_t m_nNoMates = 0;  // nodes settled as no mate within them
     uint64_t m_nUnknown = 0;
 };
 
@@ -55,26 +55,27 @@ class TGlobalRegisters {
 
     // The register of the position's material, loaded when first asked for; null without data.
     TGlobalRegister* Find(const TChessboard& position);
-    TGlobalRegister* Find(const TPositionType& type);
+    TGlobalRegister* Find(const TPrecalcType& type);
     // Throws ChessException kNoGlobalRegisterText + description when there is none.
-    TGlobalRegister& Require(const TPositionType& type);
+    TGlobalRegister& Require(const TPrecalcType& type);
     // Takes a register made in memory (the generator's), replacing one of the same type.
     TGlobalRegister& Add(std::unique_ptr<TGlobalRegister> reg);
     // The types whose files lie in the data folder, by description.
     std::set<std::string> TypesOnDisk() const;
     // The file of a type that loading would read, or an empty path.
-    std::filesystem::path FileToLoad(const TPositionType& type) const;
+    std::filesystem::path FileToLoad(const TPrecalcType& type) const;
 
     uint64_t MemoryBytes() const;
-    // Counted by the search: a settled node and its answer.
-    void Count(int halfMoves);
+    // Counted by the search: a look-up and how it settled the node (mate or no mate within the
+    // node's half-moves), or that the data did not know.
+    void Count(bool bKnown, bool bMate);
     TGlobalRegisterCounts Counts() const;
     // The loaded types with form, indexes and memory, and the quota.
     std::string StatusText() const;
 
   private:
-    TGlobalRegister* Load(const TPositionType& type);
-    std::unique_ptr<CGlobalStorage> ReadWithinQuota(const TPositionType& type,
+    TGlobalRegister* Load(const TPrecalcType& type);
+    std::unique_ptr<CGlobalStorage> ReadWithinQuota(const TPrecalcType& type,
                                                     const std::filesystem::path& file);
 
     TGlobalRegisterSettings m_settings;

@@ -11,10 +11,6 @@ namespace {
 
 constexpr uint8_t kSlotOrder[] = {kQueen, kRook, kBishop, kKnight, kPawn};
 
-int Mirror(int sq, bool bMirror) {
-    return bMirror ? (sq ^ 7) : sq;
-}
-
 char LetterOf(Piece piece) {
     const char letter = TypeLetter(TypeOf(piece)) == ' ' ? 'P' : TypeLetter(TypeOf(piece));
     return ColourOf(piece) == kWhite ? letter : static_cast<char>(std::tolower(letter));
@@ -42,17 +38,17 @@ void CountLetters(const std::string& text, std::array<int, 32>& white, std::arra
 
 }  // namespace
 
-TPositionType TPositionType::Parse(const std::string& text, bool bCustom) {
+TPrecalcType TPrecalcType::Parse(const std::string& text, bool bCustom) {
     std::array<int, 32> white = NoCounts(), black = NoCounts();
     CountLetters(text, white, black);
-    TPositionType type;
+    TPrecalcType type;
     type.m_bCustom = bCustom;
     type.AddPieces(kWhite, white);
     type.AddPieces(kBlack, black);
     return type;
 }
 
-std::optional<TPositionType> TPositionType::OfPosition(const uint8_t* squares) {
+std::optional<TPrecalcType> TPrecalcType::OfPosition(const uint8_t* squares) {
     std::array<int, 32> white = NoCounts(), black = NoCounts();
     int pieces = 0;
     for (int sq = 0; sq < 64; ++sq) {
@@ -62,13 +58,13 @@ std::optional<TPositionType> TPositionType::OfPosition(const uint8_t* squares) {
         ++(ColourOf(p) == kWhite ? white : black)[TypeOf(p)];
     }
     if (white[kKing] != 1 || black[kKing] != 1) return std::nullopt;
-    TPositionType type;
+    TPrecalcType type;
     type.AddPieces(kWhite, white);
     type.AddPieces(kBlack, black);
     return type;
 }
 
-void TPositionType::AddPieces(uint8_t colour, const std::array<int, 32>& counts) {
+void TPrecalcType::AddPieces(uint8_t colour, const std::array<int, 32>& counts) {
     m_sDescription += colour == kWhite ? 'K' : 'k';
     for (const uint8_t type : kSlotOrder) {
         const int k = counts[type];
@@ -84,39 +80,63 @@ void TPositionType::AddPieces(uint8_t colour, const std::array<int, 32>& counts)
         m_nPieces += k;
         m_bPawns = m_bPawns || slot.m_bPawn;
         m_nPlacements *= slot.m_nRadix;
+        m_slotOfPiece[slot.m_piece] = static_cast<int8_t>(m_vSlots.size());
         m_vSlots.push_back(slot);
     }
 }
 
-bool TPositionType::WhiteBare() const {
+bool TPrecalcType::WhiteBare() const {
     return std::none_of(m_vSlots.begin(), m_vSlots.end(),
                         [](const TPieceSlot& s) { return ColourOf(s.m_piece) == kWhite; });
 }
 
-uint64_t TPositionType::IndexOf(const uint8_t* squares) const {
-    int wk = 0, bk = 0;
+TPrecalcType::TPieceSquares TPrecalcType::PiecesOf(const uint8_t* squares) const {
+    TPieceSquares pieces{};
+    int filled[kMaxPrecalcPieces] = {};
+    int firstOfSlot[kMaxPrecalcPieces] = {};
+    for (size_t slot = 0, at = 2; slot < m_vSlots.size();
+         at += static_cast<size_t>(m_vSlots[slot++].m_nGroupSize))
+        firstOfSlot[slot] = static_cast<int>(at);
     for (int sq = 0; sq < 64; ++sq) {
-        if (squares[sq] == (kWhite | kKing)) wk = sq;
-        if (squares[sq] == (kBlack | kKing)) bk = sq;
+        const Piece p = squares[sq];
+        if (p == kEmpty) continue;
+        if (p == (kWhite | kKing)) {
+            pieces[0] = static_cast<uint8_t>(sq);
+        } else if (p == (kBlack | kKing)) {
+            pieces[1] = static_cast<uint8_t>(sq);
+        } else {
+            const int slot = m_slotOfPiece[p];
+            if (slot >= 0 && filled[slot] < m_vSlots[static_cast<size_t>(slot)].m_nGroupSize)
+                pieces[static_cast<size_t>(firstOfSlot[slot] + filled[slot]++)] = static_cast<uint8_t>(sq);
+        }
     }
-    const bool mirror = FileOf(wk) >= 4;
-    uint64_t p = 0;
-    for (const TPieceSlot& slot : m_vSlots) {
-        unsigned char set[kMaxPrecalcPieces];
-        int n = 0;
-        // Squares of the (mirrored) board in ascending order: the group's set comes out sorted.
-        for (int sq = 0; sq < 64 && n < slot.m_nGroupSize; ++sq)
-            if (squares[Mirror(sq, mirror)] == slot.m_piece) set[n++] = static_cast<unsigned char>(sq);
-        const uint64_t part =
-            slot.m_pMapping ? slot.m_pMapping->IndexOfSet(set) : set[0] - (slot.m_bPawn ? 8 : 0);
-        p = p * slot.m_nRadix + part;
-    }
-    wk = Mirror(wk, mirror);
-    const uint64_t w = static_cast<uint64_t>(RankOf(wk) * 4 + FileOf(wk));
-    return w + 32 * (static_cast<uint64_t>(Mirror(bk, mirror)) + 64 * p);
+    return pieces;
 }
 
-bool TPositionType::PlacementAt(uint64_t nIndex, uint8_t* squares) const {
+uint64_t TPrecalcType::IndexOfPieces(TPieceSquares pieces) const {
+    const bool mirror = FileOf(pieces[0]) >= 4;
+    if (mirror)
+        for (int i = 0; i < m_nPieces + 2; ++i) pieces[static_cast<size_t>(i)] ^= 7;
+    uint64_t p = 0;
+    unsigned char* at = pieces.data() + 2;
+    for (const TPieceSlot& slot : m_vSlots) {
+        if (slot.m_pMapping) {
+            std::sort(at, at + slot.m_nGroupSize);
+            p = p * slot.m_nRadix + slot.m_pMapping->IndexOfSet(at);
+        } else {
+            p = p * slot.m_nRadix + (*at - (slot.m_bPawn ? 8u : 0u));
+        }
+        at += slot.m_nGroupSize;
+    }
+    const uint64_t w = static_cast<uint64_t>(RankOf(pieces[0]) * 4 + FileOf(pieces[0]));
+    return w + 32 * (static_cast<uint64_t>(pieces[1]) + 64 * p);
+}
+
+uint64_t TPrecalcType::IndexOf(const uint8_t* squares) const {
+    return IndexOfPieces(PiecesOf(squares));
+}
+
+bool TPrecalcType::PlacementAt(uint64_t nIndex, uint8_t* squares) const {
     std::fill(squares, squares + 64, kEmpty);
     const int w = static_cast<int>(nIndex % 32);
     const int bk = static_cast<int>(nIndex / 32 % 64);
@@ -141,10 +161,10 @@ bool TPositionType::PlacementAt(uint64_t nIndex, uint8_t* squares) const {
     return true;
 }
 
-std::vector<TPositionType> TPositionType::Successors() const {
-    std::vector<TPositionType> result;
+std::vector<TPrecalcType> TPrecalcType::Successors() const {
+    std::vector<TPrecalcType> result;
     const auto add = [&result](const std::string& text) {
-        const TPositionType type = Parse(text);
+        const TPrecalcType type = Parse(text);
         if (std::find(result.begin(), result.end(), type) == result.end()) result.push_back(type);
     };
     for (size_t i = 0; i < m_sDescription.size(); ++i) {

@@ -32,13 +32,13 @@ struct TPieceSlot {
     uint64_t m_nRadix = 64;
 };
 
-class TPositionType {
+class TPrecalcType {
   public:
     // Throws ChessException kUnknownTypeText + text for anything but one "K", one "k" and at most
     // three further pieces of Q, R, B, N, P in either case.
-    static TPositionType Parse(const std::string& text, bool bCustom = false);
+    static TPrecalcType Parse(const std::string& text, bool bCustom = false);
     // The type of a position's material, or nothing with more pieces than precalculated types hold.
-    static std::optional<TPositionType> OfPosition(const uint8_t* squares);
+    static std::optional<TPrecalcType> OfPosition(const uint8_t* squares);
 
     const std::string& Description() const { return m_sDescription; }
     int PieceCount() const { return m_nPieces; }  // besides the kings
@@ -53,15 +53,34 @@ class TPositionType {
     uint64_t PlacementCount() const { return m_nPlacements; }
     // The index of a placement with White to move; add PlacementCount() for Black to move.
     uint64_t IndexOf(const uint8_t* squares) const;
+    // The squares of the kings (white, black) and then of the slots' pieces, in slot order; a
+    // group's squares in any order.
+    using TPieceSquares = std::array<uint8_t, kMaxPrecalcPieces>;
+    TPieceSquares PiecesOf(const uint8_t* squares) const;
+    uint64_t IndexOfPieces(TPieceSquares pieces) const;
+    // The squares after a piece went from `from` to `to` without capturing or promoting.
+    static TPieceSquares Moved(TPieceSquares pieces, int from, int to) {
+        for (uint8_t& sq : pieces)
+            if (sq == from) {
+                sq = static_cast<uint8_t>(to);
+                break;
+            }
+        return pieces;
+    }
     // The placement of an index below PlacementCount(); false when two pieces share a square.
     bool PlacementAt(uint64_t nIndex, uint8_t* squares) const;
 
     // The types a capture or a promotion of one piece leads to.
-    std::vector<TPositionType> Successors() const;
+    std::vector<TPrecalcType> Successors() const;
 
-    bool operator==(const TPositionType& other) const { return m_sDescription == other.m_sDescription; }
+    bool operator==(const TPrecalcType& other) const { return m_sDescription == other.m_sDescription; }
 
   private:
+    static std::array<int8_t, 256> MakeNoSlots() {
+        std::array<int8_t, 256> slots;
+        slots.fill(-1);
+        return slots;
+    }
     void AddPieces(uint8_t colour, const std::array<int, 32>& counts);
 
     std::string m_sDescription;
@@ -69,11 +88,12 @@ class TPositionType {
     bool m_bPawns = false;
     bool m_bCustom = false;
     std::vector<TPieceSlot> m_vSlots;
+    std::array<int8_t, 256> m_slotOfPiece = MakeNoSlots();
     uint64_t m_nPlacements = 32 * 64;
 };
 
 // Doubled index: both sides to move.
-inline uint64_t TypeIndexCount(const TPositionType& type) {
+inline uint64_t TypeIndexCount(const TPrecalcType& type) {
     return 2 * type.PlacementCount();
 }
 

@@ -70,18 +70,18 @@ std::filesystem::path PrecalcDataFolder(const std::string& precalcPath) {
     return precalcPath.empty() ? ProgramFolder() : std::filesystem::path(precalcPath);
 }
 
-std::filesystem::path TypeFolderName(const TPositionType& type) {
+std::filesystem::path TypeFolderName(const TPrecalcType& type) {
     return std::filesystem::path(type.IsCustom() ? "CustomPrecalc" : "Precalc") /
            (std::to_string(type.TotalPieces()) + "pieces" + (type.HasPawns() ? "+pawns" : "-pawns"));
 }
 
-std::filesystem::path TypeFolder(const std::filesystem::path& dataFolder, const TPositionType& type) {
+std::filesystem::path TypeFolder(const std::filesystem::path& dataFolder, const TPrecalcType& type) {
     const std::filesystem::path sub = dataFolder / TypeFolderName(type);
     std::error_code error;
     return std::filesystem::is_directory(sub, error) ? sub : sub.parent_path();
 }
 
-std::filesystem::path TypeFile(const std::filesystem::path& dataFolder, const TPositionType& type,
+std::filesystem::path TypeFile(const std::filesystem::path& dataFolder, const TPrecalcType& type,
                                TStorageKind kind, bool bDetails) {
     return TypeFolder(dataFolder, type) / (MarkedBaseName(type.Description()) + ".precalc" +
                                            (bDetails ? ".details" : "") + StorageSuffix(kind));

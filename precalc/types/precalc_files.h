@@ -38,10 +38,10 @@ std::string MarkedBaseName(const std::string& description);
 // The data folder: `precalcPath` when set, else the program folder.
 std::filesystem::path PrecalcDataFolder(const std::string& precalcPath);
 // "Precalc" or "CustomPrecalc" in the data folder, then the piece-count subfolder.
-std::filesystem::path TypeFolderName(const TPositionType& type);
+std::filesystem::path TypeFolderName(const TPrecalcType& type);
 // The folder the type's files are read from: the piece-count subfolder when it exists.
-std::filesystem::path TypeFolder(const std::filesystem::path& dataFolder, const TPositionType& type);
-std::filesystem::path TypeFile(const std::filesystem::path& dataFolder, const TPositionType& type,
+std::filesystem::path TypeFolder(const std::filesystem::path& dataFolder, const TPrecalcType& type);
+std::filesystem::path TypeFile(const std::filesystem::path& dataFolder, const TPrecalcType& type,
                                TStorageKind kind, bool bDetails = false);
 
 }  // namespace moremate

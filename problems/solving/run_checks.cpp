@@ -7,6 +7,7 @@
 #include "core/chess_exception.h"
 #include "core/movegen.h"
 #include "engine/search/black_defence.h"
+#include "precalc/types/position_type.h"
 #include "problems/annotations/problem_variants.h"
 #include "problems/format/problem_moves.h"
 
@@ -61,10 +62,19 @@ std::vector<TMove> QuickestMates(TMateSearch& search, const TChessboard& white) 
     return mates;
 }
 
+// A requirement naming a position type in another order of its pieces names the same data.
+std::string CanonicalDataName(const std::string& name) {
+    try {
+        return TPrecalcType::Parse(name).Description();
+    } catch (const ChessException&) {
+        return name;
+    }
+}
+
 void CheckRequirements(const ProblemEntry& entry, const TRunFacts& run, std::vector<std::string>& failures) {
     const auto missing = [&run](const std::vector<std::string>& names) {
         return std::any_of(names.begin(), names.end(), [&run](const std::string& name) {
-            return !run.available.precalculated.contains(name);
+            return !run.available.precalculated.contains(CanonicalDataName(name));
         });
     };
     if (missing(entry.m_vsRequires)) failures.emplace_back("Requires clause not satisfied");
