@@ -64,7 +64,8 @@ class CLookahead {
 
     // Black to move: s when every move leads to a mate (White values <= limit; those of other
     // types at any size unless `limitOthers`), kEscapes when a move certainly escapes, else 0.
-    uint8_t BlackValue(const TChessboard& board, int limit, bool limitOthers) const {
+    // `pStaying` counts the moves to stored positions of the type (not after kEscapes).
+    uint8_t BlackValue(const TChessboard& board, int limit, bool limitOthers, int* pStaying = nullptr) const {
         TMoveList moves;
         GenerateLegalMoves(board, moves);
         if (moves.count == 0) return board.InCheck() ? 1 : kEscapes;
@@ -84,6 +85,7 @@ class CLookahead {
             } else {
                 v = m_source.White(m_type.IndexOfPieces(TPrecalcType::Moved(pieces, m.from, m.to)));
                 if (v > limit) v = 0;
+                if (pStaying) ++*pStaying;
             }
             if (v == 0) open = true;
             longest = std::max(longest, v);

@@ -19,25 +19,24 @@ bool HasPieces(const TPrecalcType& type, uint8_t colour, uint8_t pieceType) {
     return false;
 }
 
-int KingSquareOf(const uint8_t* squares, uint8_t colour) {
-    for (int sq = 0; sq < 64; ++sq)
-        if (squares[sq] == (colour | kKing)) return sq;
-    return 0;
-}
-
-// The position before a move taken back, when it is legal with the mover's side to move: the
-// other king not attacked. The attack test reads the king squares and whether knights are there
-// from the board's fields, so a board with those is set up for it.
-bool PositionBefore(const uint8_t* after, const TRetroMove& move, uint8_t mover, uint8_t* before) {
-    std::memcpy(before, after, 64);
-    before[move.to] = before[move.from];
-    before[move.from] = kEmpty;
-    const int ownKing = KingSquareOf(before, mover), otherKing = KingSquareOf(before, Opponent(mover));
-    TChessboard fields;
-    fields.whiteKingFile = fields.blackKingFile = static_cast<uint8_t>(FileOf(ownKing));
-    fields.whiteKingRank = fields.blackKingRank = static_cast<uint8_t>(RankOf(ownKing));
-    fields.whiteKnights = fields.blackKnights = 1;
-    return !IsAttacked(fields, before, otherKing, mover);
+// Whether the position before a move taken back is legal with the mover's side to move: the
+// other king not attacked. `board` holds the position after the move and is left as it was. The
+// attack test reads the king squares and whether knights are there from the board's fields, so
+// those are filled in for it.
+bool LegalBefore(TChessboard& board, const TPrecalcType::TPieceSquares& before, const TRetroMove& move,
+                 uint8_t mover) {
+    uint8_t* sq = board.squares;
+    sq[move.to] = sq[move.from];
+    sq[move.from] = kEmpty;
+    const int ownKing = mover == kWhite ? before[0] : before[1],
+              otherKing = mover == kWhite ? before[1] : before[0];
+    board.whiteKingFile = board.blackKingFile = static_cast<uint8_t>(FileOf(ownKing));
+    board.whiteKingRank = board.blackKingRank = static_cast<uint8_t>(RankOf(ownKing));
+    board.whiteKnights = board.blackKnights = 1;
+    const bool legal = !IsAttacked(board, sq, otherKing, mover);
+    sq[move.from] = sq[move.to];
+    sq[move.to] = kEmpty;
+    return legal;
 }
 
 }  // namespace
@@ -54,8 +53,8 @@ CTypeGenerator::CTypeGenerator(const TPrecalcType& type, TGlobalRegisters& regis
       m_progress(options.m_bProgress) {}
 
 uint64_t CTypeGenerator::PeakBytes(const TPrecalcType& type) {
-    // Three bytes per placement, and lists of settled positions at four bytes per index.
-    return 3 * type.PlacementCount() + 4 * TypeIndexCount(type);
+    // Four bytes per placement, and lists of settled positions at four bytes per index.
+    return 4 * type.PlacementCount() + 4 * TypeIndexCount(type);
 }
 
 void CTypeGenerator::Show(const std::string& what, bool force) {
@@ -95,7 +94,16 @@ void CTypeGenerator::Append(TIndexLists& byValue, const TIndexLists& perThread,
         }
 }
 
+// White leaves the type only by capturing a black piece or promoting a pawn; Black likewise.
+bool CTypeGenerator::CanLeaveType(uint8_t mover) const {
+    return HasPieces(m_type, Opponent(mover), kQueen) || HasPieces(m_type, Opponent(mover), kRook) ||
+           HasPieces(m_type, Opponent(mover), kBishop) || HasPieces(m_type, Opponent(mover), kKnight) ||
+           HasPieces(m_type, Opponent(mover), kPawn) || HasPieces(m_type, mover, kPawn);
+}
+
+// White positions that mate by leaving the type at once; nothing to look for when White cannot.
 void CTypeGenerator::ScanWhite() {
+    if (!CanLeaveType(kWhite)) return;
     TIndexLists seeds(m_options.m_nThreads), specials(m_options.m_nThreads);
     std::vector<uint8_t> seedValue(m_nPlacements, 0);
     ParallelFor(m_nPlacements, m_options.m_nThreads, [&](uint64_t begin, uint64_t end, unsigned t) {
@@ -122,8 +130,10 @@ void CTypeGenerator::ScanBlack() {
         TChessboard board;
         for (uint64_t i = begin; i < end; ++i) {
             if (!SetUpPlacement(m_type, i, false, board)) continue;
-            const uint8_t s = m_lookahead.BlackValue(board, 0, false);
+            int staying = 0;
+            const uint8_t s = m_lookahead.BlackValue(board, 0, false, &staying);
             m_black[i] = s;
+            m_unsettledMoves[i] = static_cast<uint8_t>(staying);
             if (s != 0 && s != kEscapes) settled[t].push_back(static_cast<uint32_t>(i));
             if (s == 0 && HasOpenEnPassantMove(board)) specials[t].push_back(static_cast<uint32_t>(i));
         }
@@ -139,16 +149,16 @@ void CTypeGenerator::TakeBackWhiteMoves(int d, TIndexLists& found) {
     const std::vector<uint32_t>& mated = m_blackByValue[d];
     ParallelFor(mated.size(), m_options.m_nThreads, [&](uint64_t begin, uint64_t end, unsigned t) {
         TChessboard scratch;
-        uint8_t before[64];
         TRetroMoveList retro;
         for (uint64_t k = begin; k < end; ++k) {
             m_type.PlacementAt(mated[k], scratch.squares);
             const TPrecalcType::TPieceSquares pieces = m_type.PiecesOf(scratch.squares);
             GenerateRetroMoves(scratch.squares, kWhite, true, retro);
             for (int r = 0; r < retro.count; ++r) {
-                if (!PositionBefore(scratch.squares, retro.moves[r], kWhite, before)) continue;
-                const uint64_t i =
-                    m_type.IndexOfPieces(TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to));
+                const TPrecalcType::TPieceSquares before =
+                    TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to);
+                if (!LegalBefore(scratch, before, retro.moves[r], kWhite)) continue;
+                const uint64_t i = m_type.IndexOfPieces(before);
                 if (ClaimWhite(i, static_cast<uint8_t>(d))) found[t].push_back(static_cast<uint32_t>(i));
             }
         }
@@ -172,8 +182,8 @@ void CTypeGenerator::CheckWhiteSpecials(int d, TIndexLists& found) {
     });
 }
 
-// Black positions with a move to a newly settled White position, and those with an en passant
-// capture to give, each once.
+// Black positions whose last move to an unsettled stored position now leads to a settled one,
+// and those with an en passant capture to give, each once.
 std::vector<uint32_t> CTypeGenerator::BlackCandidates() {
     TIndexLists found(m_options.m_nThreads);
     const auto claim = [this](uint64_t i) {
@@ -182,22 +192,23 @@ std::vector<uint32_t> CTypeGenerator::BlackCandidates() {
     };
     ParallelFor(m_newWhite.size(), m_options.m_nThreads, [&](uint64_t begin, uint64_t end, unsigned t) {
         TChessboard scratch;
-        uint8_t before[64];
         TRetroMoveList retro;
         for (uint64_t k = begin; k < end; ++k) {
             m_type.PlacementAt(m_newWhite[k], scratch.squares);
             const TPrecalcType::TPieceSquares pieces = m_type.PiecesOf(scratch.squares);
-            GenerateRetroMoves(scratch.squares, kBlack, false, retro);
+            GenerateRetroMoves(scratch.squares, kBlack, true, retro);
             for (int r = 0; r < retro.count; ++r) {
-                if (!PositionBefore(scratch.squares, retro.moves[r], kBlack, before)) continue;
-                const uint64_t i =
-                    m_type.IndexOfPieces(TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to));
-                if (claim(i)) found[t].push_back(static_cast<uint32_t>(i));
+                const TPrecalcType::TPieceSquares before =
+                    TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to);
+                if (!LegalBefore(scratch, before, retro.moves[r], kBlack)) continue;
+                const uint64_t i = m_type.IndexOfPieces(before);
+                if (std::atomic_ref<uint8_t>(m_unsettledMoves[i]).fetch_sub(1) == 1 && claim(i))
+                    found[t].push_back(static_cast<uint32_t>(i));
             }
         }
     });
     for (const uint32_t i : m_blackSpecials)
-        if (claim(i)) found[0].push_back(i);
+        if (m_unsettledMoves[i] == 0 && claim(i)) found[0].push_back(i);
     return Merge(found);
 }
 
@@ -245,6 +256,7 @@ std::vector<uint8_t> CTypeGenerator::Run(TGenerationReport& report) {
     m_black.assign(m_nPlacements, 0);
     if (!m_type.WhiteBare()) {
         m_candidate.assign(m_nPlacements, 0);
+        m_unsettledMoves.assign(m_nPlacements, 0);
         ScanWhite();
         ScanBlack();
         for (int d = 1; d <= kLargestValue && (Level(d) || PendingAfter(d)); ++d) report.m_nLevels = d;

@@ -45,6 +45,7 @@ class CTypeGenerator {
         return std::atomic_ref<uint8_t>(m_white[i]).compare_exchange_strong(expected, v);
     }
     bool HasOpenEnPassantMove(const TChessboard& board) const;
+    bool CanLeaveType(uint8_t mover) const;
     void Append(TIndexLists& byValue, const TIndexLists& perThread, const std::vector<uint8_t>& values);
     std::vector<uint32_t> Merge(TIndexLists& perThread) const;
     bool PendingAfter(int d) const;
@@ -55,6 +56,8 @@ class CTypeGenerator {
     uint64_t m_nPlacements;
     bool m_bBothPawns = false;
     std::vector<uint8_t> m_white, m_black, m_candidate;
+    // Black positions: the moves to stored positions of the type still unsettled.
+    std::vector<uint8_t> m_unsettledMoves;
     TIndexLists m_whiteSeeds, m_blackByValue;  // by value
     std::vector<uint32_t> m_whiteSpecials, m_blackSpecials, m_newWhite;
     CArraySource m_source;
