@@ -157,8 +157,8 @@ void CTypeGenerator::TakeBackWhiteMoves(int d, TIndexLists& found) {
             for (int r = 0; r < retro.count; ++r) {
                 const TPrecalcType::TPieceSquares before =
                     TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to);
-                if (!LegalBefore(scratch, before, retro.moves[r], kWhite)) continue;
                 const uint64_t i = m_type.IndexOfPieces(before);
+                if (m_source.White(i) != 0 || !LegalBefore(scratch, before, retro.moves[r], kWhite)) continue;
                 if (ClaimWhite(i, static_cast<uint8_t>(d))) found[t].push_back(static_cast<uint32_t>(i));
             }
         }
@@ -200,7 +200,8 @@ std::vector<uint32_t> CTypeGenerator::BlackCandidates() {
             for (int r = 0; r < retro.count; ++r) {
                 const TPrecalcType::TPieceSquares before =
                     TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to);
-                if (!LegalBefore(scratch, before, retro.moves[r], kBlack)) continue;
+                // An illegal position before the move (White's king attacked) is never settled: its
+                // count may run out of step without harm.
                 const uint64_t i = m_type.IndexOfPieces(before);
                 if (std::atomic_ref<uint8_t>(m_unsettledMoves[i]).fetch_sub(1) == 1 && claim(i))
                     found[t].push_back(static_cast<uint32_t>(i));
