@@ -8,6 +8,7 @@
 #include "core/fen.h"
 #include "engine/search/mate_search.h"
 #include "engine/search/precalc_hook.h"
+#include "engine/search/proof_number_search.h"
 #include "engine/state/search_result.h"
 #include "precalc/generator/lookahead.h"
 #include "precalc/generator/verification.h"
@@ -145,6 +146,22 @@ TEST_F(PrecalcData, TheHookSettlesWithinTheNodesHalfMoves) {
         const TChessboard start = test::Problem("8/8/8/8/8/k7/8/1R2K3 w", halfMoves);
         EXPECT_EQ(withData.FindForcedMate(start), plain.FindForcedMate(start)) << halfMoves;
     }
+}
+
+// The proof-number search settles its fresh nodes from the data and proves what the plain search
+// proves, on a rook ending beyond its reach without data.
+TEST_F(PrecalcData, TheProofNumberSearchSettlesFreshNodes) {
+    CPrecalcHook hook(*s_pRegisters);
+    TSearchEnvironment env;
+    env.globalRegister = &hook;
+    CProofNumberTable table(8 << 20);
+    TProofNumberSearch proofs(env, table, nullptr);
+    const TChessboard root = test::Problem("8/8/8/8/8/2k5/8/K6R w", 27);  // White mates in 14
+    EXPECT_EQ(proofs.Prove(root), kMate);
+    EXPECT_GT(proofs.Stats().precalcHits, 0u);
+    CProofNumberTable again(8 << 20);
+    TProofNumberSearch shorter(env, again, nullptr);
+    EXPECT_EQ(shorter.Prove(test::Problem("8/8/8/8/8/2k5/8/K6R w", 25)), kNoMate);
 }
 
 TEST_F(PrecalcData, FindMateByGlobalRegisterTriesEachMove) {
