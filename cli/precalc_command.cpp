@@ -134,7 +134,6 @@ void PrintTypeInfo(TGlobalRegisters& registers, const TPrecalcType& type) {
     fmt::print("Type: {}\nFile: {}\nIndexes: {} ({} per side to move)\nForm: {}\nMemory: {} bytes\n",
                type.Description(), registers.FileToLoad(type).string(), storage.ElementCount(),
                type.PlacementCount(), StorageFormName(storage.Form()), storage.MemoryBytes());
-    if (storage.Form() == TStorageForm::kTwoBit) longest = static_cast<uint16_t>(longest);
     TChessboard board;
     if (longest == 0 || !SetUpPlacement(type, longestAt, true, board)) {
         fmt::print("Longest mate: none\n");
