@@ -171,3 +171,29 @@ TEST(GlobalRegister, HalfMovesFollowTheSideToMove) {
 
 }  // namespace
 }  // namespace moremate
+
+namespace moremate {
+namespace {
+
+// Runs once the random-access buffers are built in (precalc/buffers).
+TEST(DataFile, RandomAccessBuffersReadBackWhatWasWritten) {
+    if (!PackedStorageAvailable()) GTEST_SKIP() << "random-access buffers not built in";
+    testing::CTempFolder folder;
+    std::vector<uint8_t> values(100000, 0);
+    for (size_t i = 0; i < values.size(); ++i)
+        values[i] = i % 97 == 0 ? 255 : static_cast<uint8_t>(i % 11 < 7 ? 0 : i % 5);
+    for (const TStorageKind kind : {TStorageKind::kPackedLzw, TStorageKind::kPackedLz4}) {
+        const auto packed = MakePackedStorage(kind, values, 1);
+        EXPECT_EQ(packed->Form(), TStorageForm::kRandomAccess);
+        EXPECT_EQ(packed->MateCode(0), kUnknownMate);
+        EXPECT_EQ(packed->MateCode(7), 2 * 2 - 1);
+        const std::filesystem::path file = folder.File(std::string("p") + StorageName(kind));
+        WriteDataFile(file, "KQk", *packed, kind);
+        const auto read = ReadDataFile(file, "KQk", values.size(), true);
+        for (size_t i = 0; i < values.size(); i += 13)
+            ASSERT_EQ(read->Element(i), values[i]) << StorageName(kind);
+    }
+}
+
+}  // namespace
+}  // namespace moremate
