@@ -5,7 +5,9 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "precalc/generator/generator.h"
@@ -63,17 +65,27 @@ std::unique_ptr<CGlobalStorage> Storage(TStorageForm form) {
     return MakePlainStorage(Elements(), 1);
 }
 
+// One storage per form, shared by the threads of a run as the search threads share a register.
+const CGlobalStorage* SharedStorage(TStorageForm form) {
+    static std::mutex lock;
+    static std::map<TStorageForm, std::unique_ptr<CGlobalStorage>> storages;
+    std::lock_guard guard(lock);
+    auto& slot = storages[form];
+    if (!slot) slot = Storage(form);
+    return slot.get();
+}
+
 void BM_Lookup(benchmark::State& state) {
     const auto form = static_cast<TStorageForm>(state.range(0));
-    std::unique_ptr<CGlobalStorage> storage;
+    const CGlobalStorage* storage = nullptr;
     try {
-        storage = Storage(form);
+        storage = SharedStorage(form);
     } catch (const std::exception& e) {
         state.SkipWithError(e.what());
         return;
     }
     const uint64_t count = storage->ElementCount();
-    uint64_t seed = 7, sum = 0;
+    uint64_t seed = 7 + static_cast<uint64_t>(state.thread_index()), sum = 0;
     for (auto _ : state) sum += storage->MateCode(SplitMix(seed) % count);
     benchmark::DoNotOptimize(sum);
     state.SetItemsProcessed(state.iterations());
@@ -85,7 +97,9 @@ BENCHMARK(BM_Lookup)
     ->Arg(static_cast<int>(TStorageForm::kTwoBit))
     ->Arg(static_cast<int>(TStorageForm::kRunLength))
     ->Arg(static_cast<int>(TStorageForm::kDiskAccess))
-    ->Arg(static_cast<int>(TStorageForm::kRandomAccess));
+    ->Arg(static_cast<int>(TStorageForm::kRandomAccess))
+    ->Threads(1)
+    ->Threads(2);
 
 }  // namespace
 }  // namespace moremate
