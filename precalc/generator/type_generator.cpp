@@ -101,6 +101,19 @@ bool CTypeGenerator::CanLeaveType(uint8_t mover) const {
            HasPieces(m_type, Opponent(mover), kPawn) || HasPieces(m_type, mover, kPawn);
 }
 
+// Whether White to move has a capture, a promotion or a double step that opens an en passant
+// capture: the moves whose positions are not those of the type. The moves are generated only then.
+bool CTypeGenerator::MayLeaveType(const TChessboard& board) const {
+    if (m_bBothPawns) return true;
+    for (int sq = 0; sq < 64; ++sq) {
+        const Piece p = board.squares[sq];
+        if (p == (kWhite | kPawn) && RankOf(sq) == 6) return true;
+        if (ColourOf(p) == kBlack && TypeOf(p) != kKing && IsAttacked(board, board.squares, sq, kWhite))
+            return true;
+    }
+    return false;
+}
+
 // White positions that mate by leaving the type at once; nothing to look for when White cannot.
 void CTypeGenerator::ScanWhite() {
     if (!CanLeaveType(kWhite)) return;
@@ -109,7 +122,7 @@ void CTypeGenerator::ScanWhite() {
     ParallelFor(m_nPlacements, m_options.m_nThreads, [&](uint64_t begin, uint64_t end, unsigned t) {
         TChessboard board;
         for (uint64_t i = begin; i < end; ++i) {
-            if (!SetUpPlacement(m_type, i, true, board)) continue;
+            if (!SetUpPlacement(m_type, i, true, board) || !MayLeaveType(board)) continue;
             const uint8_t v = m_lookahead.WhiteValue(board, kNoLimit);
             if (v != 0) {
                 seedValue[i] = v;

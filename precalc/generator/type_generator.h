@@ -46,6 +46,7 @@ class CTypeGenerator {
     }
     bool HasOpenEnPassantMove(const TChessboard& board) const;
     bool CanLeaveType(uint8_t mover) const;
+    bool MayLeaveType(const TChessboard& board) const;
     void Append(TIndexLists& byValue, const TIndexLists& perThread, const std::vector<uint8_t>& values);
     std::vector<uint32_t> Merge(TIndexLists& perThread) const;
     bool PendingAfter(int d) const;
