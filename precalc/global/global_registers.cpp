@@ -115,6 +115,7 @@ TGlobalRegister& TGlobalRegisters::Add(std::unique_ptr<TGlobalRegister> reg) {
 }
 
 std::filesystem::path TGlobalRegisters::FileToLoad(const TPrecalcType& type) const {
+    if (m_settings.m_dataFolder.empty()) return {};  // not configured: no data
     for (const TStorageKind kind : KindsToTry(m_settings)) {
         const std::filesystem::path file = TypeFile(m_settings.m_dataFolder, type, kind);
         std::error_code error;
@@ -156,6 +157,7 @@ TGlobalRegister* TGlobalRegisters::Load(const TPrecalcType& type) {
 
 std::set<std::string> TGlobalRegisters::TypesOnDisk() const {
     std::set<std::string> types;
+    if (m_settings.m_dataFolder.empty()) return types;
     for (const char* top : {"Precalc", "CustomPrecalc"}) {
         std::error_code error;
         for (auto it = std::filesystem::recursive_directory_iterator(m_settings.m_dataFolder / top, error);
