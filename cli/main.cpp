@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "core/chess_exception.h"
+#include "precalc/global/global_registers.h"
 #include "settings/program_folder.h"
 
 #ifndef MOREMATE_VERSION
@@ -19,6 +20,7 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     CStderrReporter reporter;
     TProgramContext context{ReadOptions(OptionsFilePath(), reporter), reporter};
+    TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(context.options), &reporter);
     std::map<std::string, Runner> runners;
     runners["perft"] = AddPerftCommand(app);
     runners["fen"] = AddFenCommand(app);
@@ -29,6 +31,7 @@ int main(int argc, char** argv) {
     runners["register"] = AddRegisterCommand(app, context);
     runners["test"] = AddTestCommand(app, context);
     runners["script"] = AddScriptCommand(app, context);
+    runners["precalc"] = AddPrecalcCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {

@@ -76,9 +76,10 @@ int RunSave(const RegisterArgs& args, TProgramContext& context) {
     const TProblemReport report = SolveProblem(entry, settings, context.options, runRegister, nullptr);
     fmt::print("{}", ReportText(report));
     const uint32_t number = args.pin ? NextFreeRegisterNumber() : 0;
-    const std::filesystem::path file = args.pin              ? ReferencedRegisterFile(number)
-                                       : !args.file.empty() ? std::filesystem::path(args.file)
-                                                            : ProblemRegisterFile(args.collection, args.problem);
+    const std::filesystem::path file = args.pin ? ReferencedRegisterFile(number)
+                                       : !args.file.empty()
+                                           ? std::filesystem::path(args.file)
+                                           : ProblemRegisterFile(args.collection, args.problem);
     SaveRunRegister(file, *runRegister);
     fmt::print("Register saved: {}\n", file.string());
     if (args.pin) {
@@ -97,7 +98,7 @@ int RunLoad(const RegisterArgs& args, TProgramContext& context) {
     const std::optional<uint32_t> number = TmpRegNumber(entry);
     const std::filesystem::path file = !args.file.empty() ? std::filesystem::path(args.file)
                                        : number           ? ReferencedRegisterFile(*number)
-                                                          : ProblemRegisterFile(args.collection, args.problem);
+                                                : ProblemRegisterFile(args.collection, args.problem);
     PrintStatistics(*LoadRunRegister(file.string(), context));
     return kExitOk;
 }
@@ -139,9 +140,10 @@ Runner AddRegisterCommand(CLI::App& app, TProgramContext& context) {
     save->add_option("--to", args->file,
                      "Register file (default: SavedTmpRegisterData/<collection>-<problem>.tmpReg; "
                      ".lz4.tmpReg / .lz4e.tmpReg: packed)");
-    save->add_flag("--pin", args->pin,
-                   "Save to the next free SavedTmpRegisterData/<n>.tmpReg and refer the problem to it, so that "
-                   "solving loads it");
+    save->add_flag(
+        "--pin", args->pin,
+        "Save to the next free SavedTmpRegisterData/<n>.tmpReg and refer the problem to it, so that "
+        "solving loads it");
     save->add_flag("--all-solutions", args->solve.allSolutions, "Find every key");
     save->add_option("--time-limit", args->solve.timeLimitSeconds, "Seconds (0 = none)")
         ->check(CLI::NonNegativeNumber);

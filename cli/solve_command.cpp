@@ -11,6 +11,7 @@
 #include "engine/heuristics/predefined_heuristics.h"
 #include "engine/passes/solver.h"
 #include "engine/search/observed_lines.h"
+#include "precalc/global/global_registers.h"
 #include "problems/format/collection_reader.h"
 #include "problems/format/problem_moves.h"
 #include "problems/solving/problem_solving.h"
@@ -40,6 +41,10 @@ void PrintRegisterStatistics(CRunRegister& runRegister) {
                RegisterStatistics(runRegister.WhiteToMove()));
     fmt::print(stderr, "Register of positions with Black to move:\n{}\n",
                RegisterStatistics(runRegister.BlackToMove()));
+    const TGlobalRegisterCounts counts = TGlobalRegisters::Instance().Counts();
+    fmt::print(stderr, "Precalculated data: {} look-ups, {} mates, {} no mates, {} unknown\n{}",
+               counts.m_nLookups, counts.m_nMates, counts.m_nNoMates, counts.m_nUnknown,
+               TGlobalRegisters::Instance().StatusText());
 }
 
 bool Selected(const SolveArgs& args, unsigned number) {

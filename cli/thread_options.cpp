@@ -7,7 +7,8 @@ namespace moremate::cli {
 
 void AddThreadOptions(CLI::App* cmd, TSolveSettings& settings) {
     settings.threads = static_cast<int>(LogicalProcessorCount());
-    cmd->add_option("--threads", settings.threads, "Threads per multithreading level (default: the processors)")
+    cmd->add_option("--threads", settings.threads,
+                    "Threads per multithreading level (default: the processors)")
         ->check(CLI::Range(1, 64));
     settings.levels = -1;
     cmd->add_option("--levels", settings.levels,

@@ -193,12 +193,13 @@ std::string ProofNumberStatsText(const TProofNumberPassResult& r) {
     const TProofNumberTableStats& t = r.table;
     return fmt::format(
         "Proof-number pass: {} ms, {} nodes expanded, {} evaluated ({} from the table, {} from the register, "
-        "{} mate-in-one tests), {} proven, {} disproven; keys {}, first moves disproved {}, proof walks {} "
+        "{} from precalculated data, {} mate-in-one tests), {} proven, {} disproven; keys {}, first moves "
+        "disproved {}, proof walks {} "
         "nodes\nProof-number table: {} of {} entries used, {} stores, {} replaced, {} collections emptying "
         "{}\n",
-        r.msec, s.nodes, s.evaluated, s.tableHits, s.registerHits, s.mateInOneTests, s.proven, s.disproven,
-        r.keys.size(), r.disproved.size(), r.walkNodes, t.used, t.capacity, t.stores, t.replacements,
-        t.collections, t.collected);
+        r.msec, s.nodes, s.evaluated, s.tableHits, s.registerHits, s.precalcHits, s.mateInOneTests, s.proven,
+        s.disproven, r.keys.size(), r.disproved.size(), r.walkNodes, t.used, t.capacity, t.stores,
+        t.replacements, t.collections, t.collected);
 }
 
 TProofNumberPassResult RunProofNumberPass(const TProofNumberPassRequest& request, std::atomic<bool>* stop) {

@@ -249,6 +249,8 @@ uint8_t TMateSearch::OpenBlackNode(const TChessboard& node, int ply, TMoveList& 
         const uint8_t known = Known(node, m);
         if (known != kUnknownResult) return known;
     }
+    uint8_t settled;
+    if (m_env.globalRegister && m_env.globalRegister->Settle(node, settled)) return settled;
     if (RepeatsEarlierPosition(node)) {
         ++m_nRepetitions;
         return kRepetition;

@@ -35,6 +35,7 @@ TProofNumberStats& TProofNumberStats::operator+=(const TProofNumberStats& o) {
     evaluated += o.evaluated;
     tableHits += o.tableHits;
     registerHits += o.registerHits;
+    precalcHits += o.precalcHits;
     mateInOneTests += o.mateInOneTests;
     proven += o.proven;
     disproven += o.disproven;
@@ -84,6 +85,11 @@ TProofNumbers TProofNumberSearch::FreshNumbers(const TChessboard& child) {
             ++m_stats.registerHits;
             return known == kMate ? kProven : kDisproven;
         }
+    }
+    uint8_t settled;
+    if (m_env.globalRegister && m_env.globalRegister->Settle(child, settled)) {
+        ++m_stats.precalcHits;
+        return settled == kMate ? kProven : kDisproven;
     }
     return {static_cast<uint32_t>(replies), 1};
 }

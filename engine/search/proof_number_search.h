@@ -31,6 +31,7 @@ struct TProofNumberStats {
     uint64_t evaluated = 0;     // fresh nodes given their first numbers
     uint64_t tableHits = 0;     // fresh nodes whose numbers came from the table
     uint64_t registerHits = 0;  // fresh nodes settled by the temporary register
+    uint64_t precalcHits = 0;   // fresh nodes settled by precalculated data
     uint64_t mateInOneTests = 0;
     uint64_t proven = 0;     // nodes proven (mate) and stored
     uint64_t disproven = 0;  // nodes disproven (no mate) and stored

@@ -13,6 +13,7 @@
 #include "engine/rules/special_heuristics.h"
 #include "engine/run/run_texts.h"
 #include "engine/search/first_move_order.h"
+#include "engine/search/precalc_hook.h"
 #include "engine/state/run_control.h"
 #include "engine/state/solving_run.h"
 #include "engine/threads/scheduler.h"
@@ -127,6 +128,7 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
     request.threads.scheduler = SchedulerSettingsForRun(options, task.position.movesLeft);
     request.environment.store = &runRegister;
     request.environment.progressNodes = progress;
+    if (!entry.Has(kOptNoGlobReg)) request.environment.globalRegister = ProcessPrecalcHook();
     request.runRegister = &runRegister;
     request.proofNumber = settings.proofNumber;
     request.proofNumberTableBytes = ProofNumberTableBytes(options.TempRegQuotaMB());
@@ -213,7 +215,9 @@ void Solve(const ProblemEntry& entry, const TSolvingTask& task, const TSolveSett
     report.match = settings.after.empty() ? Matches(entry, result, allSolutions) : std::nullopt;
     if (!settings.after.empty()) return;  // the order and the checks concern the record's own position
     if (ExpectsOrder(entry)) CompareFirstMoveOrder(entry, task.position, options.m_nLanguageId, report);
-    const TRunFacts facts{allSolutions, !result.stopped, &runRegister, settings.available};
+    TAvailableData available = settings.available;
+    available.precalculated.merge(TGlobalRegisters::Instance().TypesOnDisk());
+    const TRunFacts facts{allSolutions, !result.stopped, &runRegister, available};
     report.failedChecks = FailedChecks(entry, task.position, facts);
 }
 

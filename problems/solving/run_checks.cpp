@@ -7,6 +7,7 @@
 #include "core/chess_exception.h"
 #include "core/movegen.h"
 #include "engine/search/black_defence.h"
+#include "precalc/types/position_type.h"
 #include "problems/annotations/problem_variants.h"
 #include "problems/format/problem_moves.h"
 
@@ -61,10 +62,27 @@ std::vector<TMove> QuickestMates(TMateSearch& search, const TChessboard& white) 
     return mates;
 }
 
+// Requirements name data sets in capitals, "KQKR" for a white king and queen against a black
+// king and rook; a name in the data's own letters ("KQkr", in any order) is read as it is.
+std::string CanonicalDataName(std::string name) {
+    const bool capitals = std::none_of(name.begin(), name.end(), [](char c) { return std::islower(c); });
+    const size_t blackKing = name.find('K', name.find('K') + 1);
+    if (capitals && blackKing != std::string::npos)
+        std::transform(name.begin() + static_cast<std::ptrdiff_t>(blackKing), name.end(),
+                       name.begin() + static_cast<std::ptrdiff_t>(blackKing),
+                       [](char c) { return static_cast<char>(std::tolower(c)); });
+    try {
+        return TPrecalcType::Parse(name).Description();
+    } catch (const ChessException&) {
+        return name;
+    }
+}
+
 void CheckRequirements(const ProblemEntry& entry, const TRunFacts& run, std::vector<std::string>& failures) {
     const auto missing = [&run](const std::vector<std::string>& names) {
         return std::any_of(names.begin(), names.end(), [&run](const std::string& name) {
-            return !run.available.precalculated.contains(name);
+            const std::set<std::string>& present = run.available.precalculated;
+            return !present.contains(name) && !present.contains(CanonicalDataName(name));
         });
     };
     if (missing(entry.m_vsRequires)) failures.emplace_back("Requires clause not satisfied");

@@ -15,13 +15,14 @@ namespace {
 std::string ThreadLines(const TRunThreads& threads) {
     const size_t levels = static_cast<size_t>(threads.levels);
     const TThreadSettings settings{static_cast<size_t>(threads.threads), levels};
-    std::string text = fmt::format("* Threads = {}\n* Effective number of main threads = {}\n", threads.threads,
-                                   MainThreadsFor(settings, kMaxMainThreads));
+    std::string text = fmt::format("* Threads = {}\n* Effective number of main threads = {}\n",
+                                   threads.threads, MainThreadsFor(settings, kMaxMainThreads));
     text += fmt::format("* Multithreading levels = {}\n", threads.levels);
     const TJuggledMoves juggled = JuggledMoves(threads.scheduler, levels, 0, false);
-    text += juggled.Empty() ? std::string("* Scheduler is off\n")
-                            : fmt::format("* Scheduler is on: moves from {} to {} are 'juggled' by scheduler\n",
-                                          juggled.first, juggled.last);
+    text += juggled.Empty()
+                ? std::string("* Scheduler is off\n")
+                : fmt::format("* Scheduler is on: moves from {} to {} are 'juggled' by scheduler\n",
+                              juggled.first, juggled.last);
     return text + (threads.scheduler.custom ? "* Custom scheduler is on\n" : "* Custom scheduler is off\n");
 }
 
@@ -72,11 +73,13 @@ std::string SolutionDetailsText(const ProblemEntry& entry, const TChessboard& ro
                                 const TPassState& firstPass, TSolutionCount solutions,
                                 const TRunThreads& threads, const TPassRunResult& result) {
     return fmt::format("Problem {} #{}\n", entry.m_nNumber, entry.StipulationMoves()) +
-           SettingsLines(root, firstPass, solutions, threads) + "\n" + FoundLines(root, result) + Notes(solutions);
+           SettingsLines(root, firstPass, solutions, threads) + "\n" + FoundLines(root, result) +
+           Notes(solutions);
 }
 
 void WriteSolutionDetails(const ProblemEntry& entry, const TChessboard& root, const TPassState& firstPass,
-                          TSolutionCount solutions, const TRunThreads& threads, const TPassRunResult& result) {
+                          TSolutionCount solutions, const TRunThreads& threads,
+                          const TPassRunResult& result) {
     const std::filesystem::path file = ProgramFolder() / "SolutionDetails.log";
     const std::filesystem::path temporary = file.string() + ".tmp";
     {

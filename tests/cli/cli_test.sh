@@ -123,6 +123,28 @@ for answer in "--yes --loops 3:3" "--no:1" ":1"; do  # without an answer and a t
 done
 rm "$work/options.ini"
 [ -s "$work/SolvedProblemsDB/small.cspdb" ]; tally "no solved problems database"
+# Precalculated data: the small types are generated into the program folder ($work) first.
+check "precalc generate" 0 'KQk: 262144 indexes, 72254 White-to-move mates \(longest 10\)' -- precalc generate KQk --threads 1
+check "precalc generate in run-length blocks" 0 'KRk: .*\(longest 16\)' -- precalc generate KRk --form rle --threads 1
+check "a present type is not generated again" 0 '^KQk: present$' -- precalc generate KQk
+check "precalc probe" 0 '^White mates in 14$' -- precalc probe "8/8/8/8/8/2k5/8/K6R w - - 0 1"
+check "precalc probe with Black to move" 0 '^no mate$' -- precalc probe "8/8/8/8/8/2k5/2Q5/K7 b - - 0 1"
+check "precalc probe without data" 0 '^unknown$' -- precalc probe "8/8/8/8/8/2k5/8/K5NR w - - 0 1"
+check "precalc probe of a castling position" 0 '^unknown$' -- precalc probe "8/8/8/8/8/2k5/8/4K2R w - - 0 1"
+check "precalc probe of a bad position" 2 'Improper FEN code' -- precalc probe "hello"
+check "precalc info" 0 '^Longest mate: White mates in 10: .* w$' -- precalc info KQk
+check "precalc info of the run-length form" 0 '^Form: run-length blocks$' -- precalc info KRk
+check "precalc info lists the types on disk" 0 'position type\(s\) on disk: KQk KRk' -- precalc info
+check "precalc verify" 0 '^KRk: 262144 indexes checked, 0 fault\(s\)$' -- precalc verify KRk --threads 1
+check "precalc of a bad type" 2 'Unknown position type description: KXk' -- precalc generate KXk
+check "precalc generate without a type" 2 'No position type given' -- precalc generate
+check "precalc form refused" 2 'Unknown storage form: zip' -- precalc generate KQk --form zip
+printf '1 #14 Requires KRK\n{\n FEN: 8/8/8/8/8/2k5/8/K6R w - - 0 1\n}\n' > "$work/krk.cp"
+check "a requirement met by data on disk" 0 'Problem 1 #14: solved' -- solve "$work/krk.cp" --threads 1
+check "the search settles positions from the data" 0 'Precalculated data: [1-9][0-9]* look-ups' -- solve "$work/krk.cp" --threads 1 --register-stats
+printf 'corrupt' | dd of="$work/Precalc/3pieces-pawns/KQk_.precalc.lz4" bs=1 seek=200 conv=notrunc 2>/dev/null
+check "a damaged data file gives its message" 0 'Damaged file of precalculated data: .*KQk_\.precalc\.lz4' -- precalc probe "8/8/8/3k4/8/8/1Q6/K7 w - - 0 1"
+check "a damaged data file answers unknown" 0 '^unknown$' -- precalc probe "8/8/8/3k4/8/8/1Q6/K7 w - - 0 1"
 unset MOREMATE_HOME
 rm -rf "$work"
 check "bench prints its signature" 0 '^Nodes searched  : [0-9]+$' -- bench

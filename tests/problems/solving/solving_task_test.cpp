@@ -146,6 +146,10 @@ TEST_F(RunChecksTest, RequirementsHoldOnlyWithTheirDataAndAllSolutionsOnesOnlyIn
     EXPECT_EQ(Checks(entry, false, {{"KQK"}, false}),
               std::vector<std::string>{"Requires clause not satisfied"});
     EXPECT_TRUE(Checks(entry, true, {{"KQK", "KRK", "KBNK"}, true}).empty());
+    // The data's own names of the types (as found on disk) satisfy the capital names too.
+    EXPECT_TRUE(Checks(entry, true, {{"KQk", "KRk", "KBNk"}, true}).empty());
+    EXPECT_EQ(Checks(entry, false, {{"KQkr"}, false}),
+              std::vector<std::string>{"Requires clause not satisfied"});
 
     entry.m_nOptions |= kOptRequiresSyzygy;
     EXPECT_EQ(Checks(entry, false, {{"KQK", "KRK"}, false}),

@@ -1,0 +1,74 @@
+#include "generator.h"
+
+#include <fmt/format.h>
+
+#include <chrono>
+
+#include "core/chess_exception.h"
+#include "precalc/generator/type_generator.h"
+#include "precalc/global/data_file.h"
+#include "settings/machine.h"
+
+namespace moremate {
+namespace {
+
+std::unique_ptr<CGlobalStorage> StorageOfKind(TStorageKind kind, std::vector<uint8_t> elements) {
+    switch (kind) {
+        case TStorageKind::kTwoBit:
+            return MakeTwoBitStorage(elements);
+        case TStorageKind::kRunLength:
+            return MakeRunLengthStorage(elements);
+        case TStorageKind::kPackedLzw:
+        case TStorageKind::kPackedLz4:
+            return MakePackedStorage(kind, elements, 1);
+        case TStorageKind::kPlain:
+        case TStorageKind::kLz4:
+            break;
+    }
+    return MakePlainStorage(std::move(elements), 1);
+}
+
+void CheckMemory(const TPrecalcType& type) {
+    const uint64_t needed = CTypeGenerator::PeakBytes(type) + 2 * TypeIndexCount(type);
+    if (needed > PhysicalMemoryBytes() / 2)
+        throw ChessException(
+            fmt::format("Not enough memory to generate {}: {} MB needed", type.Description(), needed >> 20));
+}
+
+TGlobalRegister& Generate(TGlobalRegisters& registers, const TPrecalcType& type,
+                          const TGenerationOptions& options, TGenerationReport& report) {
+    CheckMemory(type);
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<uint8_t> elements = CTypeGenerator(type, registers, options).Run(report);
+    if (options.m_bWriteFiles) {
+        const std::filesystem::path folder = registers.Settings().m_dataFolder;
+        std::filesystem::create_directories(folder / TypeFolderName(type));
+        const TStorageKind kind = options.m_kind;
+        WriteDataFile(TypeFile(folder, type, kind), type.Description(), *StorageOfKind(kind, elements), kind);
+    }
+    report.m_dSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    report.m_nPeakBytes = CTypeGenerator::PeakBytes(type);
+    report.m_bGenerated = true;
+    return registers.Add(std::make_unique<TGlobalRegister>(type, MakePlainStorage(std::move(elements), 1)));
+}
+
+}  // namespace
+
+TGlobalRegister& EnsureTypeData(TGlobalRegisters& registers, const TPrecalcType& type,
+                                const TGenerationOptions& options,
+                                const std::function<void(const TGenerationReport&)>& done) {
+    if (!options.m_bRegenerate) {
+        if (TGlobalRegister* reg = registers.Find(type)) return *reg;
+    }
+    TGenerationOptions smaller = options;
+    smaller.m_bRegenerate = false;
+    for (const TPrecalcType& next : type.Successors())
+        if (!next.WhiteBare()) EnsureTypeData(registers, next, smaller, done);
+    TGenerationReport report;
+    report.m_sDescription = type.Description();
+    TGlobalRegister& reg = Generate(registers, type, options, report);
+    if (done) done(report);
+    return reg;
+}
+
+}  // namespace moremate

@@ -1,0 +1,27 @@
+#include "global_storage.h"
+
+namespace moremate {
+
+const char* StorageFormName(TStorageForm form) {
+    switch (form) {
+        case TStorageForm::kDiskAccess:
+            return "disk access";
+        case TStorageForm::kTwoBit:
+            return "2-bit packed";
+        case TStorageForm::kPlain:
+            return "plain array";
+        case TStorageForm::kRunLength:
+            return "run-length blocks";
+        case TStorageForm::kRandomAccess:
+            return "random-access buffer";
+    }
+    return "";
+}
+
+uint16_t CGlobalStorage::MateCode(uint64_t nIndex) const {
+    const uint16_t value = Element(nIndex);
+    if (value == kUnknownMate || (ElementSize() == 1 && value == 255)) return kUnknownMate;
+    return value == 0 ? 0 : static_cast<uint16_t>(2 * value - 1);
+}
+
+}  // namespace moremate

@@ -1,0 +1,207 @@
+#include "precalc/generator/generator.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "core/chess_exception.h"
+#include "core/fen.h"
+#include "engine/search/mate_search.h"
+#include "engine/search/precalc_hook.h"
+#include "engine/search/proof_number_search.h"
+#include "engine/state/search_result.h"
+#include "precalc/generator/lookahead.h"
+#include "precalc/generator/verification.h"
+#include "precalc/global/find_mate.h"
+#include "tests/support/positions.h"
+#include "tests/support/temp_folder.h"
+
+namespace moremate {
+namespace {
+
+// The small types every test here needs, generated once into a folder of their own.
+class PrecalcData : public ::testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        s_pFolder = new testing::CTempFolder;
+        s_pRegisters = new TGlobalRegisters;
+        TGlobalRegisterSettings settings;
+        settings.m_dataFolder = s_pFolder->Path();
+        settings.m_bForceDiskAccess = false;
+        settings.m_nQuotaBytes = 1ull << 30;
+        s_pRegisters->Configure(settings, nullptr);
+        TGenerationOptions options;
+        options.m_nThreads = 2;
+        for (const char* type : {"KQk", "KRk", "KPk"})
+            EnsureTypeData(*s_pRegisters, TPrecalcType::Parse(type), options,
+                           [](const TGenerationReport& r) { s_reports.push_back(r); });
+    }
+    static void TearDownTestSuite() {
+        delete s_pRegisters;
+        delete s_pFolder;
+    }
+    static const TGenerationReport& Report(const std::string& description) {
+        for (const TGenerationReport& r : s_reports)
+            if (r.m_sDescription == description) return r;
+        throw std::runtime_error("not generated: " + description);
+    }
+
+    static testing::CTempFolder* s_pFolder;
+    static TGlobalRegisters* s_pRegisters;
+    static std::vector<TGenerationReport> s_reports;
+};
+
+testing::CTempFolder* PrecalcData::s_pFolder = nullptr;
+TGlobalRegisters* PrecalcData::s_pRegisters = nullptr;
+std::vector<TGenerationReport> PrecalcData::s_reports;
+
+TEST_F(PrecalcData, LongestMatesAreThePublishedOnes) {
+    EXPECT_EQ(Report("KQk").m_nLongestMate, 10);
+    EXPECT_EQ(Report("KRk").m_nLongestMate, 16);
+    EXPECT_EQ(Report("KPk").m_nLongestMate, 28);
+    EXPECT_EQ(Report("KBk").m_nWhiteMates, 0u);
+    EXPECT_EQ(Report("KNk").m_nWhiteMates, 0u);
+    // The smaller types came first.
+    EXPECT_LT(
+        std::find_if(s_reports.begin(), s_reports.end(), [](auto& r) { return r.m_sDescription == "KQk"; }),
+        std::find_if(s_reports.begin(), s_reports.end(), [](auto& r) { return r.m_sDescription == "KPk"; }));
+}
+
+TEST_F(PrecalcData, EveryStoredValueAgreesWithOneMoveAhead) {
+    for (const char* type : {"KQk", "KRk", "KPk"}) {
+        const TVerificationReport r =
+            VerifyTypeData(*s_pRegisters, s_pRegisters->Require(TPrecalcType::Parse(type)), 2, false);
+        EXPECT_EQ(r.m_nFaults, 0u) << type << (r.m_vFaults.empty() ? "" : r.m_vFaults[0]);
+        EXPECT_EQ(r.m_nChecked, TypeIndexCount(TPrecalcType::Parse(type)));
+    }
+}
+
+TEST_F(PrecalcData, AWrongValueIsFoundAndListed) {
+    const TPrecalcType type = TPrecalcType::Parse("KRk");
+    std::vector<uint8_t> values = s_pRegisters->Require(type).Storage().Payload();
+    TChessboard board;
+    ASSERT_TRUE(ReadFen("8/8/8/8/8/2k5/8/K6R", board));
+    const uint64_t i = type.IndexOf(board.squares);
+    values[i] = static_cast<uint8_t>(values[i] + 1);
+    TGlobalRegister broken(type, MakePlainStorage(values, 1));
+    const TVerificationReport r = VerifyTypeData(*s_pRegisters, broken, 1, false);
+    EXPECT_GE(r.m_nFaults, 1u);
+    EXPECT_TRUE(std::filesystem::exists(r.m_faultFile));
+}
+
+// Sampled positions: the data and the ordinary search agree on mate within the stored length and
+// on no mate one move shorter, with either side to move.
+TEST_F(PrecalcData, TheSearchAgreesOnSampledPositions) {
+    std::mt19937_64 random(11);
+    TMateSearch search{TSearchEnvironment{}};
+    for (const char* text : {"KQk", "KRk", "KPk"}) {
+        const TPrecalcType type = TPrecalcType::Parse(text);
+        const TGlobalRegister& reg = s_pRegisters->Require(type);
+        int checked = 0;
+        for (int n = 0; n < 4000 && checked < 60; ++n) {
+            const bool white = n % 2 == 0;
+            TChessboard board;
+            if (!SetUpPlacement(type, random() % type.PlacementCount(), white, board)) continue;
+            const int halfMoves = reg.HalfMovesToMate(board);
+            if (halfMoves > 7) continue;  // the plain search stays quick
+            const int budget = halfMoves >= 0 ? halfMoves : (white ? 5 : 4);
+            board.movesLeft = board.movesAtStart = static_cast<int16_t>(budget);
+            if (budget > 0) {
+                EXPECT_EQ(search.FindForcedMate(board), halfMoves >= 0 ? kMate : kNoMate)
+                    << WriteFen(board) << " " << budget;
+            }
+            if (halfMoves >= 2) {
+                board.movesLeft = board.movesAtStart = static_cast<int16_t>(halfMoves - 2);
+                EXPECT_EQ(search.FindForcedMate(board), kNoMate) << WriteFen(board);
+            }
+            ++checked;
+        }
+        EXPECT_EQ(checked, 60) << text;
+    }
+}
+
+TEST_F(PrecalcData, TheHookSettlesWithinTheNodesHalfMoves) {
+    CPrecalcHook hook(*s_pRegisters);
+    TChessboard board;
+    ASSERT_TRUE(ReadFen("8/8/8/8/8/2k5/8/K6R", board));  // White mates in 14
+    struct {
+        int halfMoves;
+        uint8_t result;
+    } const cases[] = {{27, kMate}, {29, kMate}, {25, kNoMate}, {3, kNoMate}};
+    for (const auto& c : cases) {
+        board.movesLeft = static_cast<int16_t>(c.halfMoves);
+        uint8_t result = kUnknownResult;
+        EXPECT_TRUE(hook.Settle(board, result));
+        EXPECT_EQ(result, c.result) << c.halfMoves;
+    }
+    TChessboard other;
+    ASSERT_TRUE(ReadFen("8/8/8/8/8/2k5/8/K5NR", other));  // no data for KRNk
+    uint8_t result;
+    EXPECT_FALSE(hook.Settle(other, result));
+    // The search with the hook gives the same answer as without it.
+    TSearchEnvironment env;
+    env.globalRegister = &hook;
+    TMateSearch withData(env), plain{TSearchEnvironment{}};
+    for (const int halfMoves : {1, 3, 5, 7}) {
+        const TChessboard start = test::Problem("8/8/8/8/8/k7/8/1R2K3 w", halfMoves);
+        EXPECT_EQ(withData.FindForcedMate(start), plain.FindForcedMate(start)) << halfMoves;
+    }
+}
+
+// The proof-number search settles its fresh nodes from the data and proves what the plain search
+// proves, on a rook ending beyond its reach without data.
+TEST_F(PrecalcData, TheProofNumberSearchSettlesFreshNodes) {
+    CPrecalcHook hook(*s_pRegisters);
+    TSearchEnvironment env;
+    env.globalRegister = &hook;
+    CProofNumberTable table(8 << 20);
+    TProofNumberSearch proofs(env, table, nullptr);
+    const TChessboard root = test::Problem("8/8/8/8/8/2k5/8/K6R w", 27);  // White mates in 14
+    EXPECT_EQ(proofs.Prove(root), kMate);
+    EXPECT_GT(proofs.Stats().precalcHits, 0u);
+    CProofNumberTable again(8 << 20);
+    TProofNumberSearch shorter(env, again, nullptr);
+    EXPECT_EQ(shorter.Prove(test::Problem("8/8/8/8/8/2k5/8/K6R w", 25)), kNoMate);
+}
+
+TEST_F(PrecalcData, FindMateByGlobalRegisterTriesEachMove) {
+    TChessboard board;
+    ASSERT_TRUE(ReadFen("8/8/8/8/8/k7/8/1R2K3", board));
+    board.movesLeft = 9;
+    const int halfMoves = s_pRegisters->Require(TPrecalcType::Parse("KRk")).HalfMovesToMate(board);
+    ASSERT_GT(halfMoves, 1);
+    const int n = (halfMoves + 1) / 2;
+    EXPECT_TRUE(FindMateByGlobalRegister(*s_pRegisters, board, n));
+    EXPECT_FALSE(FindMateByGlobalRegister(*s_pRegisters, board, n - 1));
+    EXPECT_FALSE(FindMateByGlobalRegister(*s_pRegisters, board, n, ~0ull));  // every start square excluded
+    board.movesLeft = 1;
+    EXPECT_THROW(FindMateByGlobalRegister(*s_pRegisters, board, 2), std::runtime_error);
+    TChessboard knight;
+    ASSERT_TRUE(ReadFen("8/8/8/8/8/k7/8/1R2K2N", knight));
+    knight.movesLeft = 3;
+    try {
+        FindMateByGlobalRegister(*s_pRegisters, knight, 2);
+        ADD_FAILURE() << "no data for KRNk";
+    } catch (const ChessException& e) {
+        EXPECT_STREQ(e.what(), "No global register found for position type KRNk");
+    }
+}
+
+TEST_F(PrecalcData, DataFilesReadBackInEveryForm) {
+    const TPrecalcType type = TPrecalcType::Parse("KQk");
+    TGlobalRegisters registers;
+    TGlobalRegisterSettings settings;
+    settings.m_dataFolder = s_pFolder->Path();
+    settings.m_nQuotaBytes = 1ull << 30;
+    for (const bool disk : {true, false}) {
+        settings.m_bForceDiskAccess = disk;
+        registers.Configure(settings, nullptr);
+        TGlobalRegister& reg = registers.Require(type);
+        EXPECT_EQ(reg.Storage().Form() == TStorageForm::kDiskAccess, disk);  // the test files are plain
+        for (uint64_t i = 0; i < TypeIndexCount(type); i += 97)
+            ASSERT_EQ(reg.HalfMovesAtIndex(i), s_pRegisters->Require(type).HalfMovesAtIndex(i));
+    }
+}
+
+}  // namespace
+}  // namespace moremate
