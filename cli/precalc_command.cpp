@@ -82,9 +82,6 @@ void PrintGenerated(const TGenerationReport& r) {
 int RunGenerate(TProgramContext& context, const TPrecalcArgs& args) {
     TGenerationOptions options;
     options.m_kind = StorageKindNamed(args.form);
-    if ((options.m_kind == TStorageKind::kPackedLzw || options.m_kind == TStorageKind::kPackedLz4) &&
-        !PackedStorageAvailable())
-        throw ChessException("Random-access buffers are not built into this program");
     options.m_nThreads = Threads(args);
     options.m_bProgress = true;
     options.m_bRegenerate = args.force;

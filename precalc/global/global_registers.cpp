@@ -15,7 +15,6 @@ std::vector<TStorageKind> KindsToTry(const TGlobalRegisterSettings& s) {
     std::vector<TStorageKind> kinds = {TStorageKind::kLz4, TStorageKind::kRunLength, TStorageKind::kTwoBit,
                                        TStorageKind::kPlain};
     const std::vector<TStorageKind> packed = {TStorageKind::kPackedLzw, TStorageKind::kPackedLz4};
-    if (!PackedStorageAvailable()) return kinds;
     kinds.insert(s.m_nUseDataPackedForRandomAccess > 0 ? kinds.begin() : kinds.end(), packed.begin(),
                  packed.end());
     return kinds;

@@ -55,7 +55,5 @@ std::unique_ptr<CGlobalStorage> MakePackedStorage(TStorageKind kind, const std::
                                                   unsigned elementSize);
 std::unique_ptr<CGlobalStorage> OpenPackedStorage(TStorageKind kind, std::vector<uint8_t> image,
                                                   unsigned elementSize);
-// Whether the random-access buffers are built into this program.
-bool PackedStorageAvailable();
 
 }  // namespace moremate

@@ -55,8 +55,4 @@ std::unique_ptr<CGlobalStorage> OpenPackedStorage(TStorageKind kind, std::vector
         kind, RandomAccessLZWBuffer::OpenPackedBuffer(PackingOf(kind), std::move(image), elementSize));
 }
 
-bool PackedStorageAvailable() {
-    return true;
-}
-
 }  // namespace moremate

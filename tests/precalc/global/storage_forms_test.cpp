@@ -175,9 +175,7 @@ TEST(GlobalRegister, HalfMovesFollowTheSideToMove) {
 namespace moremate {
 namespace {
 
-// Runs once the random-access buffers are built in (precalc/buffers).
 TEST(DataFile, RandomAccessBuffersReadBackWhatWasWritten) {
-    if (!PackedStorageAvailable()) GTEST_SKIP() << "random-access buffers not built in";
     testing::CTempFolder folder;
     std::vector<uint8_t> values(100000, 0);
     for (size_t i = 0; i < values.size(); ++i)
