@@ -67,16 +67,14 @@ TEST_F(PrecalcData, LongestMatesAreThePublishedOnes) {
         std::find_if(s_reports.begin(), s_reports.end(), [](auto& r) { return r.m_sDescription == "KPk"; }));
 }
 
-TEST_F(PrecalcData, EveryStoredValueAgreesWithOneMoveAhead) {
+TEST_F(PrecalcData, EveryStoredValueAgreesWithOneMoveAheadAndAWrongOneIsFound) {
     for (const char* type : {"KQk", "KRk", "KPk"}) {
         const TVerificationReport r =
             VerifyTypeData(*s_pRegisters, s_pRegisters->Require(TPrecalcType::Parse(type)), 2, false);
         EXPECT_EQ(r.m_nFaults, 0u) << type << (r.m_vFaults.empty() ? "" : r.m_vFaults[0]);
         EXPECT_EQ(r.m_nChecked, TypeIndexCount(TPrecalcType::Parse(type)));
     }
-}
-
-TEST_F(PrecalcData, AWrongValueIsFoundAndListed) {
+    // A wrong value is found and listed.
     const TPrecalcType type = TPrecalcType::Parse("KRk");
     std::vector<uint8_t> values = s_pRegisters->Require(type).Storage().Payload();
     TChessboard board;

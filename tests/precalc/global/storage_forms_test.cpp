@@ -34,6 +34,9 @@ TEST(GlobalStorage, MateCodesOfEachForm) {
     EXPECT_EQ(rle->MateCode(2), 5);
     EXPECT_EQ(rle->MateCode(3), 509);  // a literal 255 is no unknown in this form
     EXPECT_THROW(MakeRunLengthStorage(Elements({200})), ChessException);
+    const auto packed = MakePackedStorage(TStorageKind::kPackedLzw, values, 1);
+    EXPECT_EQ(packed->MateCode(2), 5);
+    EXPECT_EQ(packed->MateCode(3), kUnknownMate);
 }
 
 TEST(GlobalStorage, RunLengthBlockOfALiteralAndARepeat) {
@@ -64,12 +67,12 @@ TEST(DataFile, EveryKindReadsBackWhatWasWritten) {
     std::vector<uint8_t> values(10000);
     for (size_t i = 0; i < values.size(); ++i)
         values[i] = static_cast<uint8_t>((i * 7919) % 13 < 9 ? 0 : i % 4);
-    const auto plain = MakePlainStorage(values, 1);
-    for (const TStorageKind kind :
-         {TStorageKind::kPlain, TStorageKind::kLz4, TStorageKind::kTwoBit, TStorageKind::kRunLength}) {
+    for (const TStorageKind kind : kAllStorageKinds) {
         const std::filesystem::path file = folder.File(std::string("t") + StorageName(kind));
+        const bool packed = kind == TStorageKind::kPackedLzw || kind == TStorageKind::kPackedLz4;
         const auto storage = kind == TStorageKind::kTwoBit      ? MakeTwoBitStorage(values)
                              : kind == TStorageKind::kRunLength ? MakeRunLengthStorage(values)
+                             : packed                           ? MakePackedStorage(kind, values, 1)
                                                                 : MakePlainStorage(values, 1);
         WriteDataFile(file, "KQk", *storage, kind);
         for (const bool disk : {false, true}) {
@@ -167,30 +170,6 @@ TEST(GlobalRegister, HalfMovesFollowTheSideToMove) {
     EXPECT_EQ(reg.HalfMovesToMate(white), 5);
     TGlobalRegister none(type, nullptr);
     EXPECT_THROW(none.IsMateByIndex(white), std::runtime_error);
-}
-
-}  // namespace
-}  // namespace moremate
-
-namespace moremate {
-namespace {
-
-TEST(DataFile, RandomAccessBuffersReadBackWhatWasWritten) {
-    testing::CTempFolder folder;
-    std::vector<uint8_t> values(100000, 0);
-    for (size_t i = 0; i < values.size(); ++i)
-        values[i] = i % 97 == 0 ? 255 : static_cast<uint8_t>(i % 11 < 7 ? 0 : i % 5);
-    for (const TStorageKind kind : {TStorageKind::kPackedLzw, TStorageKind::kPackedLz4}) {
-        const auto packed = MakePackedStorage(kind, values, 1);
-        EXPECT_EQ(packed->Form(), TStorageForm::kRandomAccess);
-        EXPECT_EQ(packed->MateCode(0), kUnknownMate);
-        EXPECT_EQ(packed->MateCode(7), 2 * 2 - 1);
-        const std::filesystem::path file = folder.File(std::string("p") + StorageName(kind));
-        WriteDataFile(file, "KQk", *packed, kind);
-        const auto read = ReadDataFile(file, "KQk", values.size(), true);
-        for (size_t i = 0; i < values.size(); i += 13)
-            ASSERT_EQ(read->Element(i), values[i]) << StorageName(kind);
-    }
 }
 
 }  // namespace
