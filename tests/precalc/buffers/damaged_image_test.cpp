@@ -76,12 +76,8 @@ TEST(DamagedPackedImage, IsRefusedSayingWhatIsWrong) {
             EXPECT_EQ(std::string(e.what()).substr(0, c.sMessage.size()), c.sMessage) << c.sDamage;
         }
     }
-}
-
-TEST(DamagedPackedImage, OfAnotherBlockSizeIsNotOpenedAsThisShape) {
-    const std::vector<uint8_t> image = SoundImage();
-    using TSmallBlocks = CRandomAccessLZWBuffer<uint16_t, kBlock, 0, 8, 1, 0>;
-    EXPECT_THROW(TSmallBlocks::Open(image), ChessException);
+    // A sound image of another block size is not opened as this shape.
+    EXPECT_THROW((CRandomAccessLZWBuffer<uint16_t, kBlock, 0, 8, 1, 0>::Open(SoundImage())), ChessException);
 }
 
 // Random bytes changed anywhere: the image is refused, or each element is read or refused; never

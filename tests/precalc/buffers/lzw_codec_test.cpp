@@ -12,8 +12,6 @@
 namespace moremate::RandomAccessLZWBuffer {
 namespace {
 
-using testing::RandomBytes;
-
 std::vector<uint8_t> Packed(const TLzwPreset& preset, const std::vector<uint8_t>& bytes, size_t nRoom) {
     std::vector<uint8_t> out(nRoom);
     out.resize(LzwPack(preset, bytes.data(), bytes.size(), out.data(), out.size()));
@@ -102,13 +100,6 @@ TEST(LzwCodec, RoundTripsOfAllKindsOfBlocks) {
             EXPECT_EQ(RoundTrip(preset, *pBytes), *pBytes) << int{nFill};
         }
     }
-}
-
-TEST(LzwCodec, FailsWhenThePackedBlockExceedsItsRoom) {
-    const TLzwPreset preset(0);
-    const std::vector<uint8_t> bytes = RandomBytes(8192, 1);
-    std::vector<uint8_t> out(bytes.size());
-    EXPECT_EQ(LzwPack(preset, bytes.data(), bytes.size(), out.data(), out.size()), 0u);
 }
 
 TEST(LzwCodec, RefusesDamagedAndTruncatedBlocks) {

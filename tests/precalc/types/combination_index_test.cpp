@@ -34,7 +34,7 @@ TEST(CombinationMapping, RankAndSetAreInverseForEveryRankOfEveryMapping) {
     }
 }
 
-TEST(CombinationMapping, FirstAndLastPairs) {
+TEST(CombinationMapping, FirstAndLastPairsAndNothingBeyond) {
     struct {
         bool pawns;
         unsigned char a, b;
@@ -45,9 +45,7 @@ TEST(CombinationMapping, FirstAndLastPairs) {
         const unsigned char set[2] = {c.a, c.b};
         EXPECT_EQ(CombinationMapping(c.pawns, 2).IndexOfSet(set), c.rank) << int(c.a) << "," << int(c.b);
     }
-}
-
-TEST(CombinationMapping, NoMappingForASinglePiece) {
+    // No mapping for a single piece, no pair beyond the last.
     EXPECT_THROW(CombinationMapping(false, 1), std::invalid_argument);
     unsigned char set[2];
     EXPECT_THROW(CombinationMapping(false, 2).SetAtIndex(2016, set), std::out_of_range);
