@@ -32,5 +32,6 @@ Runner AddDefenceCommand(CLI::App& app, TProgramContext& context);
 Runner AddRegisterCommand(CLI::App& app, TProgramContext& context);
 Runner AddTestCommand(CLI::App& app, TProgramContext& context);
 Runner AddScriptCommand(CLI::App& app, TProgramContext& context);
+Runner AddTablebaseCommand(CLI::App& app, TProgramContext& context);
 
 }  // namespace moremate::cli

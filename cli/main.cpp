@@ -29,6 +29,7 @@ int main(int argc, char** argv) {
     runners["register"] = AddRegisterCommand(app, context);
     runners["test"] = AddTestCommand(app, context);
     runners["script"] = AddScriptCommand(app, context);
+    runners["tablebase"] = AddTablebaseCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {

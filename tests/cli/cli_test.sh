@@ -136,6 +136,33 @@ sleep 1; kill -INT "$pid"; wait "$pid"; rc=$?
     grep -q '^Stop pending\.\.\.$' stopped.err
 tally "interrupt (status $rc)" || cat stopped.out stopped.err
 
+# The online tablebase: a service on the loopback address (any FEN gets the recorded answer), the
+# cache once the service is gone, and a port where nothing listens.
+tb=$(mktemp -d)
+mkdir -p "$tb/www/ok"
+printf '%s' '{"dtz":1,"precise_dtz":1,"dtm":17,"dtw":null,"category":"win","moves":[{"uci":"h7h8q","san":"h8=Q+","dtz":-2,"precise_dtz":-2,"dtm":-16,"category":"loss"},{"uci":"g7f6","dtz":0,"dtm":null,"category":"draw"}]}' >"$tb/www/ok/standard"
+python3 -c '
+import functools, http.server, sys
+handler = functools.partial(http.server.SimpleHTTPRequestHandler, directory=sys.argv[1])
+server = http.server.HTTPServer(("127.0.0.1", 0), handler)
+print(server.server_address[1], flush=True)
+server.serve_forever()' "$tb/www" >"$tb/port" 2>/dev/null & server=$!
+for _ in 1 2 3 4 5 6 7 8 9 10; do [ -s "$tb/port" ] && break; sleep 0.2; done
+export MOREMATE_HOME=$tb
+printf '[chess]\nTablebaseURL=http://127.0.0.1:%s/ok/\nTablebaseTimeoutMs=1000\n' "$(cat "$tb/port")" >"$tb/options.ini"
+endgame="4k3/6KP/8/8/8/8/7p/8 w - - 0 1"
+check "tablebase answer" 0 '^h7h8q loss dtm -16 dtz 2$' -- tablebase "$endgame"
+check "tablebase null dtm" 0 '^g7f6 draw dtm none dtz 0$' -- tablebase "$endgame"
+kill "$server"; wait "$server" 2>/dev/null
+check "tablebase answer from the cache" 0 '"cached":true,"dtm":17,"dtz":1,.*"uci":"h7h8q","wdl":"loss"' -- tablebase "$endgame" --json
+printf '[chess]\nTablebaseURL=http://127.0.0.1:1/\n' >"$tb/options.ini"
+check "tablebase without network" 1 'No internet connection' -- tablebase "4k3/6KP/8/8/8/8/8/8 w - - 0 1"
+check "tablebase bad FEN" 2 'Improper FEN code' -- tablebase "not a position"
+check "tablebase too many pieces" 2 'positions of 3 to 7 pieces, this one has 32' -- tablebase "$start"
+check "tablebase castling rights" 2 'no positions with castling rights' -- tablebase "4k3/8/8/8/8/8/8/R3K3 w - - 0 1"
+unset MOREMATE_HOME
+rm -rf "$tb"
+
 rm -f /tmp/moremate_cli_err.$$
 echo "cli: $passed passed, $failed failed"
 [ "$failed" -eq 0 ]
