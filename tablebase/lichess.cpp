@@ -23,11 +23,11 @@ void CLiChess::Report(ReportKind kind, const std::string& text) {
     m_reporter.Report(ReportTitle(kind, m_nLanguageId), text);
 }
 
-std::optional<TTablebaseAnswer> CLiChess::AskService(const std::string& fen) {
+std::optional<TTablebaseAnswer> CLiChess::AskService(const std::string& fen, const std::atomic<bool>* abort) {
     const bool wasOffline = m_http.Offline();
-    const std::optional<std::string> body = m_http.Query(fen);
+    const std::optional<std::string> body = m_http.Query(fen, abort);
     if (!body) {
-        if (!wasOffline) Report(ReportKind::Warning, m_http.LastError());
+        if (!wasOffline && !m_http.LastError().empty()) Report(ReportKind::Warning, m_http.LastError());
         return std::nullopt;
     }
     ++m_nServiceQueries;
@@ -44,14 +44,14 @@ void CLiChess::NoteAnswered(const std::string& name, const std::string& fen) {
         Report(ReportKind::Warning, kRepeatedAnswer + fen);
 }
 
-std::optional<TTablebaseLookup> CLiChess::Query(const TChessboard& board) {
+std::optional<TTablebaseLookup> CLiChess::Query(const TChessboard& board, const std::atomic<bool>* abort) {
     const std::string fen = TablebaseFen(board);
     const std::string name = CacheName(board);
     std::lock_guard lock(m_mutex);
     NoteAnswered(name, fen);
     if (std::optional<TTablebaseAnswer> cached = m_cache.Find(name, fen))
         return TTablebaseLookup{std::move(*cached), true};
-    std::optional<TTablebaseAnswer> answer = AskService(fen);
+    std::optional<TTablebaseAnswer> answer = AskService(fen, abort);
     if (!answer) return std::nullopt;
     m_cache.Store(name, fen, *answer);
     return TTablebaseLookup{std::move(*answer), false};

@@ -40,14 +40,15 @@ class CLiChess {
     CLiChess(const TLiChessSettings& settings, const CTablebaseCache& cache, CReporter& reporter);
 
     // The readable answer about `board` (which must be askable: see WhyNotAskable), or none.
-    std::optional<TTablebaseLookup> Query(const TChessboard& board);
+    // Setting `abort` (may be null) ends a query under way without a report.
+    std::optional<TTablebaseLookup> Query(const TChessboard& board, const std::atomic<bool>* abort = nullptr);
 
     // True while the service has not failed to connect.
     bool Online() const;
     int ServiceQueries() const;
 
   private:
-    std::optional<TTablebaseAnswer> AskService(const std::string& fen);
+    std::optional<TTablebaseAnswer> AskService(const std::string& fen, const std::atomic<bool>* abort);
     void NoteAnswered(const std::string& name, const std::string& fen);
     void Report(ReportKind kind, const std::string& text);
 

@@ -25,6 +25,17 @@ bool ConnectionFailed(CURL* curl, CURLcode code) {
     return code == CURLE_OPERATION_TIMEDOUT && connectMicroseconds == 0;
 }
 
+int AbortRequested(void* abort, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+    return static_cast<const std::atomic<bool>*>(abort)->load() ? 1 : 0;
+}
+
+void SetAbort(CURL* curl, const std::atomic<bool>* abort) {
+    if (abort == nullptr) return;
+    curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
+    curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, AbortRequested);
+    curl_easy_setopt(curl, CURLOPT_XFERINFODATA, const_cast<std::atomic<bool>*>(abort));
+}
+
 void SetRequest(CURL* curl, const std::string& url, long timeoutMs, std::string& body) {
     curl_easy_reset(curl);
     curl_easy_setopt(curl, CURLOPT_URL, url.c_str());
@@ -61,13 +72,16 @@ std::optional<std::string> CLiChessHTTP::Fail(const char* error) {
     return std::nullopt;
 }
 
-std::optional<std::string> CLiChessHTTP::GetHTMLPage(const std::string& target) {
+std::optional<std::string> CLiChessHTTP::GetHTMLPage(const std::string& target,
+                                                     const std::atomic<bool>* abort) {
     CURL* curl = m_connect.Handle();
     if (m_bOffline || curl == nullptr) return Fail(kNoInternetConnection);
     std::string body;
     SetRequest(curl, m_sBaseURL + target, m_nTimeoutMs, body);
+    SetAbort(curl, abort);
     const CURLcode code = curl_easy_perform(curl);
     if (code == CURLE_OK) return body;
+    if (code == CURLE_ABORTED_BY_CALLBACK) return Fail("");
     if (ConnectionFailed(curl, code) || code == CURLE_OPERATION_TIMEDOUT) {
         // A service that does not answer in time is as good as none: it is not asked again.
         m_bOffline = true;
@@ -76,10 +90,10 @@ std::optional<std::string> CLiChessHTTP::GetHTMLPage(const std::string& target) 
     return Fail(kGetHTMLPageFailed);
 }
 
-std::optional<std::string> CLiChessHTTP::Query(const std::string& fen) {
+std::optional<std::string> CLiChessHTTP::Query(const std::string& fen, const std::atomic<bool>* abort) {
     CURL* curl = m_connect.Handle();
     if (m_bOffline || curl == nullptr) return Fail(kNoInternetConnection);
-    return GetHTMLPage("standard?fen=" + EscapedFen(curl, fen));
+    return GetHTMLPage("standard?fen=" + EscapedFen(curl, fen), abort);
 }
 
 }  // namespace moremate

@@ -4,6 +4,7 @@
 // machine without network loses at most one timeout.
 #pragma once
 
+#include <atomic>
 #include <optional>
 #include <string>
 
@@ -23,11 +24,13 @@ class CLiChessHTTP {
     CLiChessHTTP(std::string baseURL, int timeoutMs);
 
     // The body of a page below the base address (`target` already URL-encoded), or none with
-    // LastError() telling why: kNoInternetConnection or kGetHTMLPageFailed.
-    std::optional<std::string> GetHTMLPage(const std::string& target);
+    // LastError() telling why: kNoInternetConnection or kGetHTMLPageFailed, or empty when `abort`
+    // (may be null) was set during the transfer, which then ends at once.
+    std::optional<std::string> GetHTMLPage(const std::string& target,
+                                           const std::atomic<bool>* abort = nullptr);
 
     // The body of the service's answer about the position `fen`.
-    std::optional<std::string> Query(const std::string& fen);
+    std::optional<std::string> Query(const std::string& fen, const std::atomic<bool>* abort = nullptr);
 
     bool Offline() const { return m_bOffline; }
     const std::string& LastError() const { return m_sLastError; }

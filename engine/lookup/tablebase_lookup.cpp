@@ -39,7 +39,7 @@ void CTablebaseLookup::Wait() {
 }
 
 void CTablebaseLookup::Ask(const TChessboard& node) {
-    const std::optional<TTablebaseLookup> lookup = m_liChess.Query(node);
+    const std::optional<TTablebaseLookup> lookup = m_liChess.Query(node, &m_bStop);
     if (!lookup || !AnswerFits(node, lookup->answer)) return;
     ++m_nAnswers;
     m_nFacts += StoreTablebaseFacts(node, lookup->answer, m_store);

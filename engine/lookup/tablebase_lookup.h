@@ -24,7 +24,7 @@ class CTablebaseLookup {
     CTablebaseLookup(const CTablebaseLookup&) = delete;
     CTablebaseLookup& operator=(const CTablebaseLookup&) = delete;
 
-    // Asks nothing more (a query under way ends first, within the client's timeout) and waits.
+    // Asks nothing more (a query under way is broken off) and waits for the thread.
     void Stop();
     // Waits until every position has been asked.
     void Wait();
