@@ -48,11 +48,13 @@ std::optional<TTablebaseLookup> CLiChess::Query(const TChessboard& board, const 
     const std::string fen = TablebaseFen(board);
     const std::string name = CacheName(board);
     std::lock_guard lock(m_mutex);
-    NoteAnswered(name, fen);
-    if (std::optional<TTablebaseAnswer> cached = m_cache.Find(name, fen))
+    if (std::optional<TTablebaseAnswer> cached = m_cache.Find(name, fen)) {
+        NoteAnswered(name, fen);
         return TTablebaseLookup{std::move(*cached), true};
+    }
     std::optional<TTablebaseAnswer> answer = AskService(fen, abort);
     if (!answer) return std::nullopt;
+    NoteAnswered(name, fen);
     m_cache.Store(name, fen, *answer);
     return TTablebaseLookup{std::move(*answer), false};
 }
