@@ -63,7 +63,7 @@ std::string EscapedFen(CURL* curl, const std::string& fen) {
 }  // namespace
 
 CLiChessHTTP::CLiChessHTTP(std::string baseURL, int timeoutMs)
-    : m_sBaseURL(std::move(baseURL)), m_nTimeoutMs(timeoutMs) {
+    : m_sBaseURL(std::move(baseURL)), m_nTimeoutMs(timeoutMs), m_bOffline(m_connect.Handle() == nullptr) {
     if (!m_sBaseURL.empty() && m_sBaseURL.back() != '/') m_sBaseURL += '/';
 }
 
@@ -74,8 +74,8 @@ std::optional<std::string> CLiChessHTTP::Fail(const char* error) {
 
 std::optional<std::string> CLiChessHTTP::GetHTMLPage(const std::string& target,
                                                      const std::atomic<bool>* abort) {
+    if (m_bOffline) return Fail(kNoInternetConnection);
     CURL* curl = m_connect.Handle();
-    if (m_bOffline || curl == nullptr) return Fail(kNoInternetConnection);
     std::string body;
     SetRequest(curl, m_sBaseURL + target, m_nTimeoutMs, body);
     SetAbort(curl, abort);
@@ -91,9 +91,8 @@ std::optional<std::string> CLiChessHTTP::GetHTMLPage(const std::string& target,
 }
 
 std::optional<std::string> CLiChessHTTP::Query(const std::string& fen, const std::atomic<bool>* abort) {
-    CURL* curl = m_connect.Handle();
-    if (m_bOffline || curl == nullptr) return Fail(kNoInternetConnection);
-    return GetHTMLPage("standard?fen=" + EscapedFen(curl, fen), abort);
+    if (m_bOffline) return Fail(kNoInternetConnection);
+    return GetHTMLPage("standard?fen=" + EscapedFen(m_connect.Handle(), fen), abort);
 }
 
 }  // namespace moremate

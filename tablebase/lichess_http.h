@@ -41,7 +41,7 @@ class CLiChessHTTP {
     HTTPConnect m_connect;
     std::string m_sBaseURL;
     long m_nTimeoutMs;
-    bool m_bOffline = false;
+    bool m_bOffline;  // no handle, or a connection failed: nothing is asked any more
     std::string m_sLastError;
 };
 
