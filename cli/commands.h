@@ -33,5 +33,6 @@ Runner AddRegisterCommand(CLI::App& app, TProgramContext& context);
 Runner AddTestCommand(CLI::App& app, TProgramContext& context);
 Runner AddScriptCommand(CLI::App& app, TProgramContext& context);
 Runner AddPrecalcCommand(CLI::App& app, TProgramContext& context);
+Runner AddTablebaseCommand(CLI::App& app, TProgramContext& context);
 
 }  // namespace moremate::cli

@@ -32,6 +32,7 @@ int main(int argc, char** argv) {
     runners["test"] = AddTestCommand(app, context);
     runners["script"] = AddScriptCommand(app, context);
     runners["precalc"] = AddPrecalcCommand(app, context);
+    runners["tablebase"] = AddTablebaseCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {

@@ -4,6 +4,7 @@
 #include "problems/regression/script.h"
 #include "problems/regression/solved_problems_db.h"
 #include "settings/program_folder.h"
+#include "tablebase_access.h"
 #include "thread_options.h"
 
 namespace moremate::cli {
@@ -17,6 +18,8 @@ struct ScriptArgs {
 
 int RunScript(ScriptArgs& args, TProgramContext& context) {
     ApplyThreadDefaults(args.solve, context.options);
+    const std::unique_ptr<CTablebaseService> tablebase = TablebaseForRuns(context);
+    args.solve.tablebase = LiChessOf(tablebase);
     TScriptEnvironment environment{context.options, args.solve, {}, {}, [](const std::string& line) {
                                        fmt::print("{}", line);
                                        std::fflush(stdout);

@@ -21,6 +21,7 @@
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
 #include "run_keys.h"
+#include "tablebase_access.h"
 #include "thread_options.h"
 
 namespace moremate::cli {
@@ -54,6 +55,8 @@ bool Selected(const SolveArgs& args, unsigned number) {
 
 int RunSolve(SolveArgs& args, TProgramContext& context) {
     ApplyThreadDefaults(args.settings, context.options);
+    const std::unique_ptr<CTablebaseService> tablebase = TablebaseForRuns(context);
+    args.settings.tablebase = LiChessOf(tablebase);
     if (args.settings.observerLevels < 0)
         args.settings.observerLevels = std::max(0, static_cast<int>(context.options.m_shObserverLevels));
     if (!args.heuristics.empty()) {

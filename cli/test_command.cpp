@@ -6,6 +6,7 @@
 #include "problems/regression/solved_problems_db.h"
 #include "question_prompt.h"
 #include "settings/program_folder.h"
+#include "tablebase_access.h"
 #include "thread_options.h"
 
 namespace moremate::cli {
@@ -34,6 +35,8 @@ void PrintLine(const std::string& line) {
 
 int RunTest(TestArgs& args, const CLI::App& cmd, TProgramContext& context) {
     ApplyThreadDefaults(args.solve, context.options);
+    const std::unique_ptr<CTablebaseService> tablebase = TablebaseForRuns(context);
+    args.solve.tablebase = LiChessOf(tablebase);
     std::vector<ProblemEntry> entries;
     try {
         ReadCollectionFile(args.file, entries, false, TCollectionReading{{&context.reporter, 1}, {}});

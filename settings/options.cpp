@@ -69,6 +69,8 @@ const std::array kOptionKeys = {
     TOptionKey{"SolutionDetailsMoves", &TOptions::m_shSolutionDetailsMoves, true},
     TOptionKey{"ShortRegTestSeconds", &TOptions::m_nShortRegTestSeconds, false},
     TOptionKey{"RunRegressionTestInLoop", &TOptions::m_bRunRegressionTestInLoop, false},
+    TOptionKey{"TablebaseURL", &TOptions::m_sTablebaseURL, false},
+    TOptionKey{"TablebaseTimeoutMs", &TOptions::m_nTablebaseTimeoutMs, false},
 };
 
 // Integers are stored in the member's own width, wrapping as a plain conversion does.

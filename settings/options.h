@@ -70,6 +70,9 @@ struct TOptions {
     int16_t m_shSolutionDetailsMoves = 10;
     int m_nShortRegTestSeconds = 64;
     bool m_bRunRegressionTestInLoop = false;
+    // The online tablebase's base address and the bound of its connection and of each transfer.
+    std::string m_sTablebaseURL = "https://tablebase.lichess.ovh/";
+    int m_nTablebaseTimeoutMs = 4000;
 
     // The machine's memory when the options were read; the quotas below follow from it.
     uint64_t m_nPhysicalMemoryBytes = 0;

@@ -9,6 +9,7 @@
 #include "engine/heuristics/heuristic_text.h"
 #include "engine/heuristics/position_type.h"
 #include "engine/heuristics/predefined_heuristics.h"
+#include "engine/lookup/tablebase_lookup.h"
 #include "engine/passes/passes.h"
 #include "engine/rules/special_heuristics.h"
 #include "engine/run/run_texts.h"
@@ -88,6 +89,29 @@ TPredefinedHeuristics PassOneSet(const ProblemEntry& entry, const TChessboard& r
     if (!added.m_bDlfuForbidden || settings.heuristics) return added;
     set.Remove(SH_DONTLETFIGUREUNBLOCK);
     return ApplyPredefinedAdditionalHeuristics(set, settings.additionalHeuristics);
+}
+
+// The White move levels asked of the online tablebase: the set's "SyzygyLevels(n)", else the
+// record's LICHESSLEVELS, else the option LichessLevels.
+int TablebaseLevels(const ProblemEntry& entry, const TChessboard& root, const TSolveSettings& settings,
+                    const TOptions& options) {
+    if (const std::optional<int> levels = PassOneSet(entry, root, settings).m_nSyzygyLevels) return *levels;
+    return entry.m_nLichessLevels.value_or(options.m_shLichessLevels);
+}
+
+// The tablebase counts as available once it has answered; a record that requires it waits for
+// every answer before it is checked.
+TAvailableData AvailableAfterRun(const ProblemEntry& entry, const TSolveSettings& settings,
+                                 std::optional<CTablebaseLookup>& lookup) {
+    TAvailableData available = settings.available;
+    available.precalculated.merge(TGlobalRegisters::Instance().TypesOnDisk());
+    if (!lookup) return available;
+    if (entry.Has(kOptRequiresSyzygy) || entry.Has(kOptAllSolutionsRequiresSyzygy))
+        lookup->Wait();
+    else
+        lookup->Stop();
+    available.bSyzygy = available.bSyzygy || lookup->Answers() > 0;
+    return available;
 }
 
 TPassState PassState(const ProblemEntry& entry, const TChessboard& root, const TSolveSettings& settings,
@@ -201,7 +225,12 @@ void Solve(const ProblemEntry& entry, const TSolvingTask& task, const TSolveSett
            const TOptions& options, CRunRegister& runRegister, std::atomic<uint64_t>* progress,
            TProblemReport& report) {
     const CSolvingRunScope run(entry.m_nNumber, BruteForce(entry, settings) == TBruteForce::Full);
+    std::optional<CTablebaseLookup> lookup;
+    if (settings.tablebase)
+        lookup.emplace(*settings.tablebase, runRegister, task.position,
+                       TablebaseLevels(entry, task.position, settings, options));
     const TPassRunResult result = RunProblem(entry, task, settings, options, runRegister, progress);
+    const TAvailableData available = AvailableAfterRun(entry, settings, lookup);
     if (!result.error.empty()) throw ChessException(result.error);
     Describe(task.position, result, report);
     report.outcome = fmt::format("{}\n{}", EngineEndLine(!result.stopped, report.result),
@@ -215,8 +244,6 @@ void Solve(const ProblemEntry& entry, const TSolvingTask& task, const TSolveSett
     report.match = settings.after.empty() ? Matches(entry, result, allSolutions) : std::nullopt;
     if (!settings.after.empty()) return;  // the order and the checks concern the record's own position
     if (ExpectsOrder(entry)) CompareFirstMoveOrder(entry, task.position, options.m_nLanguageId, report);
-    TAvailableData available = settings.available;
-    available.precalculated.merge(TGlobalRegisters::Instance().TypesOnDisk());
     const TRunFacts facts{allSolutions, !result.stopped, &runRegister, available};
     report.failedChecks = FailedChecks(entry, task.position, facts);
 }

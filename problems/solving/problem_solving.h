@@ -15,6 +15,7 @@
 #include "run_checks.h"
 #include "settings/options.h"
 #include "solve_report.h"
+#include "tablebase/lichess.h"
 
 namespace moremate {
 
@@ -33,10 +34,11 @@ struct TSolveSettings {
     int levels = 1;          // multithreading levels
     int observerLevels = 0;  // White moves below the levels shown in the progress; 0 = off
     bool solutionDetails = false;
-    bool passStatus = false;   // pass status lines on stderr
-    TAvailableData available;  // what the record's requirement clauses may find
-    std::string after;         // moves played after the position before it is analysed (PlayMovesAfter)
-    TRunServices run;          // stop, pause, skip, progress ticks and messages of the interface
+    bool passStatus = false;        // pass status lines on stderr
+    TAvailableData available;       // what the record's requirement clauses may find
+    std::string after;              // moves played after the position before it is analysed (PlayMovesAfter)
+    TRunServices run;               // stop, pause, skip, progress ticks and messages of the interface
+    CLiChess* tablebase = nullptr;  // the online tablebase; none: it is not asked
 };
 
 // Makes `runRegister` ready for the entry: a fresh register when there is none or the options

@@ -7,6 +7,10 @@ samples=$(cd "$(dirname "$0")/../../samples" && pwd)
 long="$(cd "$(dirname "$0")/../../../shared/problems" 2>/dev/null && pwd)/longmates.cp"
 # The program writes its scratch files and logs into the working folder: use a fresh one.
 cd "$(mktemp -d)" || exit 1
+# The online tablebase is asked at a port where nothing listens: the tests never leave the machine.
+offline=$(pwd)/offline
+mkdir "$offline" && printf '[chess]\nTablebaseURL=http://127.0.0.1:1/\n' >"$offline/options.ini"
+export MOREMATE_HOME=$offline
 passed=0 failed=0
 
 tally() {  # tally NAME: counts the status of the command before, and returns it
@@ -81,6 +85,7 @@ check "damaged register file" 2 'An error occurred during LZ4 decompression.' --
 rm -rf "$work"
 work=$(mktemp -d)
 export MOREMATE_HOME=$work  # the solved problems database goes there
+cp "$offline/options.ini" "$work/"
 check "short regression test" 1 '^\[SnglSolution, 1thrd\(s\)\] Test #2 M1 ok \([0-9]+ msec\)\.$' -- test "$data/small.cp" --short --threads 1 --log-folder "$work"
 check "regression test heading" 1 '^Regression test started of [-0-9]+ [0-9:]+, file .*wrong_answer\.cp$' -- test "$data/wrong_answer.cp" --threads 1 --log-folder "$work"
 check "a failed test gives status 1" 1 '^Failed: \[SnglSolution, 1thrd\(s\)\] Test #7 M1 failed:$' -- test "$data/wrong_answer.cp" --threads 1 --log-folder "$work"
@@ -116,12 +121,12 @@ grep -q '^\* Initial set of heuristics: SH_KEEPKINGONTHEEDGE, SH_DONTLOSEANYFIGU
     grep -q '^\* Safe mode is on' "$work/SolutionDetails.log"; tally "added tokens take back the engine's DLFU and force safe mode"
 check "faulty added heuristics" 2 'Error occurred in ApplyPredefinedAdditionalHeuristics\(\) : Invalid square$' -- solve "$work/dlfu.cp" --add-heuristics 'DLFU(z9)'
 check "a search variant without implementation" 1 'Error: no implementation in FindMateMultithreadingLevelThreadProcFFM for m_shLookForQuickerMateDepth' -- solve "$work/dlfu.cp" --threads 1 --proof-number off --add-heuristics 'LFQMDepth(#7)'
-printf '[chess]\nRunRegressionTestInLoop=1\n' > "$work/options.ini"
+printf '[chess]\nRunRegressionTestInLoop=1\nTablebaseURL=http://127.0.0.1:1/\n' > "$work/options.ini"
 for answer in "--yes --loops 3:3" "--no:1" ":1"; do  # without an answer and a terminal: no
     runs=$("$mm" test "$work/ref.cp" --threads 1 --log-folder "$work" ${answer%:*} </dev/null 2>/dev/null | grep -c '^Regression test started')
     [ "$runs" = "${answer#*:}" ]; tally "loop question answered '${answer%:*}': $runs runs"
 done
-rm "$work/options.ini"
+cp "$offline/options.ini" "$work/"
 [ -s "$work/SolvedProblemsDB/small.cspdb" ]; tally "no solved problems database"
 # Precalculated data: the small types are generated into the program folder ($work) first.
 check "precalc generate" 0 'KQk: 262144 indexes, 72254 White-to-move mates \(longest 10\)' -- precalc generate KQk --threads 1
@@ -145,7 +150,7 @@ check "the search settles positions from the data" 0 'Precalculated data: [1-9][
 printf 'corrupt' | dd of="$work/Precalc/3pieces-pawns/KQk_.precalc.lz4" bs=1 seek=200 conv=notrunc 2>/dev/null
 check "a damaged data file gives its message" 0 'Damaged file of precalculated data: .*KQk_\.precalc\.lz4' -- precalc probe "8/8/8/3k4/8/8/1Q6/K7 w - - 0 1"
 check "a damaged data file answers unknown" 0 '^unknown$' -- precalc probe "8/8/8/3k4/8/8/1Q6/K7 w - - 0 1"
-unset MOREMATE_HOME
+export MOREMATE_HOME=$offline
 rm -rf "$work"
 check "bench prints its signature" 0 '^Nodes searched  : [0-9]+$' -- bench
 check "a line back to its position stops the run" 0 '^Position repetition: Program detected position repetition$' -- solve "$samples/sample_problems.cp" --problem 13 --after "Kd5-d4 Kb3-b4 Kd4-d5 Kb4-b3"
@@ -157,6 +162,49 @@ sleep 1; kill -INT "$pid"; wait "$pid"; rc=$?
 [ "$rc" -eq 1 ] && grep -q '^Analysis stopped by user$' stopped.out && grep -q '(stopped by user)$' stopped.out &&
     grep -q '^Stop pending\.\.\.$' stopped.err
 tally "interrupt (status $rc)" || cat stopped.out stopped.err
+
+# The online tablebase: a service on the loopback address (any FEN gets the recorded answer), the
+# cache once the service is gone, and a port where nothing listens.
+tb=$(mktemp -d)
+mkdir -p "$tb/www/ok"
+printf '%s' '{"dtz":1,"precise_dtz":1,"dtm":17,"dtw":null,"category":"win","moves":[{"uci":"h7h8q","san":"h8=Q+","dtz":-2,"precise_dtz":-2,"dtm":-16,"category":"loss"},{"uci":"g7f6","dtz":0,"dtm":null,"category":"draw"}]}' >"$tb/www/ok/standard"
+python3 -c '
+import functools, http.server, sys
+handler = functools.partial(http.server.SimpleHTTPRequestHandler, directory=sys.argv[1])
+server = http.server.HTTPServer(("127.0.0.1", 0), handler)
+print(server.server_address[1], flush=True)
+server.serve_forever()' "$tb/www" >"$tb/port" 2>/dev/null & server=$!
+for _ in 1 2 3 4 5 6 7 8 9 10; do [ -s "$tb/port" ] && break; sleep 0.2; done
+export MOREMATE_HOME=$tb
+printf '[chess]\nTablebaseURL=http://127.0.0.1:%s/ok/\nTablebaseTimeoutMs=1000\n' "$(cat "$tb/port")" >"$tb/options.ini"
+endgame="4k3/6KP/8/8/8/8/7p/8 w - - 0 1"
+check "tablebase answer" 0 '^h7h8q loss dtm -16 dtz 2$' -- tablebase "$endgame"
+check "tablebase null dtm" 0 '^g7f6 draw dtm none dtz 0$' -- tablebase "$endgame"
+# White Kc6, Rb1, Black Ka8: mate in two by Kc6-c7 only.
+mkdir -p "$tb/www/krk"
+python3 -c '
+import json
+moves = ["c6" + s for s in ("b5", "c5", "d5", "d6", "d7", "c7", "b6")] + ["b1" + s for s in ("b2", "b3", "b4", "b5", "b6", "b7", "b8", "a1", "c1", "d1", "e1", "f1", "g1", "h1")]
+own = {"c6c7": ("loss", -2), "b1b8": ("draw", None), "b1b7": ("draw", 0)}
+records = [dict(uci=m, category=own.get(m, ("loss", None))[0], dtm=own.get(m, ("loss", None))[1], dtz=None) for m in moves]
+print(json.dumps(dict(dtz=3, precise_dtz=3, dtm=3, dtw=None, category="win", moves=records)))' >"$tb/www/krk/standard"
+printf '1 #2 RequiresSyzygy\n{\n FEN: k7/8/2K5/8/8/8/8/1R6 w - - 0 1\n Answer: c6-c7\n}\n' >"$tb/krk.cp"
+sed -i "s#/ok/#/krk/#" "$tb/options.ini"
+check "solve with the tablebase" 0 'agrees with the answer' -- solve "$tb/krk.cp" --all-solutions --threads 1
+[ -s "$tb/SavedTmpSyzygyData/$("$mm" fen "k7/8/2K5/8/8/8/8/1R6 w - - 0 1" | sed -n 's/^Id: //p').lichess" ]; tally "the answer is kept in the cache"
+sed -i "s#/krk/#/ok/#" "$tb/options.ini"
+kill "$server"; wait "$server" 2>/dev/null
+check "tablebase answer from the cache" 0 '"cached":true,"dtm":17,"dtz":1,.*"uci":"h7h8q","wdl":"loss"' -- tablebase "$endgame" --json
+printf '[chess]\nTablebaseURL=http://127.0.0.1:1/\n' >"$tb/options.ini"
+check "tablebase without network" 1 'No internet connection' -- tablebase "4k3/6KP/8/8/8/8/8/8 w - - 0 1"
+check "solve from the cached answer" 0 'agrees with the answer' -- solve "$tb/krk.cp" --all-solutions --threads 1
+printf '1 #2 RequiresSyzygy\n{\n FEN: k7/8/2K5/8/8/8/8/2R5 w - - 0 1\n}\n' >"$tb/other.cp"
+check "tablebase required but not reached" 1 '^Failed: RequiresSyzygy not satisfied$' -- solve "$tb/other.cp" --threads 1
+check "tablebase bad FEN" 2 'Improper FEN code' -- tablebase "not a position"
+check "tablebase too many pieces" 2 'positions of 3 to 7 pieces, this one has 32' -- tablebase "$start"
+check "tablebase castling rights" 2 'no positions with castling rights' -- tablebase "4k3/8/8/8/8/8/8/R3K3 w - - 0 1"
+export MOREMATE_HOME=$offline
+rm -rf "$tb"
 
 rm -f /tmp/moremate_cli_err.$$
 echo "cli: $passed passed, $failed failed"
