@@ -1,7 +1,5 @@
 #include "ini_file.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <fstream>
@@ -9,6 +7,7 @@
 #include <sstream>
 #include <vector>
 
+#include "replace_file.h"
 #include "trim.h"
 
 namespace moremate {
@@ -161,23 +160,6 @@ std::string CutToCodePoints(std::string text, std::size_t maxLength) {
 void InsertLine(TIniText& ini, std::size_t position, std::string text, const std::string& ending) {
     if (position > 0 && ini.lines[position - 1].sEnding.empty()) ini.lines[position - 1].sEnding = ending;
     ini.lines.insert(ini.lines.begin() + static_cast<std::ptrdiff_t>(position), {std::move(text), ending});
-}
-
-bool ReplaceFile(const std::filesystem::path& path, const std::string& content) {
-    std::filesystem::path temporary = path;
-    temporary += ".tmp." + std::to_string(getpid());
-    std::error_code error;
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        if (!out.write(content.data(), static_cast<std::streamsize>(content.size())).flush()) {
-            std::filesystem::remove(temporary, error);
-            return false;
-        }
-    }
-    std::filesystem::rename(temporary, path, error);
-    if (!error) return true;
-    std::filesystem::remove(temporary, error);
-    return false;
 }
 
 }  // namespace

@@ -1,11 +1,10 @@
 #include "answer_cache.h"
 
-#include <unistd.h>
-
 #include <fstream>
 #include <sstream>
 
 #include "answer_file.h"
+#include "settings/replace_file.h"
 
 namespace moremate {
 
@@ -29,21 +28,7 @@ bool CTablebaseCache::Store(const std::string& name, const std::string& fen,
     if (m_bReadOnly || !answer.Readable()) return false;
     std::error_code error;
     std::filesystem::create_directories(m_folder, error);
-    const std::filesystem::path path = FilePath(name);
-    std::filesystem::path temporary = path;
-    temporary += ".tmp" + std::to_string(getpid());
-    {
-        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out << WriteAnswerText(fen, answer);
-        if (!out.flush()) {
-            std::filesystem::remove(temporary, error);
-            return false;
-        }
-    }
-    std::filesystem::rename(temporary, path, error);
-    if (!error) return true;
-    std::filesystem::remove(temporary, error);
-    return false;
+    return ReplaceFile(FilePath(name), WriteAnswerText(fen, answer));
 }
 
 }  // namespace moremate
