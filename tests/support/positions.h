@@ -28,10 +28,14 @@ inline TChessboard Problem(const std::string& fen, int halfMoves) {
 }
 
 // The start of a "#moves" problem.
-inline TChessboard Directmate(const std::string& fen, int moves) { return Problem(fen, 2 * moves - 1); }
+inline TChessboard Directmate(const std::string& fen, int moves) {
+    return Problem(fen, 2 * moves - 1);
+}
 
 // A position with the FEN's side to move.
-inline TChessboard Board(const std::string& fen) { return Problem(fen, FenWhiteToMove(fen) ? 1 : 2); }
+inline TChessboard Board(const std::string& fen) {
+    return Problem(fen, FenWhiteToMove(fen) ? 1 : 2);
+}
 
 struct TSharedDirectmate {
     std::string fen;
