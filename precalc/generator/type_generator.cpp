@@ -159,20 +159,28 @@ void CTypeGenerator::ScanBlack() {
 // White positions from which a move leads to a Black position mated after d - 1 more moves.
 void CTypeGenerator::TakeBackWhiteMoves(int d, TIndexLists& found) {
     if (m_blackByValue.size() <= static_cast<size_t>(d)) return;
-    const std::vector<uint32_t>& mated = m_blackByValue[d];
-    ParallelFor(mated.size(), m_options.m_nThreads, [&](uint64_t begin, uint64_t end, unsigned t) {
+    ForEachTakeBack(m_blackByValue[d], kWhite,
+                    [&](TChessboard& after, const TPrecalcType::TPieceSquares& before, const TRetroMove& move,
+                        uint64_t i, unsigned t) {
+                        if (m_source.White(i) != 0 || !LegalBefore(after, before, move, kWhite)) return;
+                        if (ClaimWhite(i, static_cast<uint8_t>(d)))
+                            found[t].push_back(static_cast<uint32_t>(i));
+                    });
+}
+
+template <class FVisit>
+void CTypeGenerator::ForEachTakeBack(const std::vector<uint32_t>& placements, uint8_t mover, FVisit&& visit) {
+    ParallelFor(placements.size(), m_options.m_nThreads, [&](uint64_t begin, uint64_t end, unsigned t) {
         TChessboard scratch;
         TRetroMoveList retro;
         for (uint64_t k = begin; k < end; ++k) {
-            m_type.PlacementAt(mated[k], scratch.squares);
+            m_type.PlacementAt(placements[k], scratch.squares);
             const TPrecalcType::TPieceSquares pieces = m_type.PiecesOf(scratch.squares);
-            GenerateRetroMoves(scratch.squares, kWhite, true, retro);
+            GenerateRetroMoves(scratch.squares, mover, true, retro);
             for (int r = 0; r < retro.count; ++r) {
                 const TPrecalcType::TPieceSquares before =
                     TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to);
-                const uint64_t i = m_type.IndexOfPieces(before);
-                if (m_source.White(i) != 0 || !LegalBefore(scratch, before, retro.moves[r], kWhite)) continue;
-                if (ClaimWhite(i, static_cast<uint8_t>(d))) found[t].push_back(static_cast<uint32_t>(i));
+                visit(scratch, before, retro.moves[r], m_type.IndexOfPieces(before), t);
             }
         }
     });
@@ -203,24 +211,14 @@ std::vector<uint32_t> CTypeGenerator::BlackCandidates() {
         if (std::atomic_ref<uint8_t>(m_black[i]).load(std::memory_order_relaxed) != 0) return false;
         return std::atomic_ref<uint8_t>(m_candidate[i]).exchange(1) == 0;
     };
-    ParallelFor(m_newWhite.size(), m_options.m_nThreads, [&](uint64_t begin, uint64_t end, unsigned t) {
-        TChessboard scratch;
-        TRetroMoveList retro;
-        for (uint64_t k = begin; k < end; ++k) {
-            m_type.PlacementAt(m_newWhite[k], scratch.squares);
-            const TPrecalcType::TPieceSquares pieces = m_type.PiecesOf(scratch.squares);
-            GenerateRetroMoves(scratch.squares, kBlack, true, retro);
-            for (int r = 0; r < retro.count; ++r) {
-                const TPrecalcType::TPieceSquares before =
-                    TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to);
-                // An illegal position before the move (White's king attacked) is never settled: its
-                // count may run out of step without harm.
-                const uint64_t i = m_type.IndexOfPieces(before);
-                if (std::atomic_ref<uint8_t>(m_unsettledMoves[i]).fetch_sub(1) == 1 && claim(i))
-                    found[t].push_back(static_cast<uint32_t>(i));
-            }
-        }
-    });
+    // An illegal position before the move (White's king attacked) is never settled: its count may
+    // run out of step without harm.
+    ForEachTakeBack(
+        m_newWhite, kBlack,
+        [&](TChessboard&, const TPrecalcType::TPieceSquares&, const TRetroMove&, uint64_t i, unsigned t) {
+            if (std::atomic_ref<uint8_t>(m_unsettledMoves[i]).fetch_sub(1) == 1 && claim(i))
+                found[t].push_back(static_cast<uint32_t>(i));
+        });
     for (const uint32_t i : m_blackSpecials)
         if (m_unsettledMoves[i] == 0 && claim(i)) found[0].push_back(i);
     return Merge(found);

@@ -35,6 +35,10 @@ class CTypeGenerator {
     void ScanWhite();
     void ScanBlack();
     bool Level(int d);
+    // Calls visit(placement, before, move, index before, thread) for every move of `mover` that
+    // can have led into one of `placements`, spread over the threads.
+    template <class FVisit>
+    void ForEachTakeBack(const std::vector<uint32_t>& placements, uint8_t mover, FVisit&& visit);
     void TakeBackWhiteMoves(int d, TIndexLists& found);
     void SettleWhite(int d, const std::vector<uint32_t>& indexes, TIndexLists& found);
     void CheckWhiteSpecials(int d, TIndexLists& found);
