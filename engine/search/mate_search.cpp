@@ -4,6 +4,7 @@
 
 #include "core/gives_check.h"
 #include "engine/state/run_control.h"
+#include "dead_position.h"
 #include "position_repetition.h"
 
 namespace moremate {
@@ -192,6 +193,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
         const uint8_t known = Known(node, n);
         if (known != kUnknownResult) return known;
     }
+    if (m_env.useGlobalRules && WhiteCannotMate(node)) return kNoMate;
     uint8_t settled;
     if (m_env.globalRegister && m_env.globalRegister->Settle(node, settled)) return settled;
     if (RepeatsEarlierPosition(node)) {
@@ -249,6 +251,7 @@ uint8_t TMateSearch::OpenBlackNode(const TChessboard& node, int ply, TMoveList& 
         const uint8_t known = Known(node, m);
         if (known != kUnknownResult) return known;
     }
+    if (m_env.useGlobalRules && WhiteCannotMate(node)) return kNoMate;
     uint8_t settled;
     if (m_env.globalRegister && m_env.globalRegister->Settle(node, settled)) return settled;
     if (RepeatsEarlierPosition(node)) {

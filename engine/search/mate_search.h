@@ -29,6 +29,7 @@ struct TSearchEnvironment {
     CPositionStore* store = nullptr;       // the registers of the pass, or none
     CHeuristicHook* heuristics = nullptr;  // heuristics in force, or none
     CGlobalRegisterHook* globalRegister = nullptr;
+    bool useGlobalRules = true;  // positions where White can never mate are settled at once
     const std::atomic<bool>* stop = nullptr;         // polled at every node
     CRunControl* control = nullptr;                  // pause and skip, polled with `stop`
     CSchedulerHook* scheduler = nullptr;             // told about White nodes, or none

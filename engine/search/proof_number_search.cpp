@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/movegen.h"
+#include "dead_position.h"
 #include "move_ordering.h"
 
 namespace moremate {
@@ -66,6 +67,7 @@ TProofNumbers TProofNumberSearch::Numbers(const TChessboard& node) {
 // A fresh node: settled at once where that is cheap (mate in one, no replies, a fact of the
 // register); otherwise a Black node costs one proof per reply, a White node one proof.
 TProofNumbers TProofNumberSearch::FreshNumbers(const TChessboard& child) {
+    if (m_env.useGlobalRules && WhiteCannotMate(child)) return kDisproven;
     const bool stored = m_env.store && SquaresTellAll(child);
     const int n = child.movesLeft;
     int replies = 1;

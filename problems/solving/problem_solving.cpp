@@ -153,6 +153,7 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
     request.environment.store = &runRegister;
     request.environment.progressNodes = progress;
     if (!entry.Has(kOptNoGlobReg)) request.environment.globalRegister = ProcessPrecalcHook();
+    request.environment.useGlobalRules = options.m_bUseGlobalRules;
     request.runRegister = &runRegister;
     request.proofNumber = settings.proofNumber;
     request.proofNumberTableBytes = ProofNumberTableBytes(options.TempRegQuotaMB());

@@ -25,7 +25,7 @@ const std::string kAnswer =
     R"({"dtz":1,"precise_dtz":1,"dtm":17,"dtw":null,"category":"win","moves":[{"uci":"h7h8q","san":"h8=Q+",)"
     R"("dtz":-2,"precise_dtz":-2,"dtm":-16,"dtw":null,"category":"loss"}]})";
 const std::map<std::string, std::string> kAnswers = {{kFen, kAnswer}};
-constexpr int kTimeoutMs = 300;
+constexpr int kTimeoutMs = 1500;  // loose enough for a loaded machine and the sanitizers
 
 TLiChessSettings Settings(const std::string& url, bool warnOnRepetition = false) {
     return {.sURL = url,

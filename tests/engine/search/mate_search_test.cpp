@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "engine/passes/run_register.h"
+#include "engine/search/dead_position.h"
 #include "tests/engine/map_store.h"
 #include "tests/support/positions.h"
 
@@ -65,6 +66,34 @@ TEST(FindForcedMate, RepetitionEndsTheLineWithoutSearchInLongProblems) {
         TMateSearch search(TSearchEnvironment{});
         EXPECT_EQ(search.FindForcedMate(line.PlayLine(c.moves).Now()), c.result) << c.moves << c.halfMoves;
         EXPECT_EQ(search.Nodes() == 1u, c.result == kRepetition);
+    }
+}
+
+// White's king alone, a lone knight or bishops of one square colour against a bare king (or
+// bishops on that colour) can never mate: settled at the node, whatever the budget. Any more
+// material leaves the node to the search.
+TEST(FindForcedMate, PositionsWithoutAnyMateAreSettledAtOnce) {
+    // clang-format off
+    const struct { const char* fen; bool dead; } cases[] = {
+        {"8/8/8/3k4/3q4/8/8/4K3 w", true},   {"8/8/8/3k4/8/8/8/4KN2 w", true},
+        {"8/8/8/3k4/4b3/8/8/4KB2 w", true},  {"8/8/8/3k4/8/7B/8/4KB2 w", true},
+        {"8/8/8/3k4/3b4/8/8/4KB2 w", false}, {"8/8/8/3k4/8/8/8/2B1KB2 w", false},
+        {"8/8/8/3k4/8/8/8/3NKN2 w", false},  {"8/8/8/3k4/3p4/8/8/4KN2 w", false},
+        {"8/8/8/3k4/8/8/8/4KNB1 w", false},  {"8/8/8/3k4/8/8/P7/4K3 w", false},
+        {"8/8/8/3k4/3n4/8/8/4KB2 w", false},
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.fen);
+        const TChessboard board = Problem(c.fen, 5);
+        EXPECT_EQ(WhiteCannotMate(board), c.dead);
+        if (!c.dead) continue;
+        TMateSearch search(TSearchEnvironment{});
+        EXPECT_EQ(search.FindForcedMate(Problem(c.fen, 41)), kNoMate);
+        EXPECT_EQ(search.Nodes(), 1u);
+        TSearchEnvironment off;
+        off.useGlobalRules = false;
+        EXPECT_EQ(TMateSearch(off).FindForcedMate(board), kNoMate);
     }
 }
 
@@ -129,8 +158,10 @@ class CBareKingHasNoMate : public CGlobalRegisterHook {
 TEST(FindForcedMate, GlobalRegisterSettlesNodesWithoutSearch) {
     CBareKingHasNoMate hook;
     TSearchEnvironment env;
+    env.useGlobalRules = false;  // they would settle the same nodes
+    TMateSearch plain(env);
     env.globalRegister = &hook;
-    TMateSearch withHook(env), plain(TSearchEnvironment{});
+    TMateSearch withHook(env);
     // Black can take the rook at once: those lines end in the hook instead of being searched.
     const TChessboard board = Problem("8/8/8/8/1k6/8/2R5/K7 w", 7);
     EXPECT_EQ(withHook.FindForcedMate(board), plain.FindForcedMate(board));

@@ -33,7 +33,7 @@ struct TTablebaseRun {
     CRecordingReporter reporter;
     CLiChess liChess;
     explicit TTablebaseRun(const std::string& url)
-        : liChess({.sURL = url, .nTimeoutMs = 300, .bWarnOnRepetition = false, .nLanguageId = kEnglish},
+        : liChess({.sURL = url, .nTimeoutMs = 5000, .bWarnOnRepetition = false, .nLanguageId = kEnglish},
                   cache, reporter) {}
 };
 
