@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <functional>
+#include <thread>
+
 #include "core/movegen.h"
 #include "engine/passes/proof_number_pass.h"
 #include "engine/search/proof_walk.h"
@@ -76,6 +80,45 @@ TEST(ProofNumberSearch, TinyTableStaysRight) {
     EXPECT_GT(stats.replacements, 0u);
     EXPECT_GT(stats.collections, 0u);
     EXPECT_LE(stats.used, stats.capacity);
+}
+
+// The table starts at 16 MB and doubles up to its size while two threads store and probe: every
+// entry not given up to another in a full bucket is found again with its numbers.
+TEST(ProofNumberTable, GrowsToItsSizeKeepingItsEntries) {
+    CProofNumberTable table(64 << 20, true);
+    EXPECT_EQ(table.Stats().capacity, (16u << 20) / CProofNumberTable::kEntryBytes);
+    constexpr uint64_t kPerThread = 300'000;
+    const auto key = [](uint64_t i) {
+        uint64_t z = (i + 1) * 0x9E3779B97F4A7C15ULL;
+        z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ULL;
+        return TPositionKey{z ^ (z >> 27), i + 1};
+    };
+    const auto numbers = [](uint64_t i) {
+        return TProofNumbers{uint32_t(i % 1000 + 1), uint32_t(i % 7 + 1)};
+    };
+    const auto store = [&](uint64_t first) {
+        for (uint64_t i = first; i < first + kPerThread; ++i) table.Store(key(i), numbers(i), 1);
+    };
+    std::atomic<uint64_t> found{0};
+    const auto probe = [&](uint64_t first) {
+        for (uint64_t i = first; i < first + kPerThread; ++i) {
+            TProofNumbers out;
+            if (!table.Probe(key(i), out)) continue;
+            EXPECT_EQ(out.pn, numbers(i).pn);
+            EXPECT_EQ(out.dn, numbers(i).dn);
+            ++found;
+        }
+    };
+    for (const auto& step : {std::function<void(uint64_t)>(store), std::function<void(uint64_t)>(probe)}) {
+        std::thread other(step, kPerThread);
+        step(0);
+        other.join();
+    }
+    const TProofNumberTableStats stats = table.Stats();
+    EXPECT_EQ(stats.capacity, (64u << 20) / CProofNumberTable::kEntryBytes);
+    EXPECT_EQ(found + stats.replacements, 2 * kPerThread);
+    EXPECT_EQ(stats.used, found.load());
+    EXPECT_LT(stats.replacements, 2 * kPerThread / 50);
 }
 
 TEST(ProofWalk, WalksProofsAndRefusesTheRest) {
