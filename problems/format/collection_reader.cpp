@@ -1,7 +1,7 @@
 #include "collection_reader.h"
+#include "text_file.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 
 namespace moremate {
@@ -53,9 +53,7 @@ void ReadCollectionText(std::string_view text, std::vector<ProblemEntry>& entrie
 
 void ReadCollectionFile(const std::filesystem::path& file, std::vector<ProblemEntry>& entries, bool append,
                         const TCollectionReading& reading) {
-    std::ifstream in(file, std::ios::binary);
-    if (!in) throw ChessException("Error opening file: " + file.string());
-    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::string text = ReadTextFile(file);
     if (!append) entries.clear();
     ReadCollectionText(text, entries, reading);
 }
