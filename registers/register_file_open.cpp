@@ -44,11 +44,15 @@ uint32_t DataCrc(std::FILE* pFile) {
 }
 
 // Checks a header against the file: side, size, checksum; leaves the file at the data.
-void CheckHeader(const TRegisterFileHeader& header, TOpenedFile& opened, bool bBlackToMove) {
-    if (header.bBlackToMove != bBlackToMove)
+void CheckSide(const std::optional<TRegisterFileHeader>& header, bool bBlackToMove) {
+    if (header && header->bBlackToMove != bBlackToMove)
         throw ChessException(std::string("Error - the file holds positions with ") +
-                             SideText(header.bBlackToMove) + ", expected " + SideText(bBlackToMove) +
+                             SideText(header->bBlackToMove) + ", expected " + SideText(bBlackToMove) +
                              " (White and Black files swapped?)");
+}
+
+void CheckHeader(const TRegisterFileHeader& header, TOpenedFile& opened, bool bBlackToMove) {
+    CheckSide(header, bBlackToMove);
     const uint64_t nData = opened.nSize - kRegisterHeaderSize;
     if (nData != header.nDataBytes)
         throw ChessException("Error - the register file is " +
@@ -163,11 +167,13 @@ TRegisterLoadResult LoadRegisterFile(const std::filesystem::path& path,
     std::optional<TOpenedFile> whiteFile, blackFile;
     TRegisterLoadResult opening = Catching({}, [&] {
         whiteFile = OpenRegisterFile(path);
+        CheckSide(whiteFile->header, false);
         return TRegisterLoadResult{};
     });
     if (opening.sError.empty() && pBlack && std::filesystem::exists(blackPath))
         opening = Catching(blackPath, [&] {
             blackFile = OpenRegisterFile(blackPath);
+            CheckSide(blackFile->header, true);
             return TRegisterLoadResult{};
         });
     if (opening.sError.empty() && pBlack)

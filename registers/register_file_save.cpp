@@ -185,6 +185,9 @@ TRegisterSaveResult SaveRegisterFile(const std::filesystem::path& path,
                                      const TAggregatedTemporaryChessboardRegister& white,
                                      const TAggregatedTemporaryChessboardRegister* pBlack,
                                      const TRegisterSaveOptions& options) {
+    for (const std::filesystem::path& file : {path, BlackToMoveFilePath(path)})
+        if (std::filesystem::is_directory(file))
+            throw ChessException(std::string(kRecordWriteError) + ": " + file.string() + " is a folder");
     RecoverInterruptedSave(path);
     TRegisterFileHeader header;
     header.form = options.form;
