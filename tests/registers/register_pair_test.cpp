@@ -2,13 +2,8 @@
 // save is refused, a half pair is reported, and a save killed at any moment leaves the old pair
 // or the new one, whichever the next load finds.
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <string>
 
 #include "core/chess_exception.h"
@@ -16,6 +11,7 @@
 #include "registers/register_autosave.h"
 #include "registers/register_file.h"
 #include "registers/register_pair_commit.h"
+#include "tests/support/kill_test.h"
 #include "tests/support/temp_folder.h"
 
 namespace moremate {
@@ -23,40 +19,13 @@ namespace {
 
 using testing::Contents;
 using testing::CTempFolder;
+using testing::KillWhileWriting;
 using testing::LegalKeys;
 
 constexpr size_t kBuckets = 64;
 constexpr TRegisterFileForm kForms[] = {TRegisterFileForm::Plain, TRegisterFileForm::Lz4,
                                         TRegisterFileForm::Lz4e, TRegisterFileForm::Lz4Container,
                                         TRegisterFileForm::Lz4eContainer};
-
-// Runs `save` in a child process that stops at `sMoment` and is killed there.
-void KillWhileSaving(const char* sMoment, const std::function<void()>& save) {
-    int fds[2];
-    ASSERT_EQ(pipe(fds), 0);
-    const pid_t pid = fork();
-    ASSERT_GE(pid, 0);
-    if (pid == 0) {
-        close(fds[0]);
-        dup2(fds[1], STDERR_FILENO);
-        setenv("MOREMATE_PAUSE_AT", sMoment, 1);
-        try {
-            save();
-        } catch (...) {
-        }
-        _exit(0);
-    }
-    close(fds[1]);
-    std::string said;
-    char c;
-    while (read(fds[0], &c, 1) == 1 && c != '\n') said += c;
-    close(fds[0]);
-    kill(pid, SIGKILL);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    EXPECT_EQ(said, std::string("Paused at ") + sMoment);
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
-}
 
 class RegisterPair : public ::testing::Test {
   protected:
@@ -182,9 +151,25 @@ TEST_F(RegisterPair, AFailedSaveKeepsTheOldPair) {
     ExpectLoaded(oldWhite, oldBlack);
 }
 
+TEST_F(RegisterPair, AFullDiskKeepsTheOldPairAndSaysWhy) {
+    SaveOld("r.tmpReg");
+    try {
+        testing::CFileSizeLimit limit(200);
+        SaveNew("r.tmpReg");
+        ADD_FAILURE() << "saved beyond the limit";
+    } catch (const ChessException& exception) {
+        EXPECT_EQ(std::string(exception.what()), "Cannot write to file in TRegisterCombinedMap::SaveExact: " +
+                                                     folder.File("r.tmpReg.saving").string() +
+                                                     " (File too large)");
+    }
+    ExpectNoLeftovers();
+    EXPECT_TRUE(Load("r.tmpReg").bComplete);
+    ExpectLoaded(oldWhite, oldBlack);
+}
+
 TEST_F(RegisterPair, KilledBeforeTheCommitTheOldPairStays) {
     SaveOld("r.tmpReg");
-    KillWhileSaving("register-pair", [&] { SaveNew("r.tmpReg"); });
+    KillWhileWriting("register-pair", [&] { SaveNew("r.tmpReg"); });
     EXPECT_TRUE(Exists("r.tmpReg.saving") && Exists("r.black.tmpReg.saving"));
     EXPECT_TRUE(Load("r.tmpReg").bComplete);
     ExpectLoaded(oldWhite, oldBlack);
@@ -193,7 +178,7 @@ TEST_F(RegisterPair, KilledBeforeTheCommitTheOldPairStays) {
 
 TEST_F(RegisterPair, KilledBetweenTheRenamesTheNewPairIsCompleted) {
     SaveOld("r.tmpReg");
-    KillWhileSaving("register-renames", [&] { SaveNew("r.tmpReg"); });
+    KillWhileWriting("register-renames", [&] { SaveNew("r.tmpReg"); });
     EXPECT_TRUE(Exists("r.tmpReg.commit") && Exists("r.tmpReg.saving"));
     EXPECT_TRUE(Load("r.tmpReg").bComplete);
     ExpectLoaded(newWhite, newBlack);
@@ -207,7 +192,7 @@ TEST_F(RegisterPair, AutoSaveKilledWhileSavingKeepsTheLastOne) {
     autosave.Attach(oldWhite, &oldBlack);
     nNowMs += 60'000;
     ASSERT_TRUE(autosave.SaveIfDue());
-    KillWhileSaving("register-pair", [&] {
+    KillWhileWriting("register-pair", [&] {
         nNowMs += 60'000;
         autosave.Attach(newWhite, &newBlack);
         autosave.SaveIfDue();
