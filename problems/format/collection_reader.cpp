@@ -7,14 +7,6 @@
 namespace moremate {
 namespace {
 
-// Skips a byte order mark and the "UTF-8" that begins a collection, when they are there.
-void SkipEncodingMark(CProblemLexer& lexer, std::string_view text) {
-    if (text.starts_with("\xEF\xBB\xBF")) lexer.Rewind(3);
-    const size_t start = lexer.Position();
-    if (ToUpper(lexer.Next(false)) == "UTF" && lexer.Next(false) == "-" && lexer.Next(false) == "8") return;
-    lexer.Rewind(start);
-}
-
 void AddEntry(ProblemEntry&& entry, std::vector<ProblemEntry>& entries, const TCollectionReading& reading) {
     const auto same = std::ranges::find(entries, entry.m_nNumber, &ProblemEntry::m_nNumber);
     if (same == entries.end()) {
@@ -29,6 +21,13 @@ void AddEntry(ProblemEntry&& entry, std::vector<ProblemEntry>& entries, const TC
 }
 
 }  // namespace
+
+void SkipEncodingMark(CProblemLexer& lexer, std::string_view text) {
+    if (text.starts_with("\xEF\xBB\xBF")) lexer.Rewind(3);
+    const size_t start = lexer.Position();
+    if (ToUpper(lexer.Next(false)) == "UTF" && lexer.Next(false) == "-" && lexer.Next(false) == "8") return;
+    lexer.Rewind(start);
+}
 
 void ReadCollectionText(std::string_view text, std::vector<ProblemEntry>& entries,
                         const TCollectionReading& reading) {
