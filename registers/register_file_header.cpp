@@ -1,6 +1,7 @@
 #include "register_file_header.h"
 
-#include <boost/crc.hpp>
+#include <zlib.h>
+#include <algorithm>
 #include <cstring>
 
 namespace moremate {
@@ -27,10 +28,14 @@ TValue Get(const uint8_t* p) {
 }  // namespace
 
 uint32_t UpdateCrc32(uint32_t nCrc, const void* pData, size_t size) {
-    boost::crc_32_type crc;
-    crc.reset(nCrc ^ 0xFFFFFFFFu);
-    crc.process_bytes(pData, size);
-    return crc.checksum();
+    const auto* p = static_cast<const Bytef*>(pData);
+    uLong nValue = nCrc;
+    for (size_t nDone = 0; nDone < size;) {  // zlib takes at most 4 GiB - 1 at once
+        const uInt nPart = static_cast<uInt>(std::min<size_t>(size - nDone, 1u << 30));
+        nValue = crc32(nValue, p + nDone, nPart);
+        nDone += nPart;
+    }
+    return static_cast<uint32_t>(nValue);
 }
 
 std::array<uint8_t, kRegisterHeaderSize> EncodeRegisterHeader(const TRegisterFileHeader& header) {

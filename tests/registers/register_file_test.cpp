@@ -223,6 +223,11 @@ TEST_F(RegisterFile, DamagedFilesAreRefusedWhole) {
     }
 }
 
+TEST(RegisterFileHeader, ChecksumIsTheCrc32OfZipInPieces) {
+    EXPECT_EQ(UpdateCrc32(0, "123456789", 9), 0xCBF43926u);
+    EXPECT_EQ(UpdateCrc32(UpdateCrc32(0, "1234", 4), "56789", 5), 0xCBF43926u);
+}
+
 TEST_F(RegisterFile, FileOfTheOtherSideIsRefused) {
     SaveRegisterFile(folder.File("w.tmpReg"), reg, {});
     options.bBlackToMove = true;
