@@ -30,7 +30,11 @@ std::string ReadTextFile(const std::filesystem::path& file, uint64_t nStreamLimi
     if (std::filesystem::is_directory(status)) Refuse(file, "a folder");
     const bool bRegular = std::filesystem::is_regular_file(status);
     const uint64_t nLimit = bRegular ? MemoryLimit() : nStreamLimit;
-    if (bRegular && std::filesystem::file_size(file, error) > nLimit) Refuse(file, TooLarge(nLimit));
+    if (bRegular) {
+        const uint64_t nSize = std::filesystem::file_size(file, error);
+        if (error) Refuse(file, error.message());
+        if (nSize > nLimit) Refuse(file, TooLarge(nLimit));
+    }
     std::ifstream in(file, std::ios::binary);
     if (!in) Refuse(file, "cannot be opened");
     std::string text;
