@@ -43,7 +43,7 @@ uint32_t DataCrc(std::FILE* pFile) {
     return nCrc;
 }
 
-// Checks a header against the file: side, size, checksum; leaves the file at the data.
+// A White file where a Black one is expected, or the other way round.
 void CheckSide(const std::optional<TRegisterFileHeader>& header, bool bBlackToMove) {
     if (header && header->bBlackToMove != bBlackToMove)
         throw ChessException(std::string("Error - the file holds positions with ") +
@@ -51,6 +51,7 @@ void CheckSide(const std::optional<TRegisterFileHeader>& header, bool bBlackToMo
                              " (White and Black files swapped?)");
 }
 
+// Checks a header against the file: side, size, checksum; leaves the file at the data.
 void CheckHeader(const TRegisterFileHeader& header, TOpenedFile& opened, bool bBlackToMove) {
     CheckSide(header, bBlackToMove);
     const uint64_t nData = opened.nSize - kRegisterHeaderSize;
@@ -87,7 +88,7 @@ TOpenedFile OpenRegisterFile(const std::filesystem::path& path) {
         if (!opened.header) throw ChessException(sError);
         return opened;
     }
-    const bool bMarker = nRead >= 4 && std::memcmp(bytes, "\xFF\xFF\xFF\xFF", 4) == 0;
+    const bool bMarker = nRead >= kPackedMagicSize && std::memcmp(bytes, "\xFF\xFF\xFF\xFF", 4) == 0;
     if (nRead >= kPackedMagicSize && !bMarker && !IsPackedMagic(bytes))
         throw ChessException(kNotRegisterFile);
     if (IsPackedMagic(bytes) && !FitsInMemory(opened.nSize)) throw ChessException(kTooLarge);
@@ -129,17 +130,47 @@ void CheckPair(const TOpenedFile& white, const std::optional<TOpenedFile>& black
         throw ChessException("Error - the White and Black files come from different saves");
 }
 
-// The result of `load`, or its failure. A failure about the Black file names it.
+struct TOpenedPair {
+    TOpenedFile white;
+    std::optional<TOpenedFile> black;  // none when not asked for or not there
+};
+
+// Opens the White file and, when asked, the Black file, and checks that they belong together.
+// Throws ChessException; `failedFile` then names the Black file when the fault is about it.
+TOpenedPair OpenPair(const std::filesystem::path& path, bool bWithBlack, std::filesystem::path& failedFile) {
+    TOpenedPair pair{OpenRegisterFile(path), std::nullopt};
+    CheckSide(pair.white.header, false);
+    if (!bWithBlack) return pair;
+    failedFile = BlackToMoveFilePath(path);
+    if (std::filesystem::exists(failedFile)) {
+        pair.black = OpenRegisterFile(failedFile);
+        CheckSide(pair.black->header, true);
+    }
+    CheckPair(pair.white, pair.black);
+    failedFile.clear();
+    return pair;
+}
+
+// The result of `load`, or its failure; a failure about the Black file names it (`failedFile`).
 template <class FLoad>
-TRegisterLoadResult Catching(const std::filesystem::path& blackFile, FLoad&& load) {
+TRegisterLoadResult Catching(const std::filesystem::path& failedFile, FLoad&& load) {
     try {
         return load();
     } catch (const ChessException& exception) {
         TRegisterLoadResult result;
         result.sError = exception.what();
-        result.file = blackFile;
+        result.file = failedFile;
         return result;
     }
+}
+
+void AddBlackResult(TRegisterLoadResult& result, const TRegisterLoadResult& black) {
+    result.bRead = black.bRead;
+    result.bComplete = result.bComplete && black.bComplete;
+    result.report.nRecords += black.report.nRecords;
+    result.report.nInvalidPositions += black.report.nInvalidPositions;
+    result.sError = black.sError;
+    result.file = black.file;
 }
 
 }  // namespace
@@ -157,45 +188,24 @@ TRegisterLoadResult LoadRegisterFile(const std::filesystem::path& path,
                                      TAggregatedTemporaryChessboardRegister& white,
                                      TAggregatedTemporaryChessboardRegister* pBlack, size_t nBuckets,
                                      const TRegisterLoadOptions& options) {
+    std::filesystem::path failedFile;
     std::string sRecovery;
-    const TRegisterLoadResult recovery = Catching({}, [&] {
+    std::optional<TOpenedPair> pair;
+    const TRegisterLoadResult opening = Catching(failedFile, [&] {
         sRecovery = RecoverInterruptedSave(path);
+        pair.emplace(OpenPair(path, pBlack != nullptr, failedFile));
         return TRegisterLoadResult{};
     });
-    if (!recovery.sError.empty()) return recovery;
-    const std::filesystem::path blackPath = BlackToMoveFilePath(path);
-    std::optional<TOpenedFile> whiteFile, blackFile;
-    TRegisterLoadResult opening = Catching({}, [&] {
-        whiteFile = OpenRegisterFile(path);
-        CheckSide(whiteFile->header, false);
-        return TRegisterLoadResult{};
-    });
-    if (opening.sError.empty() && pBlack && std::filesystem::exists(blackPath))
-        opening = Catching(blackPath, [&] {
-            blackFile = OpenRegisterFile(blackPath);
-            CheckSide(blackFile->header, true);
-            return TRegisterLoadResult{};
-        });
-    if (opening.sError.empty() && pBlack)
-        opening = Catching(blackPath, [&] {
-            CheckPair(*whiteFile, blackFile);
-            return TRegisterLoadResult{};
-        });
-    if (!opening.sError.empty()) return opening;
+    if (!pair) return opening;
     TRegisterLoadResult result =
-        Catching({}, [&] { return LoadOpened(*whiteFile, white, nBuckets, options); });
-    result.sNote = sRecovery.empty() ? result.sNote : sRecovery;
-    if (!blackFile || !result.bRead) return result;
+        Catching({}, [&] { return LoadOpened(pair->white, white, nBuckets, options); });
+    if (!sRecovery.empty()) result.sNote = sRecovery;
+    if (!pair->black || !result.bRead) return result;
     TRegisterLoadOptions blackOptions = options;
     blackOptions.bBlackToMove = true;
-    const TRegisterLoadResult black =
-        Catching(blackPath, [&] { return LoadOpened(*blackFile, *pBlack, nBuckets, blackOptions); });
-    result.bRead = black.bRead;
-    result.bComplete = result.bComplete && black.bComplete;
-    result.report.nRecords += black.report.nRecords;
-    result.report.nInvalidPositions += black.report.nInvalidPositions;
-    result.sError = black.sError;
-    result.file = black.file;
+    AddBlackResult(result, Catching(BlackToMoveFilePath(path), [&] {
+                       return LoadOpened(*pair->black, *pBlack, nBuckets, blackOptions);
+                   }));
     return result;
 }
 
