@@ -38,10 +38,14 @@ std::filesystem::path WithSuffix(const std::filesystem::path& file, const char* 
 void WriteNewFile(const std::filesystem::path& file, const std::string& text, const std::string& name) {
     std::FILE* pFile = std::fopen(file.c_str(), "wb");
     if (!pFile) ThrowFileError("Error opening file: ", name, std::error_code(errno, std::generic_category()));
-    const bool bWritten = std::fwrite(text.data(), 1, text.size(), pFile) == text.size() &&
-                          std::fflush(pFile) == 0 && fsync(fileno(pFile)) == 0;
-    const std::error_code error(errno, std::generic_category());
-    if (std::fclose(pFile) != 0 || !bWritten) {
+    bool bWritten = std::fwrite(text.data(), 1, text.size(), pFile) == text.size() &&
+                    std::fflush(pFile) == 0 && fsync(fileno(pFile)) == 0;
+    std::error_code error(bWritten ? 0 : errno, std::generic_category());
+    if (std::fclose(pFile) != 0 && bWritten) {
+        bWritten = false;
+        error.assign(errno, std::generic_category());
+    }
+    if (!bWritten) {
         std::error_code ignored;
         std::filesystem::remove(file, ignored);
         ThrowFileError("Error writing file: ", name, error);
