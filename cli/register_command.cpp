@@ -80,14 +80,15 @@ int RunSave(const RegisterArgs& args, TProgramContext& context) {
     ProblemEntry& entry = FindProblem(entries, args.problem);
     TSolveSettings settings = args.solve;
     ApplyThreadDefaults(settings, context.options);
-    std::unique_ptr<CRunRegister> runRegister;
-    const TProblemReport report = SolveProblem(entry, settings, context.options, runRegister, nullptr);
-    fmt::print("{}", ReportText(report));
     const uint32_t number = args.pin ? NextFreeRegisterNumber() : 0;
     const std::filesystem::path file = args.pin ? ReferencedRegisterFile(number)
                                        : !args.file.empty()
                                            ? std::filesystem::path(args.file)
                                            : ProblemRegisterFile(args.collection, args.problem);
+    PrepareRegisterSavePath(file);  // before the solving, which may take long
+    std::unique_ptr<CRunRegister> runRegister;
+    const TProblemReport report = SolveProblem(entry, settings, context.options, runRegister, nullptr);
+    fmt::print("{}", ReportText(report));
     SaveRunRegister(file, *runRegister);
     fmt::print("Register saved: {}\n", file.string());
     if (args.pin) {

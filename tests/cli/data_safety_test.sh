@@ -49,6 +49,8 @@ check "script opens a folder" 2 'Script line 1: Error opening file: .*folder \(a
 check "solve /dev/zero" 2 '^/dev/zero: Error opening file: /dev/zero \(larger than the 64 MB this program reads\)$' -- solve /dev/zero
 check "save the register under a file" 2 '^Cannot create the folder .*small\.cp \(Not a directory\)$' -- "${solve[@]}" --save-register small.cp/r.tmpReg
 check "save the register as a folder" 2 '^Cannot save the register to folder: it is a folder$' -- "${solve[@]}" --save-register folder
+check "register save under a file, before solving" 2 '^Cannot create the folder small\.cp \(Not a directory\)$' -- register save small.cp --problem 2 --to small.cp/x.tmpReg
+check "register of a device" 2 '^/dev/zero: Error reading file \(not a regular file\)$' -- register stats /dev/zero
 check "save the register to no name" 2 "^The register file's name is empty$" -- "${solve[@]}" --save-register ""
 check "improper FEN names the field" 2 "^Improper FEN code: piece placement \(first field\): rank 8 has more than 8 squares$" -- fen "4k4/8/8/8/8/8/8/4K3 w - -"
 
