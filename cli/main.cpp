@@ -8,6 +8,7 @@
 #include "commands.h"
 #include "core/chess_exception.h"
 #include "precalc/global/global_registers.h"
+#include "register_loading.h"
 #include "settings/program_folder.h"
 
 #ifndef MOREMATE_VERSION
@@ -24,6 +25,7 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     CStderrReporter reporter;
     TProgramContext context{ReadOptions(OptionsFilePath(), reporter), reporter};
+    ReportInterruptedSaves();  // of registers, by a process killed while saving
     TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(context.options), &reporter);
     std::map<std::string, Runner> runners;
     runners["perft"] = AddPerftCommand(app);

@@ -4,6 +4,8 @@
 
 #include "core/chess_exception.h"
 #include "problems/annotations/register_reference.h"
+#include "registers/register_pair_commit.h"
+#include "settings/program_folder.h"
 
 namespace moremate::cli {
 namespace {
@@ -26,6 +28,15 @@ std::unique_ptr<CRunRegister> LoadRunRegister(const std::string& file, TProgramC
                LoadReportText(load.result, file, context.options.m_nLanguageId,
                               context.options.m_bClearRegisterOnStartSolving));
     return std::move(load.runRegister);
+}
+
+void ReportInterruptedSaves() {
+    try {
+        for (const std::string& line : RecoverInterruptedSaves(ProgramFolder() / kSavedRegisterFolder))
+            fmt::print(stderr, "{}\n", line);
+    } catch (const ChessException& e) {
+        fmt::print(stderr, "{}\n", e.what());
+    }
 }
 
 void PrepareRegisterSavePath(const std::filesystem::path& file) {

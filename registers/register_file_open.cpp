@@ -192,7 +192,7 @@ TRegisterLoadResult LoadRegisterFile(const std::filesystem::path& path,
     std::string sRecovery;
     std::optional<TOpenedPair> pair;
     const TRegisterLoadResult opening = Catching(failedFile, [&] {
-        sRecovery = RecoverInterruptedSave(path);
+        sRecovery = RecoverInterruptedSave(path, CRegisterSaveLock(path, false));
         pair.emplace(OpenPair(path, pBlack != nullptr, failedFile));
         return TRegisterLoadResult{};
     });

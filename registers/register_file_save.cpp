@@ -188,7 +188,8 @@ TRegisterSaveResult SaveRegisterFile(const std::filesystem::path& path,
     for (const std::filesystem::path& file : {path, BlackToMoveFilePath(path)})
         if (std::filesystem::is_directory(file))
             throw ChessException(std::string(kRecordWriteError) + ": " + file.string() + " is a folder");
-    RecoverInterruptedSave(path);
+    const CRegisterSaveLock lock(path, true);
+    RecoverInterruptedSave(path, lock);
     TRegisterFileHeader header;
     header.form = options.form;
     header.bHasBlackFile = pBlack != nullptr;

@@ -1,9 +1,12 @@
 #include "register_pair_commit.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <fstream>
+#include <set>
+#include <string_view>
 
 #include "core/chess_exception.h"
 #include "register_file.h"
@@ -78,6 +81,17 @@ void ApplyCommit(const std::filesystem::path& whiteFile) {
     std::filesystem::remove(commit, error);
 }
 
+// The White register file of a pair whose save left `file` behind, or "" for any other file.
+std::filesystem::path WhiteFileOfLeftover(const std::filesystem::path& file) {
+    std::string name = file.filename().string();
+    for (const std::string_view suffix : {".saving", ".commit"})
+        if (name.ends_with(suffix)) name.resize(name.size() - suffix.size());
+    if (name == file.filename().string() || !name.ends_with(kRegisterFileExtension)) return "";
+    const std::string black = std::string(".black") + kRegisterFileExtension;
+    if (name.ends_with(black)) name.replace(name.size() - black.size(), black.size(), kRegisterFileExtension);
+    return file.parent_path() / name;
+}
+
 }  // namespace
 
 std::filesystem::path SavingPath(const std::filesystem::path& file) {
@@ -100,7 +114,18 @@ void RemoveSavingFiles(const std::filesystem::path& whiteFile) {
     std::filesystem::remove(SavingPath(CommitFilePath(whiteFile)), error);
 }
 
-std::string RecoverInterruptedSave(const std::filesystem::path& whiteFile) {
+CRegisterSaveLock::CRegisterSaveLock(const std::filesystem::path& file, bool bWait) {
+    const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
+    m_nFd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    m_bHeld = m_nFd >= 0 && flock(m_nFd, LOCK_EX | (bWait ? 0 : LOCK_NB)) == 0;
+}
+
+CRegisterSaveLock::~CRegisterSaveLock() {
+    if (m_nFd >= 0) close(m_nFd);
+}
+
+std::string RecoverInterruptedSave(const std::filesystem::path& whiteFile, const CRegisterSaveLock& lock) {
+    if (!lock.Held()) return "";
     if (std::filesystem::exists(CommitFilePath(whiteFile))) {
         ApplyCommit(whiteFile);
         return "Completed the interrupted save of " + whiteFile.string();
@@ -111,6 +136,20 @@ std::string RecoverInterruptedSave(const std::filesystem::path& whiteFile) {
     if (!bLeftovers) return "";
     RemoveSavingFiles(whiteFile);
     return "Removed the unfinished files of an interrupted save of " + whiteFile.string();
+}
+
+std::vector<std::string> RecoverInterruptedSaves(const std::filesystem::path& folder) {
+    const CRegisterSaveLock lock(folder / kRegisterFileExtension, false);
+    if (!lock.Held()) return {};
+    std::set<std::filesystem::path> whiteFiles;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error))
+        if (std::filesystem::path white = WhiteFileOfLeftover(entry.path()); !white.empty())
+            whiteFiles.insert(white);
+    std::vector<std::string> lines;
+    for (const std::filesystem::path& white : whiteFiles)
+        lines.push_back(RecoverInterruptedSave(white, lock));
+    return lines;
 }
 
 }  // namespace moremate

@@ -11,6 +11,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace moremate {
 
@@ -22,10 +23,32 @@ std::filesystem::path CommitFilePath(const std::filesystem::path& whiteFile);
 // ChessException when a file cannot be renamed; the commit file then stays for the next try.
 void CommitRegisterPair(const std::filesystem::path& whiteFile, bool bWithBlack);
 
+// The lock of the register saves in a folder: a save holds it from start to end, and the system
+// drops it when the process dies. Leftovers are cleared only under it, so that the files of a save
+// under way in another process or thread are never taken for those of a killed one.
+class CRegisterSaveLock {
+  public:
+    // The lock of the folder of `file`: waited for when `bWait`, else tried once.
+    CRegisterSaveLock(const std::filesystem::path& file, bool bWait);
+    ~CRegisterSaveLock();
+    CRegisterSaveLock(const CRegisterSaveLock&) = delete;
+    CRegisterSaveLock& operator=(const CRegisterSaveLock&) = delete;
+
+    bool Held() const { return m_bHeld; }
+
+  private:
+    int m_nFd = -1;
+    bool m_bHeld = false;
+};
+
 // Finishes a save that was killed after its commit, or removes the ".saving" files of one killed
-// before it. Returns what it did for the user ("" when nothing was left). Throws ChessException
-// when it cannot.
-std::string RecoverInterruptedSave(const std::filesystem::path& whiteFile);
+// before it; does nothing without the lock. Returns what it did for the user ("" when nothing).
+// Throws ChessException when it cannot.
+std::string RecoverInterruptedSave(const std::filesystem::path& whiteFile, const CRegisterSaveLock& lock);
+
+// RecoverInterruptedSave for every register in `folder` that a killed save left files of, when no
+// save is under way there; one line per register, in the order of their names.
+std::vector<std::string> RecoverInterruptedSaves(const std::filesystem::path& folder);
 
 // Removes the ".saving" files of a save that failed.
 void RemoveSavingFiles(const std::filesystem::path& whiteFile);

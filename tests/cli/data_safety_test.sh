@@ -110,6 +110,9 @@ absent "no leftovers after the load" r.tmpReg.saving r.black.tmpReg.saving
 kill_at register-renames "${solve[@]}" --save-register r.tmpReg
 check "killed between the renames: the next load completes the new pair" 0 'Completed the interrupted save of r\.tmpReg' -- register stats r.tmpReg
 absent "no leftovers after completing" r.tmpReg.saving r.black.tmpReg.saving r.tmpReg.commit
+mkdir -p home/SavedTmpRegisterData && printf 'half' >home/SavedTmpRegisterData/5.black.tmpReg.saving
+check "the next start clears what a killed save left" 0 'Removed the unfinished files of an interrupted save of .*/SavedTmpRegisterData/5\.tmpReg$' -- fen "4k3/8/8/8/8/8/8/4K3"
+absent "no leftovers after the start" home/SavedTmpRegisterData/5.black.tmpReg.saving
 "$mm" register save small.cp --problem 2 --pin --threads 1 >/dev/null 2>&1
 cp small.cp pinned.old
 kill_at collection register unpin small.cp --problem 2

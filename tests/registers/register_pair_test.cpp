@@ -127,6 +127,33 @@ TEST_F(RegisterPair, LeftoversOfASaveBeforeItsCommitAreRemoved) {
     ExpectNoLeftovers();
 }
 
+TEST_F(RegisterPair, TheFilesOfASaveUnderWayAreLeftAlone) {
+    SaveOld("r.tmpReg");
+    folder.Write("r.tmpReg.saving", "being written");
+    {
+        const CRegisterSaveLock saving(folder.File("r.tmpReg"), true);  // as a save in another thread
+        const TRegisterLoadResult result = Load("r.tmpReg");
+        EXPECT_TRUE(result.bComplete);
+        EXPECT_EQ(result.sNote, "");
+        EXPECT_TRUE(RecoverInterruptedSaves(folder.Path()).empty());
+        EXPECT_TRUE(Exists("r.tmpReg.saving"));
+    }
+    folder.Write("s.black.tmpReg.saving", "");
+    folder.Write("t.tmpReg.commit.saving", "");
+    folder.Write("notes.saving", "");  // not of a register
+    const std::vector<std::string> lines = RecoverInterruptedSaves(folder.Path());
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0],
+              "Removed the unfinished files of an interrupted save of " + folder.File("r.tmpReg").string());
+    EXPECT_EQ(lines[1],
+              "Removed the unfinished files of an interrupted save of " + folder.File("s.tmpReg").string());
+    EXPECT_EQ(lines[2],
+              "Removed the unfinished files of an interrupted save of " + folder.File("t.tmpReg").string());
+    ExpectNoLeftovers();
+    EXPECT_FALSE(Exists("s.black.tmpReg.saving") || Exists("t.tmpReg.commit.saving"));
+    EXPECT_TRUE(Exists("notes.saving"));
+}
+
 TEST_F(RegisterPair, ACommittedSaveIsCompletedByTheNextLoad) {
     SaveOld("r.tmpReg");
     SaveNew("s.tmpReg");
