@@ -1,11 +1,14 @@
 // moremate: the command-line front end of the solver.
 #include <fmt/core.h>
 #include <CLI/CLI.hpp>
+#include <csignal>
+#include <exception>
 #include <map>
 
 #include "commands.h"
 #include "core/chess_exception.h"
 #include "precalc/global/global_registers.h"
+#include "register_loading.h"
 #include "settings/program_folder.h"
 
 #ifndef MOREMATE_VERSION
@@ -15,11 +18,14 @@
 int main(int argc, char** argv) {
     using namespace moremate;
     using namespace moremate::cli;
+    // Past a file-size limit a write then fails with EFBIG and is reported, the old file kept.
+    std::signal(SIGXFSZ, SIG_IGN);
     CLI::App app{"moremate: solver of orthodox chess directmate problems (#n), long moremovers included"};
     app.set_version_flag("--version", std::string("moremate ") + MOREMATE_VERSION);
     app.require_subcommand(1);
     CStderrReporter reporter;
     TProgramContext context{ReadOptions(OptionsFilePath(), reporter), reporter};
+    ReportInterruptedSaves();  // of registers, by a process killed while saving
     TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(context.options), &reporter);
     std::map<std::string, Runner> runners;
     runners["perft"] = AddPerftCommand(app);
@@ -50,6 +56,9 @@ int main(int argc, char** argv) {
         for (const CLI::App* sub : app.get_subcommands()) return runners.at(sub->get_name())();
     } catch (const ChessException& e) {
         fmt::print(stderr, "{}\n", e.what());
+    } catch (const std::exception& e) {  // a failure no command foresaw
+        fmt::print(stderr, "Error: {}\n", e.what());
+        return kExitMismatch;
     }
     return kExitBadInput;
 }

@@ -10,7 +10,7 @@ namespace moremate::cli {
 
 void ReadCommandLinePosition(const std::string& fen, TChessboard& board) {
     TFenWarnings warnings;
-    if (!ReadFen(fen, board, &warnings)) throw ChessException("Improper FEN code");
+    if (!ReadFen(fen, board, &warnings)) throw ChessException(ImproperFenMessage(fen));
     if (warnings.castling || warnings.enPassant)
         fmt::print(stderr,
                    "Note: Program does not consider additional information about castling or en passant "

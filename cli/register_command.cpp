@@ -7,7 +7,9 @@
 #include "engine/passes/run_register.h"
 #include "problem_arg.h"
 #include "problems/annotations/register_reference.h"
+#include "problems/annotations/register_reference_text.h"
 #include "problems/format/collection_files.h"
+#include "problems/format/text_file.h"
 #include "problems/solving/problem_solving.h"
 #include "problems/solving/solve_report.h"
 #include "register_loading.h"
@@ -64,6 +66,12 @@ int RunDump(const RegisterArgs& args, TProgramContext& context) {
     return kExitOk;
 }
 
+// Edits the record's "//@tmpreg=" line in the collection, the rest of the file left as it is.
+void SetRegisterReference(const RegisterArgs& args, std::optional<uint32_t> number) {
+    WriteFileWithBackup(args.collection,
+                        WithRegisterReference(ReadTextFile(args.collection), args.problem, number));
+}
+
 // Solves the problem (its referenced register loaded first, as for any solve) and saves the run's
 // register: pinned, to the next free number, which the record then refers to ("//@tmpreg="); else
 // to the given file or the file named after the problem.
@@ -72,19 +80,19 @@ int RunSave(const RegisterArgs& args, TProgramContext& context) {
     ProblemEntry& entry = FindProblem(entries, args.problem);
     TSolveSettings settings = args.solve;
     ApplyThreadDefaults(settings, context.options);
-    std::unique_ptr<CRunRegister> runRegister;
-    const TProblemReport report = SolveProblem(entry, settings, context.options, runRegister, nullptr);
-    fmt::print("{}", ReportText(report));
     const uint32_t number = args.pin ? NextFreeRegisterNumber() : 0;
     const std::filesystem::path file = args.pin ? ReferencedRegisterFile(number)
                                        : !args.file.empty()
                                            ? std::filesystem::path(args.file)
                                            : ProblemRegisterFile(args.collection, args.problem);
+    PrepareRegisterSavePath(file);  // before the solving, which may take long
+    std::unique_ptr<CRunRegister> runRegister;
+    const TProblemReport report = SolveProblem(entry, settings, context.options, runRegister, nullptr);
+    fmt::print("{}", ReportText(report));
     SaveRunRegister(file, *runRegister);
     fmt::print("Register saved: {}\n", file.string());
     if (args.pin) {
-        SetTmpRegNumber(entry, number);
-        WriteCollectionFile(args.collection, entries);
+        SetRegisterReference(args, number);
         fmt::print("Problem {} refers to it: //@tmpreg={}\n", args.problem, number);
     }
     return kExitOk;
@@ -111,8 +119,7 @@ int RunUnpin(const RegisterArgs& args, TProgramContext& context) {
         fmt::print("Problem {} refers to no register\n", args.problem);
         return kExitOk;
     }
-    entry.m_annotations.sTmpReg.reset();
-    WriteCollectionFile(args.collection, entries);
+    SetRegisterReference(args, std::nullopt);
     fmt::print("Problem {} no longer refers to a register\n", args.problem);
     return kExitOk;
 }

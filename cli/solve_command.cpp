@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <set>
 
 #include "commands.h"
@@ -34,7 +35,8 @@ struct SolveArgs {
     std::string heuristics;
     bool json = false;
     bool registerStats = false;
-    std::string saveRegister, loadRegister;
+    std::optional<std::string> saveRegister;
+    std::string loadRegister;
 };
 
 void PrintRegisterStatistics(CRunRegister& runRegister) {
@@ -64,6 +66,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
         args.settings.heuristics = args.heuristics;
     }
     ApplyPredefinedAdditionalHeuristics({}, args.settings.additionalHeuristics);  // the same for the tokens
+    if (args.saveRegister) PrepareRegisterSavePath(*args.saveRegister);           // before hours of solving
     std::vector<ProblemEntry> entries;
     std::string readError;
     try {
@@ -104,7 +107,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
             .count();
     fmt::print(args.json ? stderr : stdout, "{}", SummaryText(summary));
     if (args.registerStats && runRegister) PrintRegisterStatistics(*runRegister);
-    if (!args.saveRegister.empty() && runRegister) SaveRunRegister(args.saveRegister, *runRegister);
+    if (args.saveRegister && runRegister) SaveRunRegister(*args.saveRegister, *runRegister);
     if (!readError.empty()) return kExitBadInput;
     return allMatched && !control.StoppedByUser() ? kExitOk : kExitMismatch;
 }

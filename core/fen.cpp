@@ -18,26 +18,40 @@ std::vector<std::string> Fields(const std::string& text) {
     return fields;
 }
 
-// Reads the placement into `squares`; false when it is not eight ranks of eight squares.
-bool ReadPlacement(const std::string& placement, uint8_t* squares) {
+std::string RankName(int rank) {
+    return "rank " + std::to_string(rank + 1);
+}
+
+// Reads the placement into `squares`; the fault when it is not eight ranks of eight squares.
+std::string ReadPlacement(const std::string& placement, uint8_t* squares) {
     int rank = 7, file = 0;
     for (char c : placement) {
         if (c == '/') {
-            if (file != 8 || rank == 0) return false;
+            if (file != 8) return RankName(rank) + " has " + std::to_string(file) + " squares, 8 expected";
+            if (rank == 0) return "more than 8 ranks";
             --rank;
             file = 0;
         } else if (c >= '1' && c <= '8') {
             file += c - '0';
-            if (file > 8) return false;
+            if (file > 8) return RankName(rank) + " has more than 8 squares";
         } else if (std::isalpha(static_cast<unsigned char>(c))) {
-            if (file >= 8) return false;
+            if (file >= 8) return RankName(rank) + " has more than 8 squares";
             const uint8_t colour = std::isupper(static_cast<unsigned char>(c)) ? kWhite : kBlack;
             squares[MakeSquare(file++, rank)] = MakePiece(colour, TypeFromLetter(c, false));
         } else {
-            return false;
+            return std::string("unexpected character '") + c + "'";
         }
     }
-    return rank == 0 && file == 8;
+    if (rank != 0) return std::to_string(8 - rank) + " ranks, 8 expected";
+    if (file != 8) return RankName(rank) + " has " + std::to_string(file) + " squares, 8 expected";
+    return "";
+}
+
+// Why the text is not a FEN placement at all; "" when it is one.
+std::string PlacementFault(const std::string& text, uint8_t* squares) {
+    if (text.find('{') != std::string::npos) return "unexpected '{'";
+    if (text.find('/') == std::string::npos) return "no '/' between ranks";
+    return ReadPlacement(text.substr(0, text.find(' ')), squares);
 }
 
 uint8_t FenCastlingFlags(const std::string& text) {
@@ -57,10 +71,8 @@ uint8_t FenCastlingFlags(const std::string& text) {
 }  // namespace
 
 bool ReadFen(const std::string& text, TChessboard& board, TFenWarnings* warnings) {
-    if (text.find('{') != std::string::npos || text.find('/') == std::string::npos) return false;
-    const std::string placement = text.substr(0, text.find(' '));
     uint8_t squares[64] = {};
-    if (!ReadPlacement(placement, squares)) return false;
+    if (!PlacementFault(text, squares).empty()) return false;
     for (int i = 0; i < 64; ++i) board.squares[i] = squares[i];
     board.previous = nullptr;
     board.lastMove = TMove{};
@@ -73,6 +85,13 @@ bool ReadFen(const std::string& text, TChessboard& board, TFenWarnings* warnings
         warnings->enPassant = fields.size() > 3 && fields[3][0] != '-';
     }
     return true;
+}
+
+std::string ImproperFenMessage(const std::string& text) {
+    uint8_t squares[64] = {};
+    const std::string sFault = PlacementFault(text, squares);
+    return sFault.empty() ? "Improper FEN code"
+                          : "Improper FEN code: piece placement (first field): " + sFault;
 }
 
 bool FenWhiteToMove(const std::string& text) {

@@ -19,6 +19,9 @@ struct TFenWarnings {
 // counts are left as they are: the side to move follows from the stipulation.
 bool ReadFen(const std::string& text, TChessboard& board, TFenWarnings* warnings = nullptr);
 
+// "Improper FEN code" for a text ReadFen refuses, followed by which field is wrong and why.
+std::string ImproperFenMessage(const std::string& text);
+
 // The side-to-move field of a FEN, for tools that honour it: true for White (also when absent).
 bool FenWhiteToMove(const std::string& text);
 

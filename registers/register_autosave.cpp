@@ -36,12 +36,17 @@ bool CRegisterAutoSave::SaveIfDue() {
     if (!m_pWhite || !m_settings.bEnabled || m_settings.nMinutes <= 0 ||
         nNow - m_nLastSaveMs < m_settings.nMinutes * kMsPerMinute)
         return false;
-    std::filesystem::create_directories(m_settings.folder);
+    std::error_code error;
+    std::filesystem::create_directories(m_settings.folder, error);
+    if (error)
+        throw ChessException("Cannot create the folder " + m_settings.folder.string() + " (" +
+                             error.message() + ")");
     TRegisterSaveOptions options;
     options.form = TRegisterFileForm::Lz4Container;
     if (m_settings.nMegabytes > 0) options.nByteLimit = static_cast<uint64_t>(m_settings.nMegabytes) << 20;
     SaveRegisterFile(FilePath(), *m_pWhite, m_pBlack, options);
-    WriteAutoSaveDescriptor(FilePath().string() + ".ini", m_descriptor);
+    if (!WriteAutoSaveDescriptor(FilePath().string() + ".ini", m_descriptor))
+        throw ChessException("Cannot write " + FilePath().string() + ".ini");
     m_nLastSaveMs = nNow;
     return true;
 }

@@ -12,8 +12,11 @@
 // live register bucket by bucket, each under its lock: consistent per bucket, not as a whole.
 //
 // A solving run keeps positions with White to move and those with Black to move in two
-// registers. The White register is the file itself, compatible with single-register files; the
-// Black register goes to a companion file beside it (BlackToMoveFilePath), read back when present.
+// registers. The White register is the file itself; the Black register goes to a companion file
+// beside it (BlackToMoveFilePath). Each file begins with a header (register_file_header.h) that
+// names its side, ties the two files of a save together and guards the data by a checksum; the
+// pair is put in place as one (register_pair_commit.h). Files of the older form, without the
+// header, are still read.
 #pragma once
 
 #include <cstdint>
@@ -70,7 +73,9 @@ struct TRegisterLoadResult {
     bool bRead = false;      // the file was read, possibly with errors
     bool bComplete = false;  // every record was read
     TRegisterLoadReport report;
-    std::string sError;  // the failure's message when not read
+    std::string sError;          // the failure's message when not read
+    std::filesystem::path file;  // the Black-to-move file when the message is about it
+    std::string sNote;           // what the user should know besides: leftovers of a killed save
 };
 
 // Writes the marker of key 0 and the records of level n (see register_levels.h), then frees
@@ -84,11 +89,13 @@ bool SaveExact(CRegisterLevels& levels, CRegisterStream& out, uint64_t nByteLimi
 TRegisterSaveResult SaveLevels(const TAggregatedTemporaryChessboardRegister& reg, CRegisterStream& out,
                                uint64_t nByteLimit);
 
-// Writes the file under a temporary name and renames it. Throws ChessException on failure.
+// Writes the file under a temporary name and renames it; a Black-to-move file beside it is
+// removed. Throws ChessException on failure, leaving the old file as it was.
 TRegisterSaveResult SaveRegisterFile(const std::filesystem::path& path,
                                      const TAggregatedTemporaryChessboardRegister& reg,
                                      const TRegisterSaveOptions& options);
-// The White register to `path`, the Black one, when given, to its companion file.
+// The White register to `path`, the Black one, when given, to its companion file, the two put in
+// place as one.
 TRegisterSaveResult SaveRegisterFile(const std::filesystem::path& path,
                                      const TAggregatedTemporaryChessboardRegister& white,
                                      const TAggregatedTemporaryChessboardRegister* pBlack,
@@ -99,19 +106,20 @@ std::filesystem::path BlackToMoveFilePath(const std::filesystem::path& path);
 // "<program folder>/SavedTmpRegisterData/<name>.tmpReg".
 std::filesystem::path SavedRegisterFilePath(const std::string& sName);
 
-// Sets the bucket count and reads the open file of `nFileSize` bytes into the register; true
+// Sets the bucket count and reads the open file's `nFileSize` bytes from where it stands; true
 // when every record was read. Throws ChessException with the failure's message; what was stored
 // before a failure stays.
 bool Load(std::FILE* pFile, TAggregatedTemporaryChessboardRegister& reg, size_t nBuckets, uint64_t nFileSize,
           const TRegisterLoadOptions& options, TRegisterLoadReport& report);
 
 // Opens and loads the file, catching the failure into the result ("Error reading file" when it
-// cannot be opened).
+// cannot be opened). A file with a header is checked first, whole: its side, size and checksum.
 TRegisterLoadResult LoadRegisterFile(const std::filesystem::path& path,
                                      TAggregatedTemporaryChessboardRegister& reg, size_t nBuckets,
                                      const TRegisterLoadOptions& options);
 // The White file into `white`; the companion file, when present, into `*pBlack`. The counts are
-// those of both; an error of either makes the result's.
+// those of both; an error of either makes the result's. Finishes or clears an interrupted save
+// first, and refuses a pair whose files come from different saves or whose Black file is missing.
 TRegisterLoadResult LoadRegisterFile(const std::filesystem::path& path,
                                      TAggregatedTemporaryChessboardRegister& white,
                                      TAggregatedTemporaryChessboardRegister* pBlack, size_t nBuckets,

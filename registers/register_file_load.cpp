@@ -156,6 +156,7 @@ void WriteScratchCopy(const std::filesystem::path& path, const std::vector<uint8
 bool Load(std::FILE* pFile, TAggregatedTemporaryChessboardRegister& reg, size_t nBuckets, uint64_t nFileSize,
           const TRegisterLoadOptions& options, TRegisterLoadReport& report) {
     reg.SetBucketCount(nBuckets);
+    const long nStart = std::ftell(pFile);
     uint8_t magic[kPackedMagicSize];
     if (std::fread(magic, 1, sizeof magic, pFile) != sizeof magic) throw ChessException(kEmptyFile);
     CRecordStore store(reg, options, report);
@@ -165,7 +166,7 @@ bool Load(std::FILE* pFile, TAggregatedTemporaryChessboardRegister& reg, size_t 
         CMemorySource source(data);
         return ReadRecords(source, store);
     }
-    std::rewind(pFile);
+    if (std::fseek(pFile, nStart, SEEK_SET) != 0) throw ChessException(kRecordReadError);
     CFileSource source(pFile);
     return ReadRecords(source, store);
 }

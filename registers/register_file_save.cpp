@@ -1,12 +1,22 @@
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
 #include <fstream>
+#include <functional>
+#include <random>
 #include <thread>
 
 #include "core/chess_exception.h"
 #include "register_file.h"
+#include "register_file_header.h"
 #include "register_levels.h"
 #include "register_packing.h"
+#include "register_pair_commit.h"
 #include "register_stream.h"
+#include "settings/kill_test_pause.h"
 #include "settings/program_folder.h"
 
 namespace moremate {
@@ -44,32 +54,76 @@ std::vector<uint8_t> Pack(const std::filesystem::path& path, const std::vector<u
     return std::move(*container);
 }
 
-// Runs `write(file)` on a temporary file and renames it to `path` when it succeeded.
-template <class FWrite>
-void WriteFileAtomically(const std::filesystem::path& path, FWrite&& write) {
-    const std::filesystem::path temporary = path.string() + ".saving";
-    try {
-        CFileHandle file(std::fopen(temporary.c_str(), "wb"), &std::fclose);
-        if (!file) throw ChessException(kRecordWriteError);
-        std::setvbuf(file.get(), nullptr, _IONBF, 0);
-        write(file.get());
-        if (std::fclose(file.release()) != 0) throw ChessException(kRecordWriteError);
-        std::filesystem::rename(temporary, path);
-    } catch (...) {
-        std::error_code error;
-        std::filesystem::remove(temporary, error);
-        throw;
+uint64_t NewPairId() {
+    std::random_device device;
+    const uint64_t nRandom = (static_cast<uint64_t>(device()) << 32) ^ device();
+    return nRandom ^ static_cast<uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+}
+
+void WriteHeader(std::FILE* pFile, const std::filesystem::path& path, const TRegisterFileHeader& header) {
+    const auto bytes = EncodeRegisterHeader(header);
+    if (std::fseek(pFile, 0, SEEK_SET) != 0 ||
+        std::fwrite(bytes.data(), 1, bytes.size(), pFile) != bytes.size())
+        throw ChessException(FileErrorText(kRecordWriteError, path.string()));
+}
+
+// Writes the header and the data, closes the file and makes it durable.
+void WriteRegisterFile(const std::filesystem::path& path, TRegisterFileHeader header,
+                       const std::function<void(CRegisterStream&)>& writeData) {
+    CFileHandle file(std::fopen(path.c_str(), "wb"), &std::fclose);
+    if (!file) throw ChessException(FileErrorText(kRecordWriteError, path.string()));
+    std::setvbuf(file.get(), nullptr, _IONBF, 0);
+    WriteHeader(file.get(), path, header);  // a stand-in until the data are known
+    CRegisterStream out(file.get(), path.string());
+    writeData(out);
+    out.Flush(kRecordWriteError);
+    header.nDataBytes = out.FileBytes();
+    header.nDataCrc = out.FileCrc();
+    header.nRecords = out.Records();
+    WriteHeader(file.get(), path, header);
+    if (fsync(fileno(file.get())) != 0 || std::fclose(file.release()) != 0)
+        throw ChessException(FileErrorText(kRecordWriteError, path.string()));
+}
+
+// One file of a pair, under its ".saving" name.
+TRegisterSaveResult SaveOne(const std::filesystem::path& path,
+                            const TAggregatedTemporaryChessboardRegister& reg,
+                            const TRegisterSaveOptions& options, const TRegisterFileHeader& header) {
+    TRegisterSaveResult result;
+    if (options.form == TRegisterFileForm::Plain) {
+        WriteRegisterFile(SavingPath(path), header,
+                          [&](CRegisterStream& out) { result = SaveLevels(reg, out, options.nByteLimit); });
+        return result;
     }
+    CRegisterStream memory;
+    result = SaveLevels(reg, memory, options.nByteLimit);
+    const std::vector<uint8_t> packed = Pack(path, memory.Bytes(), options);
+    memory.Bytes() = {};
+    WriteRegisterFile(SavingPath(path), header, [&](CRegisterStream& out) {
+        out.Write(packed.data(), packed.size(), kRecordWriteError);
+        out.CountRecords(memory.Records());
+    });
+    return result;
 }
 
 }  // namespace
+
+std::string FileErrorText(const char* sMessage, const std::string& sFileName) {
+    return std::string(sMessage) + ": " + sFileName + " (" + std::strerror(errno) + ")";
+}
+
+void CRegisterStream::WriteToFile(const uint8_t* p, size_t size, const char* sError) {
+    if (std::fwrite(p, 1, size, m_pFile) != size) throw ChessException(FileErrorText(sError, m_sFileName));
+    m_nFileBytes += size;
+    m_nFileCrc = UpdateCrc32(m_nFileCrc, p, size);
+}
 
 void CRegisterStream::Write(const void* pData, size_t size, const char* sError) {
     const uint8_t* p = static_cast<const uint8_t*>(pData);
     if (m_pFile && m_bytes.size() + size > kFileBufferSize) {
         Flush(sError);
         if (size >= kFileBufferSize) {
-            if (std::fwrite(p, 1, size, m_pFile) != size) throw ChessException(sError);
+            WriteToFile(p, size, sError);
             return;
         }
     }
@@ -78,8 +132,7 @@ void CRegisterStream::Write(const void* pData, size_t size, const char* sError) 
 
 void CRegisterStream::Flush(const char* sError) {
     if (!m_pFile || m_bytes.empty()) return;
-    if (std::fwrite(m_bytes.data(), 1, m_bytes.size(), m_pFile) != m_bytes.size())
-        throw ChessException(sError);
+    WriteToFile(m_bytes.data(), m_bytes.size(), sError);
     m_bytes.clear();
 }
 
@@ -93,7 +146,8 @@ bool SaveExact(CRegisterLevels& levels, CRegisterStream& out, uint64_t nByteLimi
     const std::vector<uint8_t>& records = levels.Records(n);
     // Up to the limit: a marker only with the record that follows it.
     size_t nFitting = 0;
-    while (nFitting < records.size()) {
+    uint64_t nRecords = 0;
+    for (; nFitting < records.size(); ++nRecords) {
         const size_t nUnit = IsGroupMarker(records.data() + nFitting)
                                  ? kRegisterMarkerSize + kRegisterRecordSize
                                  : kRegisterRecordSize;
@@ -102,6 +156,7 @@ bool SaveExact(CRegisterLevels& levels, CRegisterStream& out, uint64_t nByteLimi
         nFitting += nUnit;
     }
     out.Write(records.data(), nFitting, kRecordWriteError);
+    out.CountRecords(nRecords);
     const bool bWhole = nFitting == records.size();
     levels.Release(n);
     return bWhole;
@@ -123,39 +178,38 @@ TRegisterSaveResult SaveLevels(const TAggregatedTemporaryChessboardRegister& reg
 TRegisterSaveResult SaveRegisterFile(const std::filesystem::path& path,
                                      const TAggregatedTemporaryChessboardRegister& reg,
                                      const TRegisterSaveOptions& options) {
-    TRegisterSaveResult result;
-    if (options.form == TRegisterFileForm::Plain) {
-        WriteFileAtomically(path, [&](std::FILE* pFile) {
-            CRegisterStream out(pFile);
-            result = SaveLevels(reg, out, options.nByteLimit);
-            out.Flush(kRecordWriteError);
-        });
-        return result;
-    }
-    std::vector<uint8_t> packed;
-    {
-        CRegisterStream out;
-        result = SaveLevels(reg, out, options.nByteLimit);
-        packed = Pack(path, out.Bytes(), options);
-    }
-    WriteFileAtomically(path, [&](std::FILE* pFile) {
-        if (std::fwrite(packed.data(), 1, packed.size(), pFile) != packed.size())
-            throw ChessException(kRecordWriteError);
-    });
-    return result;
+    return SaveRegisterFile(path, reg, nullptr, options);
 }
 
 TRegisterSaveResult SaveRegisterFile(const std::filesystem::path& path,
                                      const TAggregatedTemporaryChessboardRegister& white,
                                      const TAggregatedTemporaryChessboardRegister* pBlack,
                                      const TRegisterSaveOptions& options) {
-    TRegisterSaveResult result = SaveRegisterFile(path, white, options);
-    if (pBlack) {
-        const TRegisterSaveResult black = SaveRegisterFile(BlackToMoveFilePath(path), *pBlack, options);
-        result.nStreamBytes += black.nStreamBytes;
-        result.bComplete = result.bComplete && black.bComplete;
+    for (const std::filesystem::path& file : {path, BlackToMoveFilePath(path)})
+        if (std::filesystem::is_directory(file))
+            throw ChessException(std::string(kRecordWriteError) + ": " + file.string() + " is a folder");
+    const CRegisterSaveLock lock(path, true);
+    RecoverInterruptedSave(path, lock);
+    TRegisterFileHeader header;
+    header.form = options.form;
+    header.bHasBlackFile = pBlack != nullptr;
+    header.nPairId = NewPairId();
+    try {
+        TRegisterSaveResult result = SaveOne(path, white, options, header);
+        if (pBlack) {
+            header.bBlackToMove = true;
+            header.bHasBlackFile = false;
+            const TRegisterSaveResult black = SaveOne(BlackToMoveFilePath(path), *pBlack, options, header);
+            result.nStreamBytes += black.nStreamBytes;
+            result.bComplete = result.bComplete && black.bComplete;
+        }
+        PauseForKillTest("register-pair");
+        CommitRegisterPair(path, pBlack != nullptr);
+        return result;
+    } catch (...) {
+        if (!std::filesystem::exists(CommitFilePath(path))) RemoveSavingFiles(path);
+        throw;
     }
-    return result;
 }
 
 std::filesystem::path BlackToMoveFilePath(const std::filesystem::path& path) {

@@ -42,7 +42,7 @@ std::optional<int> DirectmateMoves(const std::string& stipulation) {
 TForeignProblem ReadDiagramLayout(std::string_view text) {
     TForeignProblem problem;
     const std::string fen = ValueOrEmpty(text, kFenMarker, '}');
-    if (!ReadFen(fen, problem.board)) throw ChessException("Improper FEN code");
+    if (!ReadFen(fen, problem.board)) throw ChessException(ImproperFenMessage(fen));
     problem.nMoves = DirectmateMoves(ValueOrEmpty(text, "\\stip{", '}'));
     problem.sAuthor = ValueOrEmpty(text, "\\author{", '}');
     problem.sYear = ValueOrEmpty(text, "\\year{", '}');

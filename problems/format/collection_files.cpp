@@ -1,9 +1,13 @@
 #include "collection_files.h"
 
-#include <fstream>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
 
 #include "core/chess_exception.h"
 #include "record_writer.h"
+#include "settings/kill_test_pause.h"
 
 namespace moremate {
 
@@ -25,33 +29,68 @@ std::filesystem::path WithSuffix(const std::filesystem::path& file, const char* 
     return result;
 }
 
-void WriteNewFile(const std::filesystem::path& file, const std::string& text, const std::string& name) {
-    std::ofstream out(file, std::ios::binary | std::ios::trunc);
-    if (!out) throw ChessException("Error opening file: " + name);
-    out << text;
-    out.close();
-    if (!out) throw ChessException("Error writing file: " + name);
+[[noreturn]] void ThrowFileError(const char* sMessage, const std::string& name,
+                                 const std::error_code& error) {
+    throw ChessException(sMessage + name + " (" + error.message() + ")");
 }
 
-void MoveToBackup(const std::filesystem::path& file, const std::string& name) {
+// Writes the file whole and makes it durable; a file that could not be written is removed.
+void WriteNewFile(const std::filesystem::path& file, const std::string& text, const std::string& name) {
+    std::FILE* pFile = std::fopen(file.c_str(), "wb");
+    if (!pFile) ThrowFileError("Error opening file: ", name, std::error_code(errno, std::generic_category()));
+    bool bWritten = std::fwrite(text.data(), 1, text.size(), pFile) == text.size() &&
+                    std::fflush(pFile) == 0 && fsync(fileno(pFile)) == 0;
+    std::error_code error(bWritten ? 0 : errno, std::generic_category());
+    if (std::fclose(pFile) != 0 && bWritten) {
+        bWritten = false;
+        error.assign(errno, std::generic_category());
+    }
+    if (!bWritten) {
+        std::error_code ignored;
+        std::filesystem::remove(file, ignored);
+        ThrowFileError("Error writing file: ", name, error);
+    }
+}
+
+// The backup is a second name of the old file, put in place in one rename: the file itself is
+// never missing, and a backup is there from the first save on.
+void MakeBackup(const std::filesystem::path& file, const std::string& name) {
     const std::filesystem::path backup = WithSuffix(file, ".BAK");
+    const std::filesystem::path temporary = WithSuffix(backup, ".tmp");
     std::error_code error;
-    std::filesystem::remove(backup, error);
-    std::filesystem::rename(file, backup, error);
-    if (error) throw ChessException("Error writing file: " + name);
+    std::filesystem::remove(temporary, error);
+    std::filesystem::create_hard_link(file, temporary, error);
+    if (error) std::filesystem::copy_file(file, temporary, error);
+    if (!error) std::filesystem::rename(temporary, backup, error);
+    if (!error) return;
+    std::error_code ignored;
+    std::filesystem::remove(temporary, ignored);
+    ThrowFileError("Error writing file: ", name, error);
 }
 
 }  // namespace
 
 void WriteFileWithBackup(const std::filesystem::path& file, const std::string& text) {
     const std::string name = file.string();
-    if (std::filesystem::is_directory(file)) throw ChessException("Error opening file: " + name);
+    if (std::filesystem::is_directory(file))
+        throw ChessException("Error opening file: " + name + " (a folder)");
     const std::filesystem::path temporary = WithSuffix(file, ".tmp");
     WriteNewFile(temporary, text, name);
-    if (std::filesystem::is_regular_file(file)) MoveToBackup(file, name);
     std::error_code error;
+    if (std::filesystem::is_regular_file(file)) {
+        try {
+            MakeBackup(file, name);
+        } catch (const ChessException&) {
+            std::filesystem::remove(temporary, error);
+            throw;
+        }
+    }
+    PauseForKillTest("collection");
     std::filesystem::rename(temporary, file, error);
-    if (error) throw ChessException("Error writing file: " + name);
+    if (!error) return;
+    std::error_code ignored;
+    std::filesystem::remove(temporary, ignored);
+    ThrowFileError("Error writing file: ", name, error);
 }
 
 void WriteCollectionFile(const std::filesystem::path& file, const std::vector<ProblemEntry>& entries) {

@@ -13,9 +13,11 @@ namespace moremate {
 // The text of a new collection: one problem, #2 with the two kings.
 extern const char* const kNewCollectionText;
 
-// Writes `text` to `file` through a temporary file. An existing file (not a folder) is first
-// moved to the same name with ".BAK" appended, after an older backup of that name is deleted.
-// Throws ChessException "Error opening file: " with the file name when it cannot be written.
+// Writes `text` to `file` through a temporary file. An existing file (not a folder) is kept as
+// the backup, the same name with ".BAK" appended, replacing an older backup. At every moment the
+// file holds the old text or the new one. Throws ChessException "Error opening file: " or "Error
+// writing file: " with the file name and the reason when it cannot be written; the old file and
+// its backup then stay, and no temporary file is left.
 void WriteFileWithBackup(const std::filesystem::path& file, const std::string& text);
 
 // Saves the collection in its canonical text.

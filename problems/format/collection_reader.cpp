@@ -1,19 +1,11 @@
 #include "collection_reader.h"
+#include "text_file.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 
 namespace moremate {
 namespace {
-
-// Skips a byte order mark and the "UTF-8" that begins a collection, when they are there.
-void SkipEncodingMark(CProblemLexer& lexer, std::string_view text) {
-    if (text.starts_with("\xEF\xBB\xBF")) lexer.Rewind(3);
-    const size_t start = lexer.Position();
-    if (ToUpper(lexer.Next(false)) == "UTF" && lexer.Next(false) == "-" && lexer.Next(false) == "8") return;
-    lexer.Rewind(start);
-}
 
 void AddEntry(ProblemEntry&& entry, std::vector<ProblemEntry>& entries, const TCollectionReading& reading) {
     const auto same = std::ranges::find(entries, entry.m_nNumber, &ProblemEntry::m_nNumber);
@@ -29,6 +21,13 @@ void AddEntry(ProblemEntry&& entry, std::vector<ProblemEntry>& entries, const TC
 }
 
 }  // namespace
+
+void SkipEncodingMark(CProblemLexer& lexer, std::string_view text) {
+    if (text.starts_with("\xEF\xBB\xBF")) lexer.Rewind(3);
+    const size_t start = lexer.Position();
+    if (ToUpper(lexer.Next(false)) == "UTF" && lexer.Next(false) == "-" && lexer.Next(false) == "8") return;
+    lexer.Rewind(start);
+}
 
 void ReadCollectionText(std::string_view text, std::vector<ProblemEntry>& entries,
                         const TCollectionReading& reading) {
@@ -53,9 +52,7 @@ void ReadCollectionText(std::string_view text, std::vector<ProblemEntry>& entrie
 
 void ReadCollectionFile(const std::filesystem::path& file, std::vector<ProblemEntry>& entries, bool append,
                         const TCollectionReading& reading) {
-    std::ifstream in(file, std::ios::binary);
-    if (!in) throw ChessException("Error opening file: " + file.string());
-    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::string text = ReadTextFile(file);
     if (!append) entries.clear();
     ReadCollectionText(text, entries, reading);
 }

@@ -38,6 +38,9 @@ class CCollectionReadError : public ChessException {
     int m_nLine;
 };
 
+// Skips a byte order mark and the "UTF-8" that begin a collection, when they are there.
+void SkipEncodingMark(CProblemLexer& lexer, std::string_view text);
+
 // Adds every record of `text` to `entries`. A leading "UTF-8" marks the encoding. On a syntax
 // fault it throws CCollectionReadError; the records read before it stay in `entries`.
 void ReadCollectionText(std::string_view text, std::vector<ProblemEntry>& entries,

@@ -84,7 +84,7 @@ std::string ReadPosition(const std::string& keyword, CProblemLexer& lexer, TChes
     }
     RequireColon(lexer, "Colon ':' expected after FEN identifier.");
     const std::string fen = WithoutLeadingBlanks(lexer.RestOfLine());
-    if (!ReadFen(fen, board)) throw ChessException("Improper FEN code");
+    if (!ReadFen(fen, board)) throw ChessException(ImproperFenMessage(fen));
     return fen;
 }
 

@@ -4,10 +4,10 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <fstream>
 
 #include "problems/format/collection_reader.h"
 #include "problems/format/problem_lexer.h"
+#include "problems/format/text_file.h"
 
 namespace moremate {
 namespace {
@@ -167,9 +167,7 @@ TScriptResult RunScriptText(std::string_view text, TScriptEnvironment& environme
 }
 
 TScriptResult RunScriptFile(const std::filesystem::path& file, TScriptEnvironment& environment) {
-    std::ifstream in(file, std::ios::binary);
-    if (!in) throw ChessException("Error opening file: " + file.string());
-    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    const std::string text = ReadTextFile(file);
     environment.baseFolder = file.parent_path();
     return RunScriptText(text, environment);
 }

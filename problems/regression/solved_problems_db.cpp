@@ -97,7 +97,11 @@ std::filesystem::path SolvedProblemsFile(const std::filesystem::path& folder,
 }
 
 void StoreSolvedProblems(const std::filesystem::path& file, const std::vector<TSolvedProblemRow>& rows) {
-    if (file.has_parent_path()) std::filesystem::create_directories(file.parent_path());
+    std::error_code error;
+    if (file.has_parent_path()) std::filesystem::create_directories(file.parent_path(), error);
+    if (error)
+        throw ChessException("Cannot create the folder " + file.parent_path().string() + " (" +
+                             error.message() + ")");
     const CDatabase db = Open(file, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
     Execute(db.get(), kSchema, file);
     Execute(db.get(), "BEGIN", file);

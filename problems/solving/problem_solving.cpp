@@ -22,6 +22,7 @@
 #include "problem_heuristics.h"
 #include "problems/annotations/register_reference.h"
 #include "problems/format/problem_moves.h"
+#include "settings/program_folder.h"
 #include "solution_details.h"
 #include "solving_task.h"
 
@@ -169,9 +170,10 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
         request.output = [](const std::string& line) { fmt::print(stderr, "{}\n", line); };
     std::optional<CSearchLog> moveLog;
     if (options.m_bLogMoves) {
-        moveLog.emplace(".", entry.m_nNumber, 0);
+        const std::string folder = ProgramFolder().string();  // beside options.ini, as the other logs
+        moveLog.emplace(folder, entry.m_nNumber, 0);
         request.environment.log = &*moveLog;
-        request.environment.logFolder.assign(1, '.');  // the working folder
+        request.environment.logFolder = folder;
     }
     const TPassState firstState = request.state;
     const TSolutionCount solutions = request.solutions;

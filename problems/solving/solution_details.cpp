@@ -3,11 +3,11 @@
 #include <fmt/core.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "core/chess_exception.h"
 #include "core/notation.h"
 #include "settings/program_folder.h"
+#include "settings/replace_file.h"
 
 namespace moremate {
 namespace {
@@ -81,13 +81,8 @@ void WriteSolutionDetails(const ProblemEntry& entry, const TChessboard& root, co
                           TSolutionCount solutions, const TRunThreads& threads,
                           const TPassRunResult& result) {
     const std::filesystem::path file = ProgramFolder() / "SolutionDetails.log";
-    const std::filesystem::path temporary = file.string() + ".tmp";
-    {
-        std::ofstream out(temporary, std::ios::binary);
-        out << SolutionDetailsText(entry, root, firstPass, solutions, threads, result);
-        if (!out) throw ChessException("Error writing file: " + file.string());
-    }
-    std::filesystem::rename(temporary, file);
+    if (!ReplaceFile(file, SolutionDetailsText(entry, root, firstPass, solutions, threads, result)))
+        throw ChessException("Error writing file: " + file.string());
 }
 
 }  // namespace moremate

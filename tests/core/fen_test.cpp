@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/chess_exception.h"
@@ -49,6 +50,23 @@ TEST(ReadFen, AcceptsPlacementsOfEightRanksOfEightSquares) {
     const TChessboard before = board;
     EXPECT_FALSE(ReadFen("rnbqkbnr/ppppppppp/8/8/8/8/PPPPPPPP/RNBQKBNR", board));
     EXPECT_EQ(0, std::memcmp(board.squares, before.squares, 64));
+}
+
+TEST(ReadFen, ImproperFenMessageSaysWhatIsWrong) {
+    const std::string kStart = "Improper FEN code: piece placement (first field): ";
+    const std::pair<const char*, std::string> cases[] = {
+        {"hello", kStart + "no '/' between ranks"},
+        {"4k3/8/8 w - - 0 1 {x}", kStart + "unexpected '{'"},
+        {"4k3/8/8/8/8/8/8/4K3/8", kStart + "more than 8 ranks"},
+        {"4k3/8/8", kStart + "3 ranks, 8 expected"},
+        {"4k3/7/8/8/8/8/8/4K3", kStart + "rank 7 has 7 squares, 8 expected"},
+        {"4k3/8/8/8/8/8/8/4K2", kStart + "rank 1 has 7 squares, 8 expected"},
+        {"4k3/54/8/8/8/8/8/4K3", kStart + "rank 7 has more than 8 squares"},
+        {"4k3/8/8/8/8/8/8/4K2R1", kStart + "rank 1 has more than 8 squares"},
+        {"4k3/8/8/8/8/8/8/4K2*", kStart + "unexpected character '*'"},
+        {"4k3/8/8/8/8/8/8/4K3 w - -", "Improper FEN code"},  // a FEN: the fault lies elsewhere
+    };
+    for (const auto& [text, message] : cases) EXPECT_EQ(ImproperFenMessage(text), message) << text;
 }
 
 TEST(ReadFen, WarnsAboutFieldsItDoesNotHonour) {

@@ -10,6 +10,7 @@
 #include "register_test_support.h"
 #include "registers/register_autosave.h"
 #include "registers/register_file.h"
+#include "registers/register_file_header.h"
 #include "tests/support/temp_folder.h"
 
 namespace moremate {
@@ -79,7 +80,8 @@ TEST_F(RegisterFile, SavedRegisterLoadsBackWholeInEveryForm) {
         EXPECT_EQ(Contents(loaded), Contents(reg));
 
         const char* magic[] = {"\xFF\xFF\xFF\xFF", "LZ4 ", "LZ4e", "lz4 ", "lz4e"};
-        EXPECT_EQ(folder.Read("r.tmpReg").substr(0, 4), magic[static_cast<int>(form)]);
+        EXPECT_EQ(folder.Read("r.tmpReg").substr(0, 8), "mmTmpReg");
+        EXPECT_EQ(folder.Read("r.tmpReg").substr(kRegisterHeaderSize, 4), magic[static_cast<int>(form)]);
         const std::filesystem::path scratch = folder.File(kLoadScratchFile);
         EXPECT_EQ(std::filesystem::exists(scratch), form != TRegisterFileForm::Plain);
         EXPECT_TRUE(form == TRegisterFileForm::Plain ||
@@ -123,7 +125,7 @@ TEST_F(RegisterFile, PlainFileIsWrittenLevelByLevel) {
     // Levels 7 to 9; level 5 holds nothing (the no mate in 5 is saved with the mate in 9).
     const std::string expected = Marker(0) + Record(7, 0, keys[0]) + Marker(ConfigurationKey(6, 1)) +
                                  Record(7, 0, keys[2]) + Marker(0) + Marker(0) + Record(9, 5, keys[1]);
-    EXPECT_EQ(folder.Read("r.tmpReg"), expected);
+    EXPECT_EQ(folder.Read("r.tmpReg").substr(kRegisterHeaderSize), expected);
 }
 
 TEST_F(RegisterFile, MarkersSwitchGroupsAnywhere) {
@@ -160,8 +162,10 @@ TEST_F(RegisterFile, InvalidPositionsAreCountedAndSkipped) {
     EXPECT_TRUE(result.bComplete);
     EXPECT_EQ(result.report.nRecords, 1u);
     EXPECT_EQ(result.report.nInvalidPositions, 1u);
-    EXPECT_EQ(LoadReportText(result, "x.tmpReg", kEnglish, false),
-              "File has been read: x.tmpReg\n\nNOTE: invalid positions were detected - invalid data?");
+    EXPECT_EQ(
+        LoadReportText(result, "x.tmpReg", kEnglish, false),
+        "File has been read: x.tmpReg\n\nNOTE: invalid positions were detected - invalid data?\n\nNote: a "
+        "register file of the older form, without a header: its side and checksum are not checked");
 }
 
 TEST_F(RegisterFile, LoadErrorsGiveTheirMessages) {
@@ -177,25 +181,61 @@ TEST_F(RegisterFile, LoadErrorsGiveTheirMessages) {
               "(first move) is on");
 }
 
-TEST_F(RegisterFile, DamagedPackedFilesGiveTheDecompressionMessage) {
-    for (TRegisterFileForm form : {TRegisterFileForm::Lz4, TRegisterFileForm::Lz4e,
-                                   TRegisterFileForm::Lz4Container, TRegisterFileForm::Lz4eContainer}) {
+// A damaged file is refused before anything is loaded; without the header (the older form) the
+// decoder is what notices.
+TEST_F(RegisterFile, DamagedFilesAreRefusedWhole) {
+    for (const TRegisterFileForm form : kForms) {
         TRegisterSaveOptions save;
         save.form = form;
         save.nCompressionThreads = 2;
         SaveRegisterFile(folder.File("p.tmpReg"), reg, save);
-        const std::string packed = folder.Read("p.tmpReg");
-        std::string flipped = packed;
-        for (size_t i = 40; i < flipped.size(); i += 97) flipped[i] = static_cast<char>(flipped[i] ^ 0x5A);
-        for (const std::string& damaged :
-             {packed.substr(0, packed.size() - 1), packed.substr(0, 20), flipped}) {
+        const std::string file = folder.Read("p.tmpReg");
+        std::string flipped = file;
+        flipped[file.size() / 2] = static_cast<char>(flipped[file.size() / 2] ^ 0x10);
+        std::string header = file;
+        header[24] = static_cast<char>(header[24] ^ 1);  // the entry count
+        const std::string packed = file.substr(kRegisterHeaderSize);
+        std::string damagedPacked = packed;
+        for (size_t i = 40; i < damagedPacked.size(); i += 97) damagedPacked[i] ^= 0x5A;
+        const struct {
+            std::string content;
+            std::string error;
+        } cases[] = {
+            {file.substr(0, file.size() - 1), "Error - the register file is cut short: "},
+            {file + "x", "Error - the register file is too long: "},
+            {file.substr(0, 20), "Error - the register file's header is cut short"},
+            {flipped, "Error - the register file is damaged (its checksum does not match)"},
+            {header, "Error - the register file's header is damaged"},
+            {"Hello, world! This is no register.", "Error - not a temporary register file"},
+            {form == TRegisterFileForm::Plain ? "" : damagedPacked,
+             "An error occurred during LZ4 decompression."},
+        };
+        for (const auto& c : cases) {
+            if (c.content.empty()) continue;
+            SCOPED_TRACE(c.error + " " + std::to_string(static_cast<int>(form)));
             TAggregatedTemporaryChessboardRegister target(100'000, 16);
             const TRegisterLoadResult result =
-                LoadRegisterFile(folder.Write("d.tmpReg", damaged), target, 16, options);
-            EXPECT_EQ(result.sError, "An error occurred during LZ4 decompression.") << static_cast<int>(form);
+                LoadRegisterFile(folder.Write("d.tmpReg", c.content), target, 16, options);
+            EXPECT_FALSE(result.bRead);
+            EXPECT_EQ(result.sError.rfind(c.error, 0), 0u) << result.sError;
             EXPECT_EQ(target.ElementCount(), 0u);
         }
     }
+}
+
+TEST(RegisterFileHeader, ChecksumIsTheCrc32OfZipInPieces) {
+    EXPECT_EQ(UpdateCrc32(0, "123456789", 9), 0xCBF43926u);
+    EXPECT_EQ(UpdateCrc32(UpdateCrc32(0, "1234", 4), "56789", 5), 0xCBF43926u);
+}
+
+TEST_F(RegisterFile, FileOfTheOtherSideIsRefused) {
+    SaveRegisterFile(folder.File("w.tmpReg"), reg, {});
+    options.bBlackToMove = true;
+    const TRegisterLoadResult result = LoadInto(reg, "w.tmpReg");
+    EXPECT_EQ(
+        result.sError,
+        "Error - the file holds positions with White to move, expected Black to move (White and Black files "
+        "swapped?)");
 }
 
 TEST_F(RegisterFile, BlackToMoveRegisterGoesToTheCompanionFile) {

@@ -2,7 +2,9 @@
 
 #include "problems/format/collection_files.h"
 #include "problems/format/record_writer.h"
+#include "problems/format/text_file.h"
 #include "tests/problems/problem_text.h"
+#include "tests/support/kill_test.h"
 #include "tests/support/positions.h"
 
 namespace moremate {
@@ -61,7 +63,7 @@ TEST(Collections, ReadingAFileReplacesOrAppends) {
     ReadCollectionFile(second, entries, false, {});
     EXPECT_EQ(entries.size(), 2u);
     EXPECT_EQ(test::ErrorOf([&] { ReadCollectionFile(folder.File("missing.cp"), entries, false, {}); }),
-              "Error opening file: " + folder.File("missing.cp").string());
+              "Error opening file: " + folder.File("missing.cp").string() + " (No such file or directory)");
 }
 
 TEST(Collections, EmptySlotsAreNotWritten) {
@@ -125,9 +127,48 @@ TEST(CollectionFiles, AFolderIsNeitherOverwrittenNorBackedUp) {
     CTempFolder folder;
     std::filesystem::create_directory(folder.File("set.cp"));
     EXPECT_EQ(test::ErrorOf([&] { WriteCollectionFile(folder.File("set.cp"), Problems("x")); }),
-              "Error opening file: " + folder.File("set.cp").string());
+              "Error opening file: " + folder.File("set.cp").string() + " (a folder)");
     EXPECT_TRUE(std::filesystem::is_directory(folder.File("set.cp")));
     EXPECT_FALSE(std::filesystem::exists(folder.File("set.cp.BAK")));
+}
+
+TEST(CollectionFiles, AFailedSaveKeepsTheFileAndItsBackupAndLeavesNoTemporaryFile) {
+    CTempFolder folder;
+    const auto file = folder.File("set.cp");
+    WriteCollectionFile(file, Problems("first"));
+    WriteCollectionFile(file, Problems("second"));
+    const std::string longer(5'000, 'x');
+    try {
+        testing::CFileSizeLimit limit(1'000);
+        WriteCollectionFile(file, Problems(longer.c_str()));
+        ADD_FAILURE() << "saved beyond the limit";
+    } catch (const ChessException& exception) {
+        EXPECT_EQ(std::string(exception.what()),
+                  "Error writing file: " + file.string() + " (File too large)");
+    }
+    EXPECT_EQ(FileText(file), WriteCollectionText(Problems("second")));
+    EXPECT_EQ(FileText(folder.File("set.cp.BAK")), WriteCollectionText(Problems("first")));
+    EXPECT_FALSE(std::filesystem::exists(folder.File("set.cp.tmp")));
+}
+
+TEST(CollectionFiles, KilledWhileSavingTheOldFileAndItsBackupAreThere) {
+    CTempFolder folder;
+    const auto file = folder.File("set.cp");
+    WriteCollectionFile(file, Problems("first"));
+    testing::KillWhileWriting("collection", [&] { WriteCollectionFile(file, Problems("second")); });
+    EXPECT_EQ(FileText(file), WriteCollectionText(Problems("first")));
+    EXPECT_EQ(FileText(folder.File("set.cp.BAK")), WriteCollectionText(Problems("first")));
+    WriteCollectionFile(file, Problems("third"));  // the next save goes through
+    EXPECT_EQ(FileText(file), WriteCollectionText(Problems("third")));
+}
+
+TEST(TextFiles, FoldersAndEndlessFilesAreRefused) {
+    CTempFolder folder;
+    EXPECT_EQ(test::ErrorOf([&] { ReadTextFile(folder.Path()); }),
+              "Error opening file: " + folder.Path().string() + " (a folder)");
+    EXPECT_EQ(test::ErrorOf([&] { ReadTextFile("/dev/zero", 2 << 20); }),
+              "Error opening file: /dev/zero (larger than the 2 MB this program reads)");
+    EXPECT_EQ(ReadTextFile(folder.Write("a.cp", "UTF-8\n")), "UTF-8\n");
 }
 
 TEST(CollectionFiles, NewCollectionHoldsTheTemplate) {

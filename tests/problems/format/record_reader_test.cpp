@@ -196,7 +196,7 @@ TEST(Records, FaultsStopReadingAtTheirRecord) {
         // Description and position
         {"2 #2 { Desc - x\n" + kFenLine + "}", "Colon ':' expected after description identifier."},
         {"2 #2 { FEN 8/8/8/8/8/8/8/8 }", "Colon ':' expected after FEN identifier."},
-        {"2 #2 { FEN: 8/8/8 w - - 0 1\n}", "Improper FEN code"},
+        {"2 #2 { FEN: 8/8/8 w - - 0 1\n}", "Improper FEN code: piece placement (first field): 3 ranks, 8 expected"},
         {"2 #2 { FEN: 8/8/8/8/8/8/8/8 w - - 0 1\n}", "Illegal number of kings."},
         {"2 #2 { Desc: x\n Black: Ke8 }", "White figures identifier expected (W, WH or WHITE)."},
         {"2 #2 { White Ke1 }", "Colon ':' expected after white figures identifier."},
