@@ -116,6 +116,10 @@ QString TMainWindow::Text(const char* id) const {
     return UiText(id, m_nLanguage);
 }
 
+QString TMainWindow::Title(const char* id) const {
+    return Text(id).section('\t', 0, 0).remove('&');
+}
+
 QAction* TMainWindow::Action(const std::string& id) const {
     const auto it = m_actions.find(id);
     return it == m_actions.end() ? nullptr : it->second;

@@ -85,6 +85,8 @@ class TMainWindow : public QMainWindow {
     void BuildToolBar();
     void Relabel();
     QString Text(const char* id) const;
+    // The text of a menu item as a dialog's title: without its shortcut and mnemonic.
+    QString Title(const char* id) const;
 
     // Showing the current problem.
     void ShowProblem();

@@ -7,21 +7,22 @@
 namespace moremate::ui {
 namespace {
 
-// The solid ("black") glyphs U+265A..U+265F: king, queen, rook, bishop, knight, pawn.
+// The outline ("white") glyphs U+2654..U+2659: king, queen, rook, bishop, knight, pawn. Their
+// outer contours give the piece's silhouette, the rest its inner lines.
 char16_t Glyph(uint8_t type) {
     switch (type) {
         case kKing:
-            return u'\u265A';
+            return u'\u2654';
         case kQueen:
-            return u'\u265B';
+            return u'\u2655';
         case kRook:
-            return u'\u265C';
+            return u'\u2656';
         case kBishop:
-            return u'\u265D';
+            return u'\u2657';
         case kKnight:
-            return u'\u265E';
+            return u'\u2658';
         default:
-            return u'\u265F';
+            return u'\u2659';
     }
 }
 
@@ -31,18 +32,19 @@ void DrawPiece(QPainter& painter, const QRectF& square, Piece piece) {
     if (piece == kEmpty) return;
     QFont font(kBoardFontFamily);
     font.setPixelSize(std::max(1, static_cast<int>(square.height() * 0.82)));
-    const QString text(QChar(Glyph(TypeOf(piece))));
-    QPainterPath path;
-    path.addText(0, 0, font, text);
-    const QRectF bounds = path.boundingRect();
-    path.translate(square.center() - bounds.center());
+    QPainterPath outline;
+    outline.addText(0, 0, font, QString(QChar(Glyph(TypeOf(piece)))));
+    outline.setFillRule(Qt::WindingFill);
+    outline.translate(square.center() - outline.boundingRect().center());
     const bool white = ColourOf(piece) == kWhite;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(
-        QPen(white ? QColor(20, 20, 20) : QColor(235, 235, 235), std::max(1.0, square.width() / 40)));
-    painter.setBrush(white ? QColor(250, 250, 245) : QColor(25, 25, 25));
-    painter.drawPath(path);
+    painter.setPen(Qt::NoPen);
+    // Every contour filled on its own: the outer ones cover the whole piece.
+    painter.setBrush(white ? QColor(250, 250, 245) : QColor(30, 30, 30));
+    for (const QPolygonF& contour : outline.toSubpathPolygons()) painter.drawPolygon(contour);
+    painter.setBrush(white ? QColor(20, 20, 20) : QColor(215, 215, 215));
+    painter.drawPath(outline);
     painter.restore();
 }
 

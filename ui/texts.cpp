@@ -150,7 +150,7 @@ const std::vector<TTextRow> kTable = {
     // Labels, titles and the program's own messages.
     {"label.moves", "Ruchy", "Moves", "Ходи"},
     {"label.progress", "Postęp analizy", "Progress of analysis", "Хід аналізу"},
-    {"label.problem", "Zadanie %1 z %2", "Problem %1 of %2", "Задача %1 з %2"},
+    {"label.problem", "Zadanie %1 (%2 z %3)", "Problem %1 (%2 of %3)", "Задача %1 (%2 з %3)"},
     {"label.ready", "Gotowy", "Ready", "Готово"},
     {"label.running", "Trwa analiza...", "Analysis running...", "Триває аналіз..."},
     {"label.time", "Czas: %1 s, szybkość: %2 poz./s", "Time: %1 s, speed: %2 nodes/s",

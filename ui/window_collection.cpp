@@ -63,7 +63,7 @@ bool TMainWindow::OpenDefaultCollection() {
 
 void TMainWindow::NewFile() {
     if (RefuseWhileAnalysing() || !MayDropChanges()) return;
-    const QString name = QFileDialog::getSaveFileName(this, Text("file.new"), QString(), Text("filter.cp"),
+    const QString name = QFileDialog::getSaveFileName(this, Title("file.new"), QString(), Text("filter.cp"),
                                                       nullptr, QFileDialog::DontConfirmOverwrite);
     if (name.isEmpty()) return;
     const std::filesystem::path file = name.toStdString();
@@ -88,7 +88,7 @@ void TMainWindow::OpenSample() {
 
 void TMainWindow::OpenFile() {
     if (RefuseWhileAnalysing() || !MayDropChanges()) return;
-    const QString name = QFileDialog::getOpenFileName(this, Text("file.open"), QString(), Text("filter.cp"));
+    const QString name = QFileDialog::getOpenFileName(this, Title("file.open"), QString(), Text("filter.cp"));
     if (!name.isEmpty()) OpenCollection(name.toStdString());
 }
 
@@ -104,7 +104,7 @@ void TMainWindow::Save() {
 
 void TMainWindow::SaveAs() {
     const QString name =
-        QFileDialog::getSaveFileName(this, Text("file.saveas"), QString(), Text("filter.cp"));
+        QFileDialog::getSaveFileName(this, Title("file.saveas"), QString(), Text("filter.cp"));
     if (name.isEmpty()) return;
     try {
         m_collection.SaveAs(name.toStdString());
@@ -118,7 +118,7 @@ void TMainWindow::SaveAs() {
 void TMainWindow::AppendFile() {
     if (RefuseWhileAnalysing()) return;
     const QString name =
-        QFileDialog::getOpenFileName(this, Text("file.append"), QString(), Text("filter.cp"));
+        QFileDialog::getOpenFileName(this, Title("file.append"), QString(), Text("filter.cp"));
     if (name.isEmpty()) return;
     try {
         m_collection.Append(name.toStdString(), {&m_reporter, m_nLanguage});
@@ -183,7 +183,7 @@ void TMainWindow::SelectNumber() {
     if (m_collection.Size() == 0) return;
     bool ok = false;
     const int number =
-        QInputDialog::getInt(this, Text("prob.select").section('\t', 0, 0), Text("label.number"),
+        QInputDialog::getInt(this, Title("prob.select"), Text("label.number"),
                              static_cast<int>(m_collection.Current().m_nNumber), 0, 2147483646, 1, &ok);
     if (ok) SelectProblemNumber(static_cast<uint32_t>(number));
 }

@@ -144,9 +144,7 @@ void TMainWindow::UpdateRunState() {
     for (const char* id : {"prob.solve", "prob.all", "prob.hybrid", "prob.brute"})
         m_actions.at(id)->setEnabled(!running);
     m_pDescription->setReadOnly(running);
-    Say(Text(running ? (m_run.Paused() ? "prob.pause" : "label.running") : "label.ready")
-            .section('\t', 0, 0)
-            .remove('&'));
+    Say(running ? (m_run.Paused() ? Title("prob.pause") : Text("label.running")) : Text("label.ready"));
 }
 
 void TMainWindow::ClearRegister() {
@@ -163,7 +161,7 @@ void TMainWindow::ShowOptions() {
 }
 
 void TMainWindow::About() {
-    QMessageBox::about(this, Text("help.about").remove('&'), Text("msg.about").arg(MOREMATE_VERSION));
+    QMessageBox::about(this, Title("help.about"), Text("msg.about").arg(MOREMATE_VERSION));
 }
 
 void TMainWindow::ChooseThreads() {

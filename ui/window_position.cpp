@@ -60,8 +60,12 @@ TChessboard TMainWindow::ShownBoard() const {
 
 void TMainWindow::ShowProblem() {
     const ProblemEntry& entry = m_collection.Current();
-    m_pNumber->setText(Text("label.problem").arg(entry.m_nNumber).arg(m_collection.Size()));
+    m_pNumber->setText(Text("label.problem")
+                           .arg(QString::number(entry.m_nNumber),
+                                QString::number(m_collection.CurrentIndex() + 1),
+                                QString::number(m_collection.Size())));
     m_pDescription->setText(QString::fromStdString(entry.m_sDescription));
+    m_pDescription->setCursorPosition(0);
     m_pStipulation->setText(StipulationText(entry));
     m_vMoves = entry.m_vMoves;
     if (m_options.m_bShowMainVariant && m_vMoves.empty()) {
