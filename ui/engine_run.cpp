@@ -1,5 +1,7 @@
 #include "engine_run.h"
 
+#include <QCoreApplication>
+
 #include "core/chess_exception.h"
 
 namespace moremate::ui {
@@ -14,12 +16,15 @@ CEngineRun::CEngineRun(QObject* parent) : QObject(parent) {
 CEngineRun::~CEngineRun() {
     if (!m_thread.joinable()) return;
     m_pControl->Stop();
-    m_thread.join();
+    // A report of the run may wait for the interface thread: keep serving it until the run ends.
+    while (!m_bEnded) QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
+    if (m_thread.joinable()) m_thread.join();  // unless Join has run meanwhile
 }
 
 void CEngineRun::Start(const ProblemEntry& entry, TSolveSettings settings, const TOptions& options,
                        CRunRegister& runRegister) {
     m_pControl = std::make_unique<CRunControl>();
+    m_bEnded = false;
     settings.run.control = m_pControl.get();
     settings.run.onProgress = [this](const TRunProgress& progress) { Q_EMIT Progressed(progress); };
     m_thread = std::thread([this, entry, settings, options, &runRegister] {
@@ -35,6 +40,7 @@ void CEngineRun::Start(const ProblemEntry& entry, TSolveSettings settings, const
             report.error = e.what();
         }
         Q_EMIT Ended(report);
+        m_bEnded = true;
     });
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QObject>
+#include <atomic>
 #include <memory>
 #include <thread>
 
@@ -49,6 +50,7 @@ class CEngineRun : public QObject {
 
   private:
     std::unique_ptr<CRunControl> m_pControl;
+    std::atomic<bool> m_bEnded{true};  // the engine thread has said its last word
     std::thread m_thread;
 };
 

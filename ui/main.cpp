@@ -19,5 +19,7 @@ int main(int argc, char** argv) {
     const bool opened = arguments.size() > 1 && window.OpenCollection(arguments.at(1).toStdString());
     if (!opened && !window.OpenDefaultCollection()) return 2;
     window.show();
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    reporter.Close();  // a run still ending must not wait for a message box
+    return status;
 }

@@ -40,7 +40,9 @@ TMainWindow::TMainWindow(const TOptions& options, CReporter& reporter, QWidget* 
     resize(1000, 720);
 }
 
-TMainWindow::~TMainWindow() = default;
+TMainWindow::~TMainWindow() {
+    m_run.disconnect(this);  // a run still ending reports to nobody: the widgets are going
+}
 
 void TMainWindow::BuildLayout() {
     auto* central = new QWidget(this);

@@ -117,10 +117,16 @@ class TMainWindow : public QMainWindow {
     void SaveAs();
     void AppendFile();
     // Position commands.
-    void CopyProblem();
+    void CopyProblem() { CopyRecord(true, true); }
+    void CopyWithoutVariants() { CopyRecord(false, true); }
+    void CopyWithoutVariantsOrTags() { CopyRecord(false, false); }
+    void CopyRecord(bool variants, bool tags);
     void CopyFen();
     void CopyFullFen();
     void Paste();
+    void PasteAsMirror();
+    std::optional<ProblemEntry> PastedEntry(const std::string& text);
+    void ReportPasteFailure(const std::string& why);
     void RotatePosition();
     void SwapColoursCommand();
     void CopyMoves();
@@ -159,6 +165,8 @@ class TMainWindow : public QMainWindow {
     void ShowOptions();
     void PositionId();
     void ClearRegister();
+    void RegisterStatus();
+    void GlobalRegisterStatus();
     void About();
     void ChooseThreads();
     void Polish() { SetLanguage(kPolish); }

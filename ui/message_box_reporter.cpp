@@ -37,6 +37,7 @@ ReportAnswer Answer(int button) {
 
 ReportAnswer CMessageBoxReporter::Report(const std::string& title, const std::string& text,
                                          ReportButtons buttons) {
+    if (m_bClosed) return DefaultAnswer(buttons);
     if (QThread::currentThread() == QCoreApplication::instance()->thread()) return Show(title, text, buttons);
     ReportAnswer answer = DefaultAnswer(buttons);
     QMetaObject::invokeMethod(

@@ -18,6 +18,7 @@
 #include "problems/annotations/problem_variants.h"
 #include "problems/format/problem_moves.h"
 #include "progress_text.h"
+#include "registers/register_statistics.h"
 #include "settings/program_folder.h"
 #include "texts.h"
 
@@ -153,6 +154,19 @@ void TMainWindow::ClearRegister() {
         return;
     }
     m_pRunRegister.reset();
+}
+
+void TMainWindow::RegisterStatus() {
+    const std::string title = ReportTitle(ReportKind::Information, m_nLanguage);
+    if (!m_pRunRegister) return void(m_reporter.Report(title, Text("msg.noregister").toStdString()));
+    if (Analysing()) return void(m_reporter.Report(title, kToolUnavailableText));
+    m_reporter.Report(title, "White to move:\n" + RegisterStatistics(m_pRunRegister->WhiteToMove()) +
+                                 "\n\nBlack to move:\n" + RegisterStatistics(m_pRunRegister->BlackToMove()));
+}
+
+void TMainWindow::GlobalRegisterStatus() {
+    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
+                      TGlobalRegisters::Instance().StatusText());
 }
 
 void TMainWindow::ShowOptions() {

@@ -18,6 +18,7 @@
 #include "core/validation.h"
 #include "main_window.h"
 #include "piece_palette.h"
+#include "problems/annotations/mirrored_entry.h"
 #include "problems/annotations/problem_variants.h"
 #include "problems/format/collection_reader.h"
 #include "problems/format/problem_moves.h"
@@ -227,8 +228,11 @@ void TMainWindow::ToggleSettingMode() {
     Say(m_bSettingMode ? Text("label.setting") : Text("label.ready"));
 }
 
-void TMainWindow::CopyProblem() {
-    QApplication::clipboard()->setText(QString::fromStdString(WriteRecord(m_collection.Current())));
+void TMainWindow::CopyRecord(bool variants, bool tags) {
+    ProblemEntry entry = m_collection.Current();
+    if (!variants) entry.m_annotations.vsVariantLines.clear();
+    if (!tags) entry.m_annotations.vsTags.clear();
+    QApplication::clipboard()->setText(QString::fromStdString(WriteRecord(entry)));
 }
 
 void TMainWindow::CopyFen() {
@@ -244,28 +248,33 @@ void TMainWindow::CopyMoves() {
     QApplication::clipboard()->setText(QString::fromStdString(MoveSequenceText(start, m_vMoves)));
 }
 
-// A FEN replaces the position, a problem record the problem (its number kept), and moves are
-// played on from the position shown.
+// The current problem with the clipboard's text pasted into it: a FEN replaces the position, a
+// problem record the problem (its number kept). None when the text is neither.
+std::optional<ProblemEntry> TMainWindow::PastedEntry(const std::string& text) {
+    ProblemEntry entry = m_collection.Current();
+    if (ReadFen(text, entry.m_position.board)) return entry;
+    std::vector<ProblemEntry> pasted;
+    try {
+        ReadCollectionText(text, pasted, {{&m_reporter, m_nLanguage}, {}});
+    } catch (const ChessException&) {
+        pasted.clear();
+    }
+    if (pasted.empty()) return std::nullopt;
+    pasted.front().m_nNumber = entry.m_nNumber;
+    return pasted.front();
+}
+
+void TMainWindow::ReportPasteFailure(const std::string& why) {
+    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
+                      Text("msg.pastefail").toStdString() + (why.empty() ? "" : "\n" + why));
+}
+
+// A position or a problem replaces the current one; moves are played on from the position shown.
 void TMainWindow::Paste() {
     const std::string text = QApplication::clipboard()->text().trimmed().toStdString();
     try {
-        TChessboard board = m_collection.Current().m_position.board;
-        if (ReadFen(text, board)) {
-            return Edit([&board](ProblemEntry& e) { e.m_position.board = board; });
-        }
-        std::vector<ProblemEntry> pasted;
-        try {
-            ReadCollectionText(text, pasted, {{&m_reporter, m_nLanguage}, {}});
-        } catch (const ChessException&) {
-            pasted.clear();
-        }
-        if (!pasted.empty()) {
-            return Edit([&pasted](ProblemEntry& e) {
-                const uint32_t number = e.m_nNumber;
-                e = pasted.front();
-                e.m_nNumber = number;
-            });
-        }
+        if (const std::optional<ProblemEntry> entry = PastedEntry(text))
+            return Edit([&entry](ProblemEntry& e) { e = *entry; });
         if (RefuseWhileAnalysing()) return;
         const std::vector<TMove> moves = ReadMoveSequence(text, ShownBoard());
         m_vMoves.resize(m_nShown);
@@ -273,8 +282,18 @@ void TMainWindow::Paste() {
         m_nShown = m_vMoves.size();
         ShowBoard();
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                          Text("msg.pastefail").toStdString() + "\n" + e.what());
+        ReportPasteFailure(e.what());
+    }
+}
+
+void TMainWindow::PasteAsMirror() {
+    const std::string text = QApplication::clipboard()->text().trimmed().toStdString();
+    try {
+        const std::optional<ProblemEntry> entry = PastedEntry(text);
+        if (!entry) return ReportPasteFailure("");
+        Edit([&entry](ProblemEntry& e) { e = MirroredEntry(*entry); });
+    } catch (const ChessException& e) {
+        ReportPasteFailure(e.what());
     }
 }
 

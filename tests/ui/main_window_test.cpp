@@ -136,6 +136,40 @@ class TMainWindowTest : public QObject {
         QCOMPARE(m_pWindow->MovesShown(), size_t{1});
     }
 
+    void copiesTheRecordWithOrWithoutAnnotations_data() {
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<bool>("variant");
+        QTest::addColumn<bool>("tag");
+        QTest::newRow("copy") << "pos.copy" << true << true;
+        QTest::newRow("without variants") << "pos.copynovar" << false << true;
+        QTest::newRow("without variants or tags") << "pos.copynotags" << false << false;
+    }
+
+    void copiesTheRecordWithOrWithoutAnnotations() {
+        QFETCH(QString, action);
+        QFETCH(bool, variant);
+        QFETCH(bool, tag);
+        QApplication::clipboard()->setText(
+            "9 #2\n//#TAGS\n//#miniature\n//!VARIANTS\n//!Main variant: 1. Qa7-f2 Kc1-b1\n//!ENDVARIANTS\n"
+            "{\n\tFEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n}\n");
+        Trigger("pos.paste");
+        QCOMPARE(m_pWindow->Collection().Current().m_nNumber, 1u);  // the number stays
+        Trigger(action.toUtf8().constData());
+        const QString copied = QApplication::clipboard()->text();
+        QCOMPARE(copied.contains("Main variant"), variant);
+        QCOMPARE(copied.contains("miniature"), tag);
+    }
+
+    void pastesAsMirror() {
+        QApplication::clipboard()->setText("4k3/8/8/8/8/8/8/R3K3 w - - 0 1");
+        Trigger("pos.pastemirror");
+        QCOMPARE(Fen(), std::string("3k4/8/8/8/8/8/8/3K3R"));
+        QVERIFY(m_pWindow->Collection().Current().m_sDescription.starts_with("Mirror: "));
+        QApplication::clipboard()->setText("no position");
+        Trigger("pos.pastemirror");
+        QVERIFY(Reported(*m_pReporter, "The clipboard holds no position"));
+    }
+
     void editsAndUndoes_data() {
         QTest::addColumn<QString>("edit");
         QTest::addColumn<QString>("after");  // the FEN, or the stipulation "#n"
