@@ -32,6 +32,7 @@ export MOREMATE_HOME="$work"  # options.ini and the default collection live here
 # The online tablebase off: a machine without network would stop the run with its warning.
 printf '[chess]\nLichessLevels=-1\n' >"$work/options.ini"
 
+cd "$work"  # the start log and the scratch files go to the working folder
 "$gui" &
 pid=$!
 window=$(xdotool search --sync --onlyvisible --name 'moremate - ' | head -1)

@@ -6,6 +6,7 @@
 #include "message_box_reporter.h"
 #include "precalc/global/global_registers.h"
 #include "settings/program_folder.h"
+#include "start_log.h"
 
 int main(int argc, char** argv) {
     using namespace moremate;
@@ -14,6 +15,7 @@ int main(int argc, char** argv) {
     ui::CMessageBoxReporter reporter;
     const TOptions options = ReadOptions(OptionsFilePath(), reporter);
     TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(options), &reporter);
+    ui::AppendStartLog(true);
     ui::TMainWindow window(options, reporter);
     const QStringList arguments = QApplication::arguments();
     const bool opened = arguments.size() > 1 && window.OpenCollection(arguments.at(1).toStdString());
@@ -21,5 +23,6 @@ int main(int argc, char** argv) {
     window.show();
     const int status = QApplication::exec();
     reporter.Close();  // a run still ending must not wait for a message box
+    ui::AppendStartLog(false);
     return status;
 }

@@ -16,6 +16,7 @@
 #include "board_widget.h"
 #include "click_button.h"
 #include "engine/run/run_texts.h"
+#include "instance_notice.h"
 #include "piece_palette.h"
 #include "problems/solving/tablebase_access.h"
 #include "settings/machine.h"
@@ -28,8 +29,7 @@ TMainWindow::TMainWindow(const TOptions& options, CReporter& reporter, QWidget* 
       m_options(options),
       m_reporter(reporter),
       m_nLanguage(options.m_nLanguageId),
-      m_nThreads(static_cast<int>(LogicalProcessorCount())),
-      m_pTablebase(TablebaseForRuns(options, reporter)) {
+      m_nThreads(static_cast<int>(LogicalProcessorCount())) {
     BuildLayout();
     BuildMenus();
     BuildToolBar();
@@ -38,6 +38,10 @@ TMainWindow::TMainWindow(const TOptions& options, CReporter& reporter, QWidget* 
     Relabel();
     UpdateRunState();
     resize(1000, 720);
+    m_pTablebaseReporter = std::make_unique<CInstanceNoticeFilter>(
+        reporter, options.m_nWarnAboutSecondInstanceOfProgram,
+        [this](const std::string& text) { Say(QString::fromStdString(text)); });
+    m_pTablebase = TablebaseForRuns(options, *m_pTablebaseReporter);
 }
 
 TMainWindow::~TMainWindow() {

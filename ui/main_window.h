@@ -193,6 +193,7 @@ class TMainWindow : public QMainWindow {
     bool m_bSettingMode = false;
     int m_nPicked = kNoSquare;  // the first click of a move or of a piece moved in the setting mode
 
+    std::unique_ptr<CReporter> m_pTablebaseReporter;  // the second instance's notice as the options say
     std::unique_ptr<CTablebaseService> m_pTablebase;
     std::unique_ptr<CRunRegister> m_pRunRegister;
     CEngineRun m_run;

@@ -14,11 +14,14 @@
 
 #include "core/fen.h"
 #include "problems/annotations/problem_variants.h"
+#include "settings/instance_lock.h"
 #include "settings/options_dialog.h"
 #include "ui/board_widget.h"
+#include "ui/instance_notice.h"
 #include "ui/main_window.h"
 #include "ui/options_window.h"
 #include "ui/piece_palette.h"
+#include "ui/start_log.h"
 #include "ui/texts.h"
 
 using namespace moremate;
@@ -286,6 +289,43 @@ class TMainWindowTest : public QObject {
         m_pReporter->QueueAnswer(ReportAnswer::Yes);
         QVERIFY(m_pWindow->close());
         QVERIFY(ReadText(File()).find("1 #3") != std::string::npos);
+    }
+
+    void secondInstanceNoticeFollowsTheOption_data() {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("box");
+        QTest::addColumn<bool>("status");
+        QTest::newRow("no warning") << 0 << false << false;
+        QTest::newRow("message box") << 1 << true << false;
+        QTest::newRow("status bar") << 2 << false << true;
+    }
+
+    void secondInstanceNoticeFollowsTheOption() {
+        QFETCH(int, mode);
+        QFETCH(bool, box);
+        QFETCH(bool, status);
+        CRecordingReporter next;
+        std::string shown;
+        CInstanceNoticeFilter filter(next, mode, [&shown](const std::string& text) { shown = text; });
+        filter.Report("Information", kSecondInstanceReadOnly, ReportButtons::Ok);
+        filter.Report("Warning", "another report", ReportButtons::Ok);
+        QCOMPARE(next.Reports().size(), box ? size_t{2} : size_t{1});
+        QCOMPARE(next.Reports().back().sText, std::string("another report"));
+        QCOMPARE(shown == kSecondInstanceReadOnly, status);
+    }
+
+    void startLogLines() {
+        std::tm when{};
+        when.tm_year = 126;
+        when.tm_mon = 10;
+        when.tm_mday = 25;
+        when.tm_hour = 9;
+        when.tm_min = 5;
+        when.tm_sec = 7;
+        when.tm_isdst = -1;
+        const std::time_t time = std::mktime(&when);
+        QCOMPARE(StartLogLine(true, time), std::string("Program opened (2026-11-25 09:05:07)"));
+        QCOMPARE(StartLogLine(false, time), std::string("Program close (2026-11-25 09:05:07)"));
     }
 
     void optionsDialogChecksItsFields_data() {
