@@ -2,8 +2,6 @@
 
 #include <QCoreApplication>
 
-#include "core/chess_exception.h"
-
 namespace moremate::ui {
 
 CEngineRun::CEngineRun(QObject* parent) : QObject(parent) {
@@ -23,18 +21,21 @@ CEngineRun::~CEngineRun() {
 
 void CEngineRun::Start(const ProblemEntry& entry, TSolveSettings settings, const TOptions& options,
                        CRunRegister& runRegister) {
+    settings.run.onProgress = [this](const TRunProgress& progress) { Q_EMIT Progressed(progress); };
+    StartWork([entry, settings, options, &runRegister](CRunControl& control) {
+        TSolveSettings own = settings;
+        own.run.control = &control;
+        return SolvePreparedProblem(entry, own, options, runRegister, nullptr);
+    });
+}
+
+void CEngineRun::StartWork(FWork work) {
     m_pControl = std::make_unique<CRunControl>();
     m_bEnded = false;
-    settings.run.control = m_pControl.get();
-    settings.run.onProgress = [this](const TRunProgress& progress) { Q_EMIT Progressed(progress); };
-    m_thread = std::thread([this, entry, settings, options, &runRegister] {
+    m_thread = std::thread([this, work = std::move(work)] {
         TProblemReport report;
-        report.problem = entry.m_nNumber;
         try {
-            report = SolvePreparedProblem(entry, settings, options, runRegister, nullptr);
-        } catch (const ChessException& e) {
-            report.result = "error";
-            report.error = e.what();
+            report = work(*m_pControl);
         } catch (const std::exception& e) {
             report.result = "error";
             report.error = e.what();

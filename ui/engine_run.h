@@ -6,6 +6,7 @@
 
 #include <QObject>
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <thread>
 
@@ -30,6 +31,10 @@ class CEngineRun : public QObject {
     // engine thread. The settings' control and progress are the run's own.
     void Start(const ProblemEntry& entry, TSolveSettings settings, const TOptions& options,
                CRunRegister& runRegister);
+    using FWork = std::function<TProblemReport(CRunControl& control)>;
+    // Runs `work` on the engine thread with the run's control; a ChessException it throws ends
+    // the run with the result "error".
+    void StartWork(FWork work);
     void Stop();
     void Pause();
     void Resume();

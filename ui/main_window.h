@@ -138,7 +138,11 @@ class TMainWindow : public QMainWindow {
     void Undo();
     void Redo();
     // Problem commands.
-    void Solve() { StartRun(false, false, false); }
+    // F5: the solution, or Black's best defence when the board shows Black to move.
+    void Solve() {
+        m_nShown > 0 && !ShownBoard().WhiteToMove() ? FindDefence() : StartRun(false, false, false);
+    }
+    void FindDefence();
     void SolveAll() { StartRun(true, false, false); }
     void SolveHybrid() { StartRun(false, true, false); }
     void SolveBruteForce() { StartRun(false, false, true); }

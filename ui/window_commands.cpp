@@ -49,6 +49,7 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"pos.redo", "menu.position", "Ctrl+Y", &TMainWindow::Redo},
         {"prob.solve", "menu.problem", "F5", &TMainWindow::Solve},
         {"prob.all", "menu.problem", "Shift+F5", &TMainWindow::SolveAll},
+        {"prob.defence", "menu.problem", "", &TMainWindow::FindDefence},
         {"prob.stop", "menu.problem", "", &TMainWindow::StopRun},
         {"prob.pause", "menu.problem", "", &TMainWindow::PauseRun},
         {"prob.resume", "menu.problem", "", &TMainWindow::ResumeRun},

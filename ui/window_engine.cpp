@@ -11,12 +11,15 @@
 #include "core/chess_exception.h"
 #include "core/notation.h"
 #include "engine/run/run_texts.h"
+#include "engine/search/black_defence.h"
+#include "engine/search/mate_search.h"
 #include "engine/threads/multithreading_levels.h"
 #include "main_window.h"
 #include "options_window.h"
 #include "precalc/global/global_registers.h"
 #include "problems/annotations/problem_variants.h"
 #include "problems/format/problem_moves.h"
+#include "problems/solving/solving_task.h"
 #include "progress_text.h"
 #include "registers/register_statistics.h"
 #include "settings/program_folder.h"
@@ -52,6 +55,49 @@ void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
     m_nRunIndex = m_collection.CurrentIndex();
     m_pProgress->setPlainText(Text("label.running"));
     m_run.Start(entry, settings, m_options, *m_pRunRegister);
+    UpdateRunState();
+}
+
+// Black's best defence in the position shown, reached by White's move made on the board.
+void TMainWindow::FindDefence() {
+    if (Analysing() || m_collection.Size() == 0) return;
+    const TChessboard shown = ShownBoard();
+    if (m_nShown == 0 || shown.WhiteToMove()) {
+        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
+                          Text("msg.nodefence").toStdString());
+        return;
+    }
+    const ProblemEntry entry = m_collection.Current();
+    const std::vector<TMove> before(m_vMoves.begin(), m_vMoves.begin() + static_cast<long>(m_nShown) - 1);
+    const TMove key = m_vMoves[m_nShown - 1];
+    const TOptions options = m_options;
+    m_nRunIndex = m_collection.CurrentIndex();
+    m_pProgress->setPlainText(Text("label.running"));
+    m_run.StartWork([entry, before, key, options](CRunControl& control) {
+        TSolvingTask task = MakeSolvingTask(entry);
+        if (!before.empty()) PlayMovesAfter(task, MoveSequenceText(task.position, before));
+        task.position.problem = &task.root;
+        TChessboard afterKey;
+        MakeMove(task.position, MoveToText(task.position, key), afterKey);
+        CRunRegister runRegister(options);
+        TSearchEnvironment env;
+        env.store = &runRegister;
+        env.stop = control.StopFlag();
+        env.control = &control;
+        TMateSearch search(env);
+        TProblemReport report;
+        report.problem = entry.m_nNumber;
+        report.result = "defence";
+        try {
+            report.outcome = "Thread looking for black's defence in problem " +
+                             std::to_string(entry.m_nNumber) + "\n" +
+                             DefenceText(afterKey, FindBlackDefence(search, afterKey));
+        } catch (const TSearchStopped&) {
+            report.result = "stopped";
+            report.outcome = kAnalysisStoppedText;
+        }
+        return report;
+    });
     UpdateRunState();
 }
 
@@ -130,6 +176,7 @@ void TMainWindow::RunFinished(const TProblemReport& report) {
         }
     }
     UpdateTitle();
+    if (report.result == "defence") m_reporter.Report(kResultOfAnalysisTitle, report.outcome);
     if (report.result == "no solution")
         m_reporter.Report(kResultOfAnalysisTitle,
                           NoSolutionText(static_cast<int>(report.msec / 1000), false));

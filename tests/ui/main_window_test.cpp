@@ -240,6 +240,19 @@ class TMainWindowTest : public QObject {
         QVERIFY(!m_pWindow->Collection().Modified());
     }
 
+    void findsBlacksDefenceAfterWhitesMove() {
+        Trigger("prob.defence");  // no White move made yet
+        QVERIFY(Reported(*m_pReporter, "Make White's move on the board"));
+        QApplication::clipboard()->setText("Qa7-a1");
+        Trigger("pos.paste");
+        Trigger("prob.solve");  // F5 with Black to move: the defence
+        QVERIFY(m_pWindow->Analysing());
+        WaitForRun();
+        QVERIFY(Reported(*m_pReporter, "Thread looking for black's defence in problem 1"));
+        QVERIFY(m_pWindow->ProgressText().contains("Thread looking for black's defence"));
+        QCOMPARE(m_pWindow->Collection().Current().m_answerKind, AnswerKind::None);  // nothing written
+    }
+
     void refusesEditsDuringARun() {
         Trigger("prob.next");  // the #5
         const ProblemEntry before = m_pWindow->Collection().Current();
