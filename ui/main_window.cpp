@@ -165,7 +165,7 @@ void TMainWindow::Relabel() {
     }
     m_pMovesTitle->setText(Text("label.moves"));
     m_pProgressTitle->setText(Text("label.progress"));
-    if (m_collection.Size() > 0) ShowProblem();
+    if (m_collection.Size() > 0) ShowProblemHeader();  // the moves made on the board stay
     Say(Text(Analysing() ? "label.running" : "label.ready"));
 }
 

@@ -89,7 +89,9 @@ class TMainWindow : public QMainWindow {
     QString Title(const char* id) const;
 
     // Showing the current problem.
+    // The problem anew: its number, description and stipulation (the header), and its moves.
     void ShowProblem();
+    void ShowProblemHeader();
     void ShowBoard();
     void ShowMoves();
     void UpdateTitle();

@@ -59,7 +59,7 @@ TChessboard TMainWindow::ShownBoard() const {
     return PlayLine(m_collection.Current().m_position.board, m_vMoves, m_nShown).back();
 }
 
-void TMainWindow::ShowProblem() {
+void TMainWindow::ShowProblemHeader() {
     const ProblemEntry& entry = m_collection.Current();
     m_pNumber->setText(Text("label.problem")
                            .arg(QString::number(entry.m_nNumber),
@@ -68,6 +68,12 @@ void TMainWindow::ShowProblem() {
     m_pDescription->setText(QString::fromStdString(entry.m_sDescription));
     m_pDescription->setCursorPosition(0);
     m_pStipulation->setText(StipulationText(entry));
+    UpdateTitle();
+}
+
+void TMainWindow::ShowProblem() {
+    ShowProblemHeader();
+    const ProblemEntry& entry = m_collection.Current();
     m_vMoves = entry.m_vMoves;
     if (m_options.m_bShowMainVariant && m_vMoves.empty()) {
         const TVariants variants = ReadVariants(entry).variants;
@@ -77,7 +83,6 @@ void TMainWindow::ShowProblem() {
     m_nShown = 0;
     m_nPicked = kNoSquare;
     ShowBoard();
-    UpdateTitle();
 }
 
 void TMainWindow::ShowBoard() {

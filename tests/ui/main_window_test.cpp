@@ -278,6 +278,9 @@ class TMainWindowTest : public QObject {
 
     void languageSwitchRelabelsEveryItem() {
         m_pWindow->SetLanguage(kEnglish);
+        m_pWindow->ClickSquare(48, Qt::LeftButton);  // a move made on the board survives the switch
+        m_pWindow->ClickSquare(13, Qt::LeftButton);
+        const QString boardTip = m_pWindow->Board()->toolTip();
         std::map<QAction*, QString> english;
         for (QAction* a : m_pWindow->Actions()) english[a] = a->text();
         for (QAction* a : m_pWindow->menuBar()->actions()) english[a] = a->text();
@@ -288,6 +291,8 @@ class TMainWindowTest : public QObject {
                 QVERIFY2(!action->text().isEmpty(), qPrintable(action->objectName()));
                 QVERIFY2(action->text() != text, qPrintable(text));
             }
+            QVERIFY(m_pWindow->Board()->toolTip() != boardTip);
+            QCOMPARE(m_pWindow->MovesMade().size(), size_t{1});
         }
         Trigger("lang.english");
         for (const auto& [action, text] : english) QCOMPARE(action->text(), text);
