@@ -15,8 +15,8 @@ const std::vector<TTextRow> kTable = {
     {"menu.problem", "&Zadanie", "P&roblem", "&Задача"},
     {"menu.view", "&Widok", "&View", "&Вигляд"},
     {"menu.variant", "W&ariant", "V&ariant", "В&аріант"},
-    {"menu.advanced", "&Zaawansowane", "A&dvanced", "&Додатково"},
-    {"menu.help", "Pomo&c", "&Help", "&Довідка"},
+    {"menu.advanced", "Zaawa&nsowane", "A&dvanced", "&Додатково"},
+    {"menu.help", "Pomo&c", "&Help", "Довід&ка"},
     {"menu.language", "&Język", "&Language", "&Мова"},
     // File.
     {"file.new", "&Nowy plik", "&New file", "&Новий файл"},

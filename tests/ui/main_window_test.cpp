@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 #include "core/fen.h"
@@ -296,6 +297,14 @@ class TMainWindowTest : public QObject {
         }
         Trigger("lang.english");
         for (const auto& [action, text] : english) QCOMPARE(action->text(), text);
+        for (int language : {kPolish, kEnglish, kUkrainian}) {  // Alt and a letter opens one popup only
+            std::set<QChar> letters;
+            for (const TTextRow& row : TextTable()) {
+                const QString text = UiText(row.id, language);
+                if (!std::string_view(row.id).starts_with("menu.")) continue;
+                QVERIFY2(letters.insert(text.at(text.indexOf('&') + 1).toLower()).second, qPrintable(text));
+            }
+        }
         for (const TTextRow& row : TextTable())
             QVERIFY2(*row.polish && *row.english && *row.ukrainian, row.id);
     }
