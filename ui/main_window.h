@@ -146,6 +146,8 @@ class TMainWindow : public QMainWindow {
     }
     void FindDefence();
     void SolveAll() { StartRun(true, false, false); }
+    // Solves, then shows the main variant played to its end.
+    void SolveAndShowVariant();
     void SolveHybrid() { StartRun(false, true, false); }
     void SolveBruteForce() { StartRun(false, false, true); }
     void StartOrStop();
@@ -219,6 +221,7 @@ class TMainWindow : public QMainWindow {
     QPlainTextEdit* m_pProgress = nullptr;
     TClickButton* m_pStart = nullptr;
     bool m_bProgressLarge = false;
+    bool m_bShowWholeSolution = false;  // the run under way ends with its main variant played out
 };
 
 }  // namespace moremate::ui

@@ -49,6 +49,7 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"pos.redo", "menu.position", "Ctrl+Y", &TMainWindow::Redo},
         {"prob.solve", "menu.problem", "F5", &TMainWindow::Solve},
         {"prob.all", "menu.problem", "Shift+F5", &TMainWindow::SolveAll},
+        {"prob.whole", "menu.problem", "Alt+F5", &TMainWindow::SolveAndShowVariant},
         {"prob.defence", "menu.problem", "", &TMainWindow::FindDefence},
         {"prob.stop", "menu.problem", "", &TMainWindow::StopRun},
         {"prob.pause", "menu.problem", "", &TMainWindow::PauseRun},
@@ -158,6 +159,7 @@ void TMainWindow::BuildToolBar() {
         if (!Analysing()) return SolveAll();
         m_run.Paused() ? ResumeRun() : PauseRun();
     });
+    connect(m_pStart, &TClickButton::MiddleClicked, this, &TMainWindow::SolveAndShowVariant);
     bar->addWidget(m_pStart);
     bar->addSeparator();
     tool("prob.prev", "tip.prev", s->standardIcon(QStyle::SP_MediaSeekBackward));

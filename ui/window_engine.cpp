@@ -101,6 +101,12 @@ void TMainWindow::FindDefence() {
     UpdateRunState();
 }
 
+void TMainWindow::SolveAndShowVariant() {
+    if (Analysing()) return;
+    Solve();
+    m_bShowWholeSolution = Analysing();
+}
+
 void TMainWindow::StartOrStop() {
     Analysing() ? StopRun() : Solve();
 }
@@ -173,8 +179,10 @@ void TMainWindow::RunFinished(const TProblemReport& report) {
         m_collection.Set(m_nRunIndex, entry);
         if (m_collection.CurrentIndex() == m_nRunIndex && !m_bSettingMode) {
             ShowProblem();
+            if (m_bShowWholeSolution) ShowMainVariant();
         }
     }
+    m_bShowWholeSolution = false;
     UpdateTitle();
     if (report.result == "defence") m_reporter.Report(kResultOfAnalysisTitle, report.outcome);
     if (report.result == "no solution")

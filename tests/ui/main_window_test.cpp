@@ -241,6 +241,17 @@ class TMainWindowTest : public QObject {
         QVERIFY(!m_pWindow->Collection().Modified());
     }
 
+    void solvesAndShowsTheWholeMainVariant() {
+        Trigger("prob.whole");
+        WaitForRun();
+        QCOMPARE(m_pWindow->MovesMade().size(), size_t{3});  // Qa7-f2, Black's reply, the mate
+        QCOMPARE(m_pWindow->MovesShown(), size_t{3});
+        for (int i = 0; i < 3; ++i) Trigger("prob.back");  // a plain run shows the start again
+        Trigger("prob.solve");
+        WaitForRun();
+        QCOMPARE(m_pWindow->MovesShown(), size_t{0});
+    }
+
     void findsBlacksDefenceAfterWhitesMove() {
         Trigger("prob.defence");  // no White move made yet
         QVERIFY(Reported(*m_pReporter, "Make White's move on the board"));
