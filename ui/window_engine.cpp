@@ -1,10 +1,9 @@
 // The main window's engine commands: starting a run of the current problem on the engine
 // thread, steering it, showing its progress, and writing its results into the problem.
-#include <QApplication>
 #include <QInputDialog>
-#include <QListWidget>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QStyle>
 #include <QToolButton>
 
 #include "click_button.h"
@@ -22,7 +21,6 @@
 #include "problems/solving/solving_task.h"
 #include "progress_text.h"
 #include "registers/register_statistics.h"
-#include "settings/program_folder.h"
 #include "texts.h"
 
 #ifndef MOREMATE_VERSION
