@@ -3,8 +3,8 @@
 #include "commands.h"
 #include "problems/regression/script.h"
 #include "problems/regression/solved_problems_db.h"
+#include "problems/solving/tablebase_access.h"
 #include "settings/program_folder.h"
-#include "tablebase_access.h"
 #include "thread_options.h"
 
 namespace moremate::cli {
@@ -18,7 +18,7 @@ struct ScriptArgs {
 
 int RunScript(ScriptArgs& args, TProgramContext& context) {
     ApplyThreadDefaults(args.solve, context.options);
-    const std::unique_ptr<CTablebaseService> tablebase = TablebaseForRuns(context);
+    const std::unique_ptr<CTablebaseService> tablebase = TablebaseForRuns(context.options, context.reporter);
     args.solve.tablebase = LiChessOf(tablebase);
     TScriptEnvironment environment{context.options, args.solve, {}, {}, [](const std::string& line) {
                                        fmt::print("{}", line);

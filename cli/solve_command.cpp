@@ -17,12 +17,12 @@
 #include "problems/format/problem_moves.h"
 #include "problems/solving/problem_solving.h"
 #include "problems/solving/solve_report.h"
+#include "problems/solving/tablebase_access.h"
 #include "progress_line.h"
 #include "register_loading.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
 #include "run_keys.h"
-#include "tablebase_access.h"
 #include "thread_options.h"
 
 namespace moremate::cli {
@@ -57,7 +57,7 @@ bool Selected(const SolveArgs& args, unsigned number) {
 
 int RunSolve(SolveArgs& args, TProgramContext& context) {
     ApplyThreadDefaults(args.settings, context.options);
-    const std::unique_ptr<CTablebaseService> tablebase = TablebaseForRuns(context);
+    const std::unique_ptr<CTablebaseService> tablebase = TablebaseForRuns(context.options, context.reporter);
     args.settings.tablebase = LiChessOf(tablebase);
     if (args.settings.observerLevels < 0)
         args.settings.observerLevels = std::max(0, static_cast<int>(context.options.m_shObserverLevels));

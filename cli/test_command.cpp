@@ -4,9 +4,9 @@
 #include "problems/format/collection_reader.h"
 #include "problems/regression/regression_test.h"
 #include "problems/regression/solved_problems_db.h"
+#include "problems/solving/tablebase_access.h"
 #include "question_prompt.h"
 #include "settings/program_folder.h"
-#include "tablebase_access.h"
 #include "thread_options.h"
 
 namespace moremate::cli {
@@ -35,7 +35,7 @@ void PrintLine(const std::string& line) {
 
 int RunTest(TestArgs& args, const CLI::App& cmd, TProgramContext& context) {
     ApplyThreadDefaults(args.solve, context.options);
-    const std::unique_ptr<CTablebaseService> tablebase = TablebaseForRuns(context);
+    const std::unique_ptr<CTablebaseService> tablebase = TablebaseForRuns(context.options, context.reporter);
     args.solve.tablebase = LiChessOf(tablebase);
     std::vector<ProblemEntry> entries;
     try {

@@ -4,5 +4,5 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=Release -DMOREMATE_TESTS=OFF -DMOREMATE_BENCH=OFF
-cmake --build build --target moremate
+cmake --build build --target moremate moremate-gui
 ./build/moremate solve samples/sample_problems.cp --all-solutions

@@ -13,6 +13,8 @@
 namespace moremate {
 
 inline constexpr const char* kOptionsSection = "chess";
+// The most scheduler levels a run uses and the options dialog accepts.
+inline constexpr int kMaxSchedulerLevels = 9;
 
 inline constexpr const char* kRecompressionAboveRandomAccess =
     "Value of parameter AskForGlobalRegisterRecompression should not be greater than "

@@ -12,7 +12,6 @@
 
 namespace moremate {
 
-inline constexpr int kMaxSchedulerLevels = 9;
 inline constexpr int kMaxLichessLevels = 255;
 inline constexpr int kMaxThreads = 64;
 inline constexpr int kMaxMultithreadingLevels = 64;

@@ -20,8 +20,6 @@
 
 namespace moremate {
 
-inline constexpr int kMaxSchedulerLevels = 9;
-
 struct TSchedulerSettings {
     int levels = 0;                    // White moves, counted from the first, up to which it works; 0 = off
     bool custom = true;                // also in particular positions outside the levels (off with levels 0)

@@ -1,0 +1,409 @@
+// The main window driven through its actions, as the menus and keys drive it, on the offscreen
+// platform: reports go to a recording reporter that answers the questions from a queue.
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "core/fen.h"
+#include "problems/annotations/problem_variants.h"
+#include "settings/instance_lock.h"
+#include "settings/options_dialog.h"
+#include "ui/board_widget.h"
+#include "ui/instance_notice.h"
+#include "ui/main_window.h"
+#include "ui/options_window.h"
+#include "ui/piece_palette.h"
+#include "ui/start_log.h"
+#include "ui/texts.h"
+
+using namespace moremate;
+using namespace moremate::ui;
+
+namespace {
+
+// A #2 without an answer (key Qa7-f2) and a #5 that keeps the engine busy for a while.
+constexpr const char* kCollection =
+    "UTF-8\n\n"
+    "1 #2\n{\n\tDescription: a mate in two\n\tFEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n}\n\n"
+    "2 #5\n{\n\tDescription: a longer one\n\tFEN: 1k2K3/8/5R2/R4r2/8/5P2/5P2/8 w - - 0 1\n}\n\n"
+    "3 #3\n{\n\tDescription: third\n\tFEN: 8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1\n}\n";
+
+std::string ReadText(const std::filesystem::path& file) {
+    std::ifstream in(file);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+int Count(const CRecordingReporter& reporter, const std::string& text) {
+    int count = 0;
+    for (const auto& report : reporter.Reports()) count += report.sText.find(text) != std::string::npos;
+    return count;
+}
+
+bool Reported(const CRecordingReporter& reporter, const std::string& text) {
+    return Count(reporter, text) > 0;
+}
+
+}  // namespace
+
+class TMainWindowTest : public QObject {
+    Q_OBJECT
+
+  private:
+    QTemporaryDir m_dir;
+    std::unique_ptr<CRecordingReporter> m_pReporter;
+    std::unique_ptr<TMainWindow> m_pWindow;
+
+    std::filesystem::path File() const {
+        return std::filesystem::path(m_dir.path().toStdString()) / "test.cp";
+    }
+    void Trigger(const char* id) { m_pWindow->Action(id)->trigger(); }
+    std::string Fen() const { return WriteFenPlacement(m_pWindow->Collection().Current().m_position.board); }
+    void WaitForRun() {
+        QSignalSpy finished(m_pWindow.get(), &TMainWindow::AnalysisFinished);
+        QVERIFY(finished.wait(120000));
+    }
+
+  private Q_SLOTS:
+    void init() {
+        qputenv("MOREMATE_HOME", m_dir.path().toUtf8());
+        std::ofstream(File()) << kCollection;
+        m_pReporter = std::make_unique<CRecordingReporter>();
+        TOptions options;
+        options.m_shLichessLevels = -1;  // no network
+        options.m_nPrepareSolutionDescription = 0;
+        m_pWindow = std::make_unique<TMainWindow>(options, *m_pReporter);
+        m_pWindow->SetThreads(1);
+        QVERIFY(m_pWindow->OpenCollection(File()));
+    }
+
+    void cleanup() {
+        m_pReporter->QueueAnswer(ReportAnswer::No);  // leave the changes unsaved
+        m_pWindow.reset();
+    }
+
+    void opensAndNavigates() {
+        const TProblemCollection& c = m_pWindow->Collection();
+        QCOMPARE(c.Size(), size_t{3});
+        QCOMPARE(c.Current().m_nNumber, 1u);
+        struct Step {
+            const char* action;
+            uint32_t number;
+        };
+        for (const Step& step :
+             {Step{"prob.next", 2}, Step{"prob.last", 3}, Step{"prob.next", 3}, Step{"prob.first", 1},
+              Step{"prob.prev", 1}, Step{"prob.history", 3}, Step{"prob.return", 1}}) {
+            Trigger(step.action);
+            QCOMPARE(c.Current().m_nNumber, step.number);
+        }
+        QVERIFY(m_pWindow->SelectProblemNumber(3));
+        QCOMPARE(c.Current().m_nNumber, 3u);
+        QVERIFY(!m_pWindow->SelectProblemNumber(77));
+        QVERIFY(Reported(*m_pReporter, "There is no problem number 77"));
+        QCOMPARE(c.Current().m_nNumber, 3u);
+    }
+
+    void faultyFileIsReported() {
+        QVERIFY(!m_pWindow->OpenCollection(m_dir.path().toStdString() + "/missing.cp"));
+        QVERIFY(Reported(*m_pReporter, "Error opening file"));
+        QCOMPARE(m_pWindow->Collection().File(), File());
+    }
+
+    void pastesFenAndUndoes() {
+        const std::string before = Fen();
+        QApplication::clipboard()->setText("4k3/8/8/8/8/8/8/R3K3 w - - 0 1");
+        Trigger("pos.paste");
+        QCOMPARE(Fen(), std::string("4k3/8/8/8/8/8/8/R3K3"));
+        QVERIFY(m_pWindow->Collection().Modified());
+        Trigger("pos.undo");
+        QCOMPARE(Fen(), before);
+        Trigger("pos.redo");
+        QCOMPARE(Fen(), std::string("4k3/8/8/8/8/8/8/R3K3"));
+    }
+
+    void pastesMovesOntoTheBoard() {
+        QApplication::clipboard()->setText("1. Qa7-f2 Kc1-b1");
+        Trigger("pos.paste");
+        QCOMPARE(m_pWindow->MovesMade().size(), size_t{2});
+        QCOMPARE(m_pWindow->MovesShown(), size_t{2});
+        Trigger("prob.back");
+        QCOMPARE(m_pWindow->MovesShown(), size_t{1});
+    }
+
+    void copiesTheRecordWithOrWithoutAnnotations_data() {
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<bool>("variant");
+        QTest::addColumn<bool>("tag");
+        QTest::newRow("copy") << "pos.copy" << true << true;
+        QTest::newRow("without variants") << "pos.copynovar" << false << true;
+        QTest::newRow("without variants or tags") << "pos.copynotags" << false << false;
+    }
+
+    void copiesTheRecordWithOrWithoutAnnotations() {
+        QFETCH(QString, action);
+        QFETCH(bool, variant);
+        QFETCH(bool, tag);
+        QApplication::clipboard()->setText(
+            "9 #2\n//#TAGS\n//#miniature\n//!VARIANTS\n//!Main variant: 1. Qa7-f2 Kc1-b1\n//!ENDVARIANTS\n"
+            "{\n\tFEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n}\n");
+        Trigger("pos.paste");
+        QCOMPARE(m_pWindow->Collection().Current().m_nNumber, 1u);  // the number stays
+        Trigger(action.toUtf8().constData());
+        const QString copied = QApplication::clipboard()->text();
+        QCOMPARE(copied.contains("Main variant"), variant);
+        QCOMPARE(copied.contains("miniature"), tag);
+    }
+
+    void pastesAsMirror() {
+        QApplication::clipboard()->setText("4k3/8/8/8/8/8/8/R3K3 w - - 0 1");
+        Trigger("pos.pastemirror");
+        QCOMPARE(Fen(), std::string("3k4/8/8/8/8/8/8/3K3R"));
+        QVERIFY(m_pWindow->Collection().Current().m_sDescription.starts_with("Mirror: "));
+        QApplication::clipboard()->setText("no position");
+        Trigger("pos.pastemirror");
+        QVERIFY(Reported(*m_pReporter, "The clipboard holds no position"));
+    }
+
+    void editsAndUndoes_data() {
+        QTest::addColumn<QString>("edit");
+        QTest::addColumn<QString>("after");  // the FEN, or the stipulation "#n"
+        QTest::newRow("stipulation up") << "pos.stipup"
+                                        << "#3";
+        QTest::newRow("stipulation down") << "pos.stipdown"
+                                          << "#1";
+        QTest::newRow("stipulation up by 10") << "pos.stipup10"
+                                              << "#12";
+        QTest::newRow("rotate") << "pos.rotate"
+                                << "6Q1/8/k7/8/K7/8/8/R7";
+        QTest::newRow("swap") << "pos.swap"
+                              << "2K1k2r/8/8/8/8/8/q7/8";
+        QTest::newRow("setting mode") << "setting"
+                                      << "8/Q7/8/8/8/8/8/R1k1K2R";
+    }
+
+    void editsAndUndoes() {
+        QFETCH(QString, edit);
+        QFETCH(QString, after);
+        const ProblemEntry original = m_pWindow->Collection().Current();
+        if (edit == "setting") {
+            Trigger("pos.setting");
+            QVERIFY(m_pWindow->SettingMode());
+            m_pWindow->Palette()->Choose(MakePiece(kWhite, kRook));
+            m_pWindow->ClickSquare(0, Qt::LeftButton);  // a1
+        } else {
+            Trigger(edit.toUtf8().constData());
+        }
+        const ProblemEntry& now = m_pWindow->Collection().Current();
+        if (after.startsWith('#'))
+            QCOMPARE(now.StipulationMoves(), after.mid(1).toInt());
+        else
+            QCOMPARE(QString::fromStdString(Fen()), after);
+        Trigger("pos.undo");
+        QVERIFY(m_pWindow->Collection().Current() == original);
+    }
+
+    void clickClickMakesAMove() {
+        m_pWindow->ClickSquare(48, Qt::LeftButton);  // a7
+        m_pWindow->ClickSquare(13, Qt::LeftButton);  // f2
+        QCOMPARE(m_pWindow->MovesMade().size(), size_t{1});
+        m_pWindow->ClickSquare(2, Qt::LeftButton);   // c1: Black's king
+        m_pWindow->ClickSquare(20, Qt::LeftButton);  // e3: not a king move
+        QCOMPARE(m_pWindow->MovesMade().size(), size_t{1});
+    }
+
+    void solvesAndWritesTheKey() {
+        Trigger("prob.solve");
+        QVERIFY(m_pWindow->Analysing());
+        WaitForRun();
+        QVERIFY(!m_pWindow->Analysing());
+        const ProblemEntry& entry = m_pWindow->Collection().Current();
+        QCOMPARE(entry.m_answerKind, AnswerKind::Full);
+        QCOMPARE(entry.m_vAnswer.size(), size_t{1});
+        QCOMPARE(int(entry.m_vAnswer[0].from), 48);
+        QCOMPARE(int(entry.m_vAnswer[0].to), 13);
+        QVERIFY(ReadVariants(entry).variants.count(kMainVariantName) == 1);
+        QVERIFY(m_pWindow->ProgressText().contains("Qa7-f2"));
+        Trigger("file.save");
+        const std::string saved = ReadText(File());
+        QVERIFY(saved.find("Answer: a7-f2") != std::string::npos);
+        QVERIFY(saved.find("//!Main variant: 1. Qa7-f2") != std::string::npos);
+        QVERIFY(std::filesystem::exists(File().string() + ".BAK"));
+        QVERIFY(!m_pWindow->Collection().Modified());
+    }
+
+    void solvesAndShowsTheWholeMainVariant() {
+        Trigger("prob.whole");
+        WaitForRun();
+        QCOMPARE(m_pWindow->MovesMade().size(), size_t{3});  // Qa7-f2, Black's reply, the mate
+        QCOMPARE(m_pWindow->MovesShown(), size_t{3});
+        for (int i = 0; i < 3; ++i) Trigger("prob.back");  // a plain run shows the start again
+        Trigger("prob.solve");
+        WaitForRun();
+        QCOMPARE(m_pWindow->MovesShown(), size_t{0});
+    }
+
+    void findsBlacksDefenceAfterWhitesMove() {
+        Trigger("prob.defence");  // no White move made yet
+        QVERIFY(Reported(*m_pReporter, "Make White's move on the board"));
+        QApplication::clipboard()->setText("Qa7-a1");
+        Trigger("pos.paste");
+        Trigger("prob.solve");  // F5 with Black to move: the defence
+        QVERIFY(m_pWindow->Analysing());
+        WaitForRun();
+        QVERIFY(Reported(*m_pReporter, "Thread looking for black's defence in problem 1"));
+        QVERIFY(m_pWindow->ProgressText().contains("Thread looking for black's defence"));
+        QCOMPARE(m_pWindow->Collection().Current().m_answerKind, AnswerKind::None);  // nothing written
+    }
+
+    void refusesEditsDuringARun() {
+        Trigger("prob.next");  // the #5
+        const ProblemEntry before = m_pWindow->Collection().Current();
+        Trigger("prob.all");
+        QVERIFY(m_pWindow->Analysing());
+        for (const char* id : {"pos.stipup", "pos.paste", "pos.rotate", "pos.setting", "file.default"})
+            Trigger(id);
+        QVERIFY(m_pWindow->Collection().Current() == before);
+        QVERIFY(!m_pWindow->SettingMode());
+        QCOMPARE(Count(*m_pReporter, "Analysis pending - position cannot be modified"), 5);
+        // Leaving the problem asks first: no keeps it and the run.
+        m_pReporter->QueueAnswer(ReportAnswer::No);
+        Trigger("prob.next");
+        QCOMPARE(m_pWindow->Collection().Current().m_nNumber, 2u);
+        QVERIFY(m_pWindow->Analysing());
+        QVERIFY(Reported(*m_pReporter, "Search for mate pending. Do you want to stop this task?"));
+        m_pReporter->QueueAnswer(ReportAnswer::Yes);
+        Trigger("prob.next");
+        QCOMPARE(m_pWindow->Collection().Current().m_nNumber, 3u);
+        WaitForRun();
+        QVERIFY(!m_pWindow->Analysing());
+    }
+
+    void languageSwitchRelabelsEveryItem() {
+        m_pWindow->SetLanguage(kEnglish);
+        m_pWindow->ClickSquare(48, Qt::LeftButton);  // a move made on the board survives the switch
+        m_pWindow->ClickSquare(13, Qt::LeftButton);
+        const QString boardTip = m_pWindow->Board()->toolTip();
+        std::map<QAction*, QString> english;
+        for (QAction* a : m_pWindow->Actions()) english[a] = a->text();
+        for (QAction* a : m_pWindow->menuBar()->actions()) english[a] = a->text();
+        for (int language : {kPolish, kUkrainian}) {
+            Trigger(language == kPolish ? "lang.polish" : "lang.ukrainian");
+            QCOMPARE(m_pWindow->Language(), language);
+            for (const auto& [action, text] : english) {
+                QVERIFY2(!action->text().isEmpty(), qPrintable(action->objectName()));
+                QVERIFY2(action->text() != text, qPrintable(text));
+            }
+            QVERIFY(m_pWindow->Board()->toolTip() != boardTip);
+            QCOMPARE(m_pWindow->MovesMade().size(), size_t{1});
+        }
+        Trigger("lang.english");
+        for (const auto& [action, text] : english) QCOMPARE(action->text(), text);
+        for (int language : {kPolish, kEnglish, kUkrainian}) {  // Alt and a letter opens one popup only
+            std::set<QChar> letters;
+            for (const TTextRow& row : TextTable()) {
+                const QString text = UiText(row.id, language);
+                if (!std::string_view(row.id).starts_with("menu.")) continue;
+                QVERIFY2(letters.insert(text.at(text.indexOf('&') + 1).toLower()).second, qPrintable(text));
+            }
+        }
+        for (const TTextRow& row : TextTable())
+            QVERIFY2(*row.polish && *row.english && *row.ukrainian, row.id);
+    }
+
+    void closingOffersToSave() {
+        Trigger("pos.stipup");
+        m_pReporter->QueueAnswer(ReportAnswer::Cancel);
+        QVERIFY(!m_pWindow->close());
+        m_pReporter->QueueAnswer(ReportAnswer::Yes);
+        QVERIFY(m_pWindow->close());
+        QVERIFY(ReadText(File()).find("1 #3") != std::string::npos);
+    }
+
+    void secondInstanceNoticeFollowsTheOption_data() {
+        QTest::addColumn<int>("mode");
+        QTest::addColumn<bool>("box");
+        QTest::addColumn<bool>("status");
+        QTest::newRow("no warning") << 0 << false << false;
+        QTest::newRow("message box") << 1 << true << false;
+        QTest::newRow("status bar") << 2 << false << true;
+    }
+
+    void secondInstanceNoticeFollowsTheOption() {
+        QFETCH(int, mode);
+        QFETCH(bool, box);
+        QFETCH(bool, status);
+        CRecordingReporter next;
+        std::string shown;
+        CInstanceNoticeFilter filter(next, mode, [&shown](const std::string& text) { shown = text; });
+        filter.Report("Information", kSecondInstanceReadOnly, ReportButtons::Ok);
+        filter.Report("Warning", "another report", ReportButtons::Ok);
+        QCOMPARE(next.Reports().size(), box ? size_t{2} : size_t{1});
+        QCOMPARE(next.Reports().back().sText, std::string("another report"));
+        QCOMPARE(shown == kSecondInstanceReadOnly, status);
+    }
+
+    void startLogLines() {
+        std::tm when{};
+        when.tm_year = 126;
+        when.tm_mon = 10;
+        when.tm_mday = 25;
+        when.tm_hour = 9;
+        when.tm_min = 5;
+        when.tm_sec = 7;
+        when.tm_isdst = -1;
+        const std::time_t time = std::mktime(&when);
+        QCOMPARE(StartLogLine(true, time), std::string("Program opened (2026-11-25 09:05:07)"));
+        QCOMPARE(StartLogLine(false, time), std::string("Program close (2026-11-25 09:05:07)"));
+    }
+
+    void optionsDialogChecksItsFields_data() {
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("message");  // empty: saved
+        QTest::newRow("precalc memory") << "opt.precalcmem"
+                                        << "101" << kBadPrecalcMemRatio;
+        QTest::newRow("temporary memory") << "opt.tempmem"
+                                          << "-1" << kBadTempRegMemRatio;
+        QTest::newRow("scheduler levels") << "opt.sched"
+                                          << "10"
+                                          << "Invalid number of scheduler levels";
+        QTest::newRow("auto save") << "opt.automin"
+                                   << "-5" << kBadAutoSave;
+        QTest::newRow("accepted") << "opt.tempmem"
+                                  << "30"
+                                  << "";
+    }
+
+    void optionsDialogChecksItsFields() {
+        QFETCH(QString, field);
+        QFETCH(QString, value);
+        QFETCH(QString, message);
+        TOptions options;
+        int threads = 2;
+        TOptionsWindow dialog(options, threads, kEnglish, *m_pReporter, nullptr);
+        dialog.Field(field.toStdString())->setText(value);
+        const std::filesystem::path ini = std::filesystem::path(m_dir.path().toStdString()) / "options.ini";
+        std::filesystem::remove(ini);
+        QCOMPARE(dialog.SaveSettings(), message.isEmpty());
+        if (message.isEmpty()) {
+            QCOMPARE(options.m_nMaxMemRatioForTempReg, 30);
+            QVERIFY(ReadText(ini).find("MaxMemRatioForTempReg=30") != std::string::npos);
+        } else {
+            QVERIFY(Reported(*m_pReporter, message.toStdString()));
+            QVERIFY(!std::filesystem::exists(ini));
+        }
+    }
+};
+
+QTEST_MAIN(TMainWindowTest)
+#include "main_window_test.moc"

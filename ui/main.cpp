@@ -1,0 +1,28 @@
+// moremate-gui: the desktop program. Opens the collection named on the command line, else the
+// default collection (created when missing), at its first problem.
+#include <QApplication>
+
+#include "main_window.h"
+#include "message_box_reporter.h"
+#include "precalc/global/global_registers.h"
+#include "settings/program_folder.h"
+#include "start_log.h"
+
+int main(int argc, char** argv) {
+    using namespace moremate;
+    QApplication app(argc, argv);
+    QApplication::setApplicationName("moremate");
+    ui::CMessageBoxReporter reporter;
+    const TOptions options = ReadOptions(OptionsFilePath(), reporter);
+    TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(options), &reporter);
+    ui::AppendStartLog(true);
+    ui::TMainWindow window(options, reporter);
+    const QStringList arguments = QApplication::arguments();
+    const bool opened = arguments.size() > 1 && window.OpenCollection(arguments.at(1).toStdString());
+    if (!opened && !window.OpenDefaultCollection()) return 2;
+    window.show();
+    const int status = QApplication::exec();
+    reporter.Close();  // a run still ending must not wait for a message box
+    ui::AppendStartLog(false);
+    return status;
+}

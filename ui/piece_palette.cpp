@@ -1,0 +1,63 @@
+#include "piece_palette.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <array>
+
+#include "piece_glyphs.h"
+
+namespace moremate::ui {
+namespace {
+
+constexpr std::array<Piece, 13> kCells = {
+    MakePiece(kWhite, kKing),
+    MakePiece(kWhite, kQueen),
+    MakePiece(kWhite, kRook),
+    MakePiece(kWhite, kBishop),
+    MakePiece(kWhite, kKnight),
+    MakePiece(kWhite, kPawn),
+    MakePiece(kBlack, kKing),
+    MakePiece(kBlack, kQueen),
+    MakePiece(kBlack, kRook),
+    MakePiece(kBlack, kBishop),
+    MakePiece(kBlack, kKnight),
+    MakePiece(kBlack, kPawn),
+    kEmpty,
+};
+
+}  // namespace
+
+TPiecePalette::TPiecePalette(QWidget* parent) : QWidget(parent) {
+    setMinimumHeight(28);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void TPiecePalette::Choose(std::optional<Piece> piece) {
+    m_chosen = piece;
+    update();
+}
+
+QRectF TPiecePalette::CellRect(size_t index) const {
+    const double cell = std::min(static_cast<double>(height()), width() / static_cast<double>(kCells.size()));
+    return {static_cast<double>(index) * cell, 0, cell, cell};
+}
+
+void TPiecePalette::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    for (size_t i = 0; i < kCells.size(); ++i) {
+        const QRectF rect = CellRect(i);
+        painter.fillRect(rect, m_chosen == kCells[i] ? QColor(246, 246, 105) : QColor(225, 225, 225));
+        painter.setPen(QColor(150, 150, 150));
+        painter.drawRect(rect);
+        if (kCells[i] == kEmpty) painter.drawLine(rect.topLeft(), rect.bottomRight());
+        DrawPiece(painter, rect, kCells[i]);
+    }
+}
+
+void TPiecePalette::mousePressEvent(QMouseEvent* event) {
+    for (size_t i = 0; i < kCells.size(); ++i)
+        if (CellRect(i).contains(event->position()))
+            Choose(m_chosen == kCells[i] ? std::nullopt : std::optional(kCells[i]));
+}
+
+}  // namespace moremate::ui

@@ -1,0 +1,103 @@
+#include "problem_collection.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "core/chess_exception.h"
+#include "problems/format/collection_files.h"
+#include "problems/format/collection_reader.h"
+
+namespace moremate::ui {
+
+void TProblemCollection::Open(const std::filesystem::path& file, const TUserQuestions& questions) {
+    std::vector<ProblemEntry> entries;
+    std::exception_ptr fault;  // a fault after some records: they are shown, then the fault told
+    try {
+        ReadCollectionFile(file, entries, false, TCollectionReading{questions, {}});
+    } catch (const CCollectionReadError&) {
+        if (entries.empty()) throw;
+        fault = std::current_exception();
+    }
+    if (entries.empty()) throw ChessException("No problem in file " + file.string());
+    m_vEntries = std::move(entries);
+    m_pathFile = file;
+    m_nCurrent = 0;
+    m_bModified = false;
+    m_vBack.clear();
+    m_vForward.clear();
+    if (fault) std::rethrow_exception(fault);
+}
+
+void TProblemCollection::Append(const std::filesystem::path& file, const TUserQuestions& questions) {
+    std::vector<ProblemEntry> entries = m_vEntries;
+    ReadCollectionFile(file, entries, true, TCollectionReading{questions, {}});
+    m_vEntries = std::move(entries);
+    m_bModified = true;
+}
+
+void TProblemCollection::Save() {
+    WriteCollectionFile(m_pathFile, m_vEntries);
+    m_bModified = false;
+}
+
+void TProblemCollection::SaveAs(const std::filesystem::path& file) {
+    WriteCollectionFile(file, m_vEntries);
+    m_pathFile = file;
+    m_bModified = false;
+}
+
+void TProblemCollection::Set(size_t index, const ProblemEntry& entry) {
+    ProblemEntry& record = m_vEntries.at(index);
+    if (record == entry) return;
+    record = entry;
+    m_bModified = true;
+}
+
+bool TProblemCollection::GoTo(size_t index) {
+    if (index >= m_vEntries.size() || index == m_nCurrent) return false;
+    Moved(m_nCurrent);
+    m_nCurrent = index;
+    return true;
+}
+
+bool TProblemCollection::GoToNumber(uint32_t number) {
+    const auto it = std::find_if(m_vEntries.begin(), m_vEntries.end(),
+                                 [number](const ProblemEntry& e) { return e.m_nNumber == number; });
+    if (it == m_vEntries.end()) return false;
+    GoTo(static_cast<size_t>(it - m_vEntries.begin()));
+    return true;
+}
+
+bool TProblemCollection::GoBack() {
+    if (m_vBack.empty()) return false;
+    m_vForward.push_back(m_nCurrent);
+    m_nCurrent = m_vBack.back();
+    m_vBack.pop_back();
+    return true;
+}
+
+bool TProblemCollection::GoForward() {
+    if (m_vForward.empty()) return false;
+    m_vBack.push_back(m_nCurrent);
+    m_nCurrent = m_vForward.back();
+    m_vForward.pop_back();
+    return true;
+}
+
+void TProblemCollection::AddProblem() {
+    std::vector<ProblemEntry> fresh;
+    ReadCollectionText(kNewCollectionText, fresh, {});
+    uint32_t highest = 0;
+    for (const ProblemEntry& e : m_vEntries) highest = std::max(highest, e.m_nNumber);
+    fresh.front().m_nNumber = highest + 1;
+    m_vEntries.push_back(fresh.front());
+    m_bModified = true;
+    GoTo(m_vEntries.size() - 1);
+}
+
+void TProblemCollection::Moved(size_t from) {
+    m_vBack.push_back(from);
+    m_vForward.clear();
+}
+
+}  // namespace moremate::ui

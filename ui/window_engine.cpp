@@ -1,0 +1,241 @@
+// The main window's engine commands: starting a run of the current problem on the engine
+// thread, steering it, showing its progress, and writing its results into the problem.
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QStyle>
+#include <QToolButton>
+
+#include "click_button.h"
+#include "core/chess_exception.h"
+#include "core/notation.h"
+#include "engine/run/run_texts.h"
+#include "engine/search/black_defence.h"
+#include "engine/search/mate_search.h"
+#include "engine/threads/multithreading_levels.h"
+#include "main_window.h"
+#include "options_window.h"
+#include "precalc/global/global_registers.h"
+#include "problems/annotations/problem_variants.h"
+#include "problems/format/problem_moves.h"
+#include "problems/solving/solving_task.h"
+#include "progress_text.h"
+#include "registers/register_statistics.h"
+#include "texts.h"
+
+#ifndef MOREMATE_VERSION
+#define MOREMATE_VERSION "0.0.0"
+#endif
+
+namespace moremate::ui {
+
+void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
+    if (Analysing() || m_collection.Size() == 0) return;
+    if (m_bSettingMode) ToggleSettingMode();
+    const ProblemEntry& entry = m_collection.Current();
+    TSolveSettings settings;
+    settings.allSolutions = allSolutions;
+    settings.hybrid = hybrid;
+    settings.bruteForce = bruteForce;
+    settings.threads = m_nThreads;
+    settings.levels = static_cast<int>(DefaultThreadSettings(m_options.m_nMultithreadingLevels).levels);
+    settings.observerLevels = std::max(0, static_cast<int>(m_options.m_shObserverLevels));
+    settings.solutionDetails = m_options.m_nPrepareSolutionDescription != 0;
+    settings.tablebase = m_pTablebase ? &m_pTablebase->LiChess() : nullptr;
+    settings.run.reporter = &m_reporter;
+    try {
+        const std::optional<std::string> load = PrepareRunRegister(entry, m_options, m_pRunRegister);
+        if (load) Say(QString::fromStdString(*load));
+    } catch (const ChessException& e) {
+        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
+        return;
+    }
+    m_nRunIndex = m_collection.CurrentIndex();
+    m_pProgress->setPlainText(Text("label.running"));
+    m_run.Start(entry, settings, m_options, *m_pRunRegister);
+    UpdateRunState();
+}
+
+// Black's best defence in the position shown, reached by White's move made on the board.
+void TMainWindow::FindDefence() {
+    if (Analysing() || m_collection.Size() == 0) return;
+    const TChessboard shown = ShownBoard();
+    if (m_nShown == 0 || shown.WhiteToMove()) {
+        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
+                          Text("msg.nodefence").toStdString());
+        return;
+    }
+    const ProblemEntry entry = m_collection.Current();
+    const std::vector<TMove> before(m_vMoves.begin(), m_vMoves.begin() + static_cast<long>(m_nShown) - 1);
+    const TMove key = m_vMoves[m_nShown - 1];
+    const TOptions options = m_options;
+    m_nRunIndex = m_collection.CurrentIndex();
+    m_pProgress->setPlainText(Text("label.running"));
+    m_run.StartWork([entry, before, key, options](CRunControl& control) {
+        TSolvingTask task = MakeSolvingTask(entry);
+        if (!before.empty()) PlayMovesAfter(task, MoveSequenceText(task.position, before));
+        task.position.problem = &task.root;
+        TChessboard afterKey;
+        MakeMove(task.position, MoveToText(task.position, key), afterKey);
+        CRunRegister runRegister(options);
+        TSearchEnvironment env;
+        env.store = &runRegister;
+        env.stop = control.StopFlag();
+        env.control = &control;
+        TMateSearch search(env);
+        TProblemReport report;
+        report.problem = entry.m_nNumber;
+        report.result = "defence";
+        try {
+            report.outcome = "Thread looking for black's defence in problem " +
+                             std::to_string(entry.m_nNumber) + "\n" +
+                             DefenceText(afterKey, FindBlackDefence(search, afterKey));
+        } catch (const TSearchStopped&) {
+            report.result = "stopped";
+            report.outcome = kAnalysisStoppedText;
+        }
+        return report;
+    });
+    UpdateRunState();
+}
+
+void TMainWindow::SolveAndShowVariant() {
+    if (Analysing()) return;
+    Solve();
+    m_bShowWholeSolution = Analysing();
+}
+
+void TMainWindow::StartOrStop() {
+    Analysing() ? StopRun() : Solve();
+}
+
+void TMainWindow::StopRun() {
+    if (!Analysing()) return;
+    m_run.Stop();
+    Say(kStopPendingText);
+}
+
+void TMainWindow::PauseRun() {
+    if (Analysing()) m_run.Pause();
+    UpdateRunState();
+}
+
+void TMainWindow::ResumeRun() {
+    if (Analysing()) m_run.Resume();
+    UpdateRunState();
+}
+
+void TMainWindow::SkipMove() {
+    if (Analysing() && !m_run.Skip())
+        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), kSkipFailedText);
+}
+
+void TMainWindow::ShowProgress(const TRunProgress& progress) {
+    if (!Analysing()) return;
+    m_pProgress->setPlainText(
+        ProgressAreaText(progress, TGlobalRegisters::Instance().MemoryBytes(), m_nLanguage));
+}
+
+// The keys go into the record's answer when it has none, and the main line of the first key
+// becomes its main variant.
+void TMainWindow::WriteResult(ProblemEntry& entry, const TProblemReport& report) const {
+    if (report.result != "solved") return;
+    const TChessboard& start = entry.m_position.board;
+    if (entry.m_answerKind == AnswerKind::None && !report.keysLong.empty()) {
+        entry.m_answerKind = AnswerKind::Full;
+        for (const std::string& key : report.keysLong) {
+            TChessboard child;
+            entry.m_vAnswer.push_back(MakeMove(start, key, child));
+        }
+    }
+    if (report.mainLine.empty() || !entry.m_vMoves.empty()) return;
+    TVariants variants = ReadVariants(entry).variants;
+    variants[kMainVariantName] = ReadMoveSequence(report.mainLine, start);
+    WriteVariants(entry, variants);
+}
+
+void TMainWindow::RunFinished(const TProblemReport& report) {
+    UpdateRunState();
+    QString text = QString::fromStdString(report.outcome).trimmed();
+    if (!report.keysLong.empty()) {
+        QStringList keys;
+        for (const std::string& key : report.keysLong) keys << QString::fromStdString(key);
+        text += "\n" + keys.join(", ") + "\n" + QString::fromStdString(report.mainLine);
+    }
+    if (report.error) {
+        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), *report.error);
+        text += "\n" + QString::fromStdString(*report.error);
+    }
+    m_pProgress->setPlainText(text);
+    if (m_nRunIndex < m_collection.Size()) {
+        ProblemEntry entry = m_collection.At(m_nRunIndex);
+        try {
+            WriteResult(entry, report);
+        } catch (const ChessException& e) {
+            Say(e.what());
+        }
+        m_collection.Set(m_nRunIndex, entry);
+        if (m_collection.CurrentIndex() == m_nRunIndex && !m_bSettingMode) {
+            ShowProblem();
+            if (m_bShowWholeSolution) ShowMainVariant();
+        }
+    }
+    m_bShowWholeSolution = false;
+    UpdateTitle();
+    if (report.result == "defence") m_reporter.Report(kResultOfAnalysisTitle, report.outcome);
+    if (report.result == "no solution")
+        m_reporter.Report(kResultOfAnalysisTitle,
+                          NoSolutionText(static_cast<int>(report.msec / 1000), false));
+    Say(QString::fromStdString(report.outcome).section('\n', 1, 1));
+    Q_EMIT AnalysisFinished();
+}
+
+void TMainWindow::UpdateRunState() {
+    const bool running = Analysing();
+    m_pStart->setIcon(style()->standardIcon(running ? QStyle::SP_MediaStop : QStyle::SP_MediaPlay));
+    for (const char* id : {"prob.stop", "prob.pause", "prob.resume", "prob.skip"})
+        m_actions.at(id)->setEnabled(running);
+    for (const char* id : {"prob.solve", "prob.all", "prob.hybrid", "prob.brute"})
+        m_actions.at(id)->setEnabled(!running);
+    m_pDescription->setReadOnly(running);
+    Say(running ? (m_run.Paused() ? Title("prob.pause") : Text("label.running")) : Text("label.ready"));
+}
+
+void TMainWindow::ClearRegister() {
+    if (Analysing()) {
+        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), kSaveRefusedText);
+        return;
+    }
+    m_pRunRegister.reset();
+}
+
+void TMainWindow::RegisterStatus() {
+    const std::string title = ReportTitle(ReportKind::Information, m_nLanguage);
+    if (!m_pRunRegister) return void(m_reporter.Report(title, Text("msg.noregister").toStdString()));
+    if (Analysing()) return void(m_reporter.Report(title, kToolUnavailableText));
+    m_reporter.Report(title, "White to move:\n" + RegisterStatistics(m_pRunRegister->WhiteToMove()) +
+                                 "\n\nBlack to move:\n" + RegisterStatistics(m_pRunRegister->BlackToMove()));
+}
+
+void TMainWindow::GlobalRegisterStatus() {
+    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
+                      TGlobalRegisters::Instance().StatusText());
+}
+
+void TMainWindow::ShowOptions() {
+    TOptionsWindow dialog(m_options, m_nThreads, m_nLanguage, m_reporter, this);
+    dialog.exec();
+}
+
+void TMainWindow::About() {
+    QMessageBox::about(this, Title("help.about"), Text("msg.about").arg(MOREMATE_VERSION));
+}
+
+void TMainWindow::ChooseThreads() {
+    bool ok = false;
+    const int threads =
+        QInputDialog::getInt(this, Text("label.threads"), Text("label.threads"), m_nThreads, 1, 64, 1, &ok);
+    if (ok) m_nThreads = threads;
+}
+
+}  // namespace moremate::ui
