@@ -1,5 +1,7 @@
 // moremate-gui: the desktop program. Opens the collection named on the command line, else the
 // default collection (created when missing), at its first problem.
+#include <csignal>
+
 #include <QApplication>
 
 #include "main_window.h"
@@ -10,6 +12,8 @@
 
 int main(int argc, char** argv) {
     using namespace moremate;
+    // Past a file-size limit a write then fails with EFBIG and is reported, the old file kept.
+    std::signal(SIGXFSZ, SIG_IGN);
     QApplication app(argc, argv);
     QApplication::setApplicationName("moremate");
     ui::CMessageBoxReporter reporter;
