@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "core/chess_exception.h"
+#include "diagnostics/crash_handler.h"
 #include "precalc/global/global_registers.h"
 #include "settings/program_folder.h"
 
@@ -20,6 +21,7 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     CStderrReporter reporter;
     TProgramContext context{ReadOptions(OptionsFilePath(), reporter), reporter};
+    diagnostics::InstallCrashHandler(context.options);
     TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(context.options), &reporter);
     std::map<std::string, Runner> runners;
     runners["perft"] = AddPerftCommand(app);
@@ -33,6 +35,7 @@ int main(int argc, char** argv) {
     runners["script"] = AddScriptCommand(app, context);
     runners["precalc"] = AddPrecalcCommand(app, context);
     runners["tablebase"] = AddTablebaseCommand(app, context);
+    runners["crash-test"] = AddCrashTestCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {
