@@ -11,6 +11,8 @@ build=$(realpath "$build")
 targets=${TARGETS:-$(tr '\n' ' ' <fuzz/targets)}
 mkdir -p "$build/artifacts" "$build/work"
 cd "$build/work"  # the readers' scratch files and logs land here
+# UndefinedBehaviorSanitizer names where a fault was found.
+export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1}
 status=0
 for t in $targets; do
   log="$build/artifacts/$t.log"

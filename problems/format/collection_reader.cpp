@@ -54,7 +54,9 @@ void ReadCollectionText(std::string_view text, std::vector<ProblemEntry>& entrie
 void ReadCollectionFile(const std::filesystem::path& file, std::vector<ProblemEntry>& entries, bool append,
                         const TCollectionReading& reading) {
     std::ifstream in(file, std::ios::binary);
-    if (!in) throw ChessException("Error opening file: " + file.string());
+    // A folder opens as a stream whose first read throws std::ios_base::failure.
+    if (!in || std::filesystem::is_directory(file))
+        throw ChessException("Error opening file: " + file.string());
     const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
     if (!append) entries.clear();
     ReadCollectionText(text, entries, reading);
