@@ -16,14 +16,29 @@ inline std::string Text(const uint8_t* data, size_t size) {
     return std::string(reinterpret_cast<const char*>(data), size);
 }
 
-// A folder under the temporary folder for this process, made on first use.
+// A folder under the temporary folder for this process, made on first use and removed with
+// everything in it when the process ends normally.
+class CFuzzFolder {
+  public:
+    CFuzzFolder()
+        : m_path(std::filesystem::temp_directory_path() / ("moremate-fuzz-" + std::to_string(getpid()))) {
+        std::filesystem::create_directories(m_path);
+    }
+    ~CFuzzFolder() {
+        std::error_code error;
+        std::filesystem::remove_all(m_path, error);
+    }
+    CFuzzFolder(const CFuzzFolder&) = delete;
+    CFuzzFolder& operator=(const CFuzzFolder&) = delete;
+    const std::filesystem::path& Path() const { return m_path; }
+
+  private:
+    std::filesystem::path m_path;
+};
+
 inline const std::filesystem::path& Folder() {
-    static const std::filesystem::path folder = [] {
-        auto path = std::filesystem::temp_directory_path() / ("moremate-fuzz-" + std::to_string(getpid()));
-        std::filesystem::create_directories(path);
-        return path;
-    }();
-    return folder;
+    static const CFuzzFolder folder;
+    return folder.Path();
 }
 
 inline std::filesystem::path WriteFile(const std::string& name, const uint8_t* data, size_t size) {
