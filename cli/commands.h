@@ -34,5 +34,6 @@ Runner AddTestCommand(CLI::App& app, TProgramContext& context);
 Runner AddScriptCommand(CLI::App& app, TProgramContext& context);
 Runner AddPrecalcCommand(CLI::App& app, TProgramContext& context);
 Runner AddTablebaseCommand(CLI::App& app, TProgramContext& context);
+Runner AddCrashTestCommand(CLI::App& app, TProgramContext& context);
 
 }  // namespace moremate::cli

@@ -7,6 +7,7 @@
 
 #include "commands.h"
 #include "core/chess_exception.h"
+#include "diagnostics/crash_handler.h"
 #include "precalc/global/global_registers.h"
 #include "register_loading.h"
 #include "settings/program_folder.h"
@@ -26,6 +27,7 @@ int main(int argc, char** argv) {
     CStderrReporter reporter;
     TProgramContext context{ReadOptions(OptionsFilePath(), reporter), reporter};
     ReportInterruptedSaves();  // of registers, by a process killed while saving
+    diagnostics::InstallCrashHandler(context.options);
     TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(context.options), &reporter);
     std::map<std::string, Runner> runners;
     runners["perft"] = AddPerftCommand(app);
@@ -39,6 +41,7 @@ int main(int argc, char** argv) {
     runners["script"] = AddScriptCommand(app, context);
     runners["precalc"] = AddPrecalcCommand(app, context);
     runners["tablebase"] = AddTablebaseCommand(app, context);
+    runners["crash-test"] = AddCrashTestCommand(app, context);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp& e) {

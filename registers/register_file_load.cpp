@@ -38,6 +38,7 @@ class CMemorySource {
     explicit CMemorySource(const std::vector<uint8_t>& data) : m_data(data) {}
     size_t Read(uint8_t* p, size_t size) {
         const size_t nRead = std::min(size, m_data.size() - m_nOffset);
+        if (nRead == 0) return 0;  // the data may be empty, without memory at all
         std::memcpy(p, m_data.data() + m_nOffset, nRead);
         m_nOffset += nRead;
         return nRead;

@@ -24,7 +24,8 @@ namespace moremate {
 // Proof and disproof numbers; kInfinity marks the settled side (pn 0 / dn kInfinity: proven).
 inline constexpr uint32_t kInfinity = 0x7fffffff;
 
-struct TProofNumbers {
+// Aligned to its size so that std::atomic<TProofNumbers> is lock-free with every compiler.
+struct alignas(8) TProofNumbers {
     uint32_t pn = 1;
     uint32_t dn = 1;
     bool Proven() const { return pn == 0; }

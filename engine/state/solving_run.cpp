@@ -22,22 +22,31 @@ std::atomic<int> g_nEngineThreadProcBlackMovesPending{0};
 void CRunningProblems::Started(uint32_t id) {
     std::lock_guard lock(m_mutex);
     m_setRunning.insert(id);
+    UpdateCounts();
 }
 
 void CRunningProblems::Stopping(uint32_t id) {
     std::lock_guard lock(m_mutex);
     m_setStopping.insert(id);
+    UpdateCounts();
 }
 
 void CRunningProblems::StoppingAll() {
     std::lock_guard lock(m_mutex);
     m_setStopping.insert(m_setRunning.begin(), m_setRunning.end());
+    UpdateCounts();
 }
 
 void CRunningProblems::Ended(uint32_t id) {
     std::lock_guard lock(m_mutex);
     m_setRunning.erase(id);
     m_setStopping.erase(id);
+    UpdateCounts();
+}
+
+void CRunningProblems::UpdateCounts() {
+    m_nRunning = m_setRunning.size();
+    m_nStopping = m_setStopping.size();
 }
 
 size_t CRunningProblems::RunningCount() const {

@@ -22,7 +22,8 @@ extern std::atomic<bool> g_bRegressionsTestsProcPending;
 extern std::atomic<int> g_nEngineThreadProcAuxMatePending;     // "EngineThreadProc_AuxMate_pending"
 extern std::atomic<int> g_nEngineThreadProcBlackMovesPending;  // "EngineThreadProc_BlackMoves_pending"
 
-// Identifiers of the problems running and of those being stopped.
+// Identifiers of the problems running and of those being stopped. The counts are also kept apart
+// from the sets, for readers that must not lock (a report written from a signal handler).
 class CRunningProblems {
   public:
     void Started(uint32_t id);
@@ -31,10 +32,15 @@ class CRunningProblems {
     void StoppingAll();  // every running problem is being stopped
     size_t RunningCount() const;
     size_t StoppingCount() const;
+    size_t RunningCountWithoutLock() const { return m_nRunning.load(); }
+    size_t StoppingCountWithoutLock() const { return m_nStopping.load(); }
 
   private:
+    void UpdateCounts();  // with the mutex held
+
     mutable std::mutex m_mutex;
     std::set<uint32_t> m_setRunning, m_setStopping;
+    std::atomic<size_t> m_nRunning{0}, m_nStopping{0};
 };
 CRunningProblems& RunningProblems();
 

@@ -63,11 +63,12 @@ constexpr size_t kChunk = 16;
 // end of the block and from such an overlap, whole chunks are copied: the bytes past the string
 // that they carry are overwritten by the strings that follow, and a string read from the
 // unpacked bytes ends before the place it is copied to, so the chunks read nothing this copy
-// writes before reading it.
+// writes before reading it. A chunk's tail may still reach into the chunk it is copied to (a
+// string just before its copy), hence memmove, which compiles to the same load and store.
 void CopyString(uint8_t* pOut, const uint8_t* pOutEnd, const uint8_t* pString, size_t nLength) {
     const bool bApart = pString + nLength <= pOut || pString >= pOutEnd;
     if (bApart && pOut + nLength + kChunk <= pOutEnd) {
-        for (size_t i = 0; i < nLength; i += kChunk) std::memcpy(pOut + i, pString + i, kChunk);
+        for (size_t i = 0; i < nLength; i += kChunk) std::memmove(pOut + i, pString + i, kChunk);
     } else if (bApart) {
         std::memcpy(pOut, pString, nLength);
     } else {

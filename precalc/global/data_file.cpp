@@ -42,6 +42,11 @@ std::vector<uint8_t> HeaderBytes(const TDataFileHeader& h) {
 }
 
 std::vector<uint8_t> ReadPayload(const std::filesystem::path& file, const TDataFileHeader& h) {
+    // Checked before the payload's memory is taken: a damaged size could ask for any amount.
+    std::error_code error;
+    const uint64_t fileBytes = std::filesystem::file_size(file, error);
+    if (error || fileBytes - kDataFileHeaderBytes < h.m_nPayloadBytes)
+        Damaged(file, "shorter than its header says");
     std::ifstream in(file, std::ios::binary);
     std::vector<uint8_t> payload(h.m_nPayloadBytes);
     in.seekg(static_cast<std::streamoff>(kDataFileHeaderBytes));

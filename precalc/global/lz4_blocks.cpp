@@ -44,9 +44,10 @@ std::vector<uint8_t> UnpackLz4Blocks(const std::vector<uint8_t>& packed, uint64_
         std::memcpy(&packedSize, &packed[at + 4], 4);
         at += 8;
         if (packedSize > packed.size() - at || size > nBytes - done) fail();
-        const int got = LZ4_decompress_safe(reinterpret_cast<const char*>(&packed[at]),
-                                            reinterpret_cast<char*>(&out[done]), static_cast<int>(packedSize),
-                                            static_cast<int>(size));
+        // Pointers, not elements: an empty block may stand at the end of either vector.
+        const int got = LZ4_decompress_safe(reinterpret_cast<const char*>(packed.data() + at),
+                                            reinterpret_cast<char*>(out.data() + done),
+                                            static_cast<int>(packedSize), static_cast<int>(size));
         if (got != static_cast<int>(size)) fail();
         at += packedSize;
         done += size;

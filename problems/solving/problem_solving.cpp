@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "core/chess_exception.h"
+#include "core/fen.h"
 #include "core/notation.h"
 #include "engine/heuristics/heuristic_text.h"
 #include "engine/heuristics/position_type.h"
@@ -15,6 +16,7 @@
 #include "engine/run/run_texts.h"
 #include "engine/search/first_move_order.h"
 #include "engine/search/precalc_hook.h"
+#include "engine/state/current_problem.h"
 #include "engine/state/run_control.h"
 #include "engine/state/solving_run.h"
 #include "engine/threads/scheduler.h"
@@ -228,6 +230,8 @@ void Solve(const ProblemEntry& entry, const TSolvingTask& task, const TSolveSett
            const TOptions& options, CRunRegister& runRegister, std::atomic<uint64_t>* progress,
            TProblemReport& report) {
     const CSolvingRunScope run(entry.m_nNumber, BruteForce(entry, settings) == TBruteForce::Full);
+    const CCurrentProblemScope current(entry.m_sDescription, static_cast<int>(entry.m_nNumber),
+                                       WriteFen(task.position), task.nPlies);
     std::optional<CTablebaseLookup> lookup;
     if (settings.tablebase)
         lookup.emplace(*settings.tablebase, runRegister, task.position,

@@ -206,6 +206,26 @@ check "tablebase castling rights" 2 'no positions with castling rights' -- table
 export MOREMATE_HOME=$offline
 rm -rf "$tb"
 
+# The crash handler: a crash on purpose leaves its log in the working folder and status 3.
+check "crash-test refused while the option is off" 2 'set AddTestCrashHandlerMenuItem=1' -- crash-test segv
+crash=$(mktemp -d)
+printf '[chess]\nAddTestCrashHandlerMenuItem=1\nTablebaseURL=http://127.0.0.1:1/\n' >"$crash/options.ini"
+export MOREMATE_HOME=$crash
+cd "$crash" || exit 1
+check "crash-test names its log" 3 '^Details written to crash_log_[-_0-9]+\.log$' -- crash-test fpe
+grep -q '^Exception Code: 0xC0000094 (Integer Divide By Zero)$' "$crash"/crash_log_*.log
+tally "the crash log names the exception"
+grep -q '^moremate(moremate::diagnostics::ProvokeCrash(' "$crash"/crash_log_*.log
+tally "the crash log's call stack is symbolised"
+rm -f "$crash"/crash_log_*.log
+printf 'UseSystemCrashHandler=1\n' >>"$crash/options.ini"
+bash -c 'ulimit -c 0; "$0" crash-test segv; exit $?' "$mm" 2>/dev/null
+[ $? -eq 139 ] && ! ls crash_log_* 2>/dev/null
+tally "UseSystemCrashHandler=1 leaves the crash to the system"
+cd - >/dev/null || exit 1
+export MOREMATE_HOME=$offline
+rm -rf "$crash"
+
 rm -f /tmp/moremate_cli_err.$$
 echo "cli: $passed passed, $failed failed"
 [ "$failed" -eq 0 ]

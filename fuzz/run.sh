@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Runs each fuzz target for SECONDS (default 30) over its corpus in build-fuzz/corpus/<target>/,
+# which keeps the new inputs found. Prints one line per target with its executions per second;
+# a crash stops with the target's report and the input under build-fuzz/artifacts/. Build first
+# with fuzz/build.sh. TARGETS="fen_moves script" runs only those.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+seconds=${1:-30}
+build=${FUZZ_BUILD:-build-fuzz}
+build=$(realpath "$build")
+targets=${TARGETS:-$(tr '\n' ' ' <fuzz/targets)}
+mkdir -p "$build/artifacts" "$build/work"
+cd "$build/work"  # the readers' scratch files and logs land here
+# UndefinedBehaviorSanitizer names where a fault was found.
+export UBSAN_OPTIONS=${UBSAN_OPTIONS:-print_stacktrace=1}
+status=0
+for t in $targets; do
+  log="$build/artifacts/$t.log"
+  if "$build/fuzz/fuzz_$t" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2560 -max_len=65536 \
+      -print_final_stats=1 -artifact_prefix="$build/artifacts/$t-" "$build/corpus/$t" >"$log" 2>&1; then
+    runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
+    speed=$(sed -n 's/^stat::average_exec_per_sec: *//p' "$log")
+    corpus=$(find "$build/corpus/$t" -type f | wc -l)
+    printf 'fuzz %-17s %8s s %10s runs %7s exec/s %6s inputs\n' "$t" "$seconds" "$runs" "$speed" "$corpus"
+  else
+    echo "fuzz $t: FAILED, see $log"
+    grep -E 'ERROR|SUMMARY|Test unit written' "$log" | head -5
+    status=1
+  fi
+done
+exit $status
