@@ -2,13 +2,13 @@
 // needs on disk, and the rule that a reader may refuse its input only with ChessException.
 #pragma once
 
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <string>
+
+#include "tests/support/temp_folder.h"
 
 namespace moremate::fuzz {
 
@@ -16,28 +16,10 @@ inline std::string Text(const uint8_t* data, size_t size) {
     return std::string(reinterpret_cast<const char*>(data), size);
 }
 
-// A folder under the temporary folder for this process, made on first use and removed with
-// everything in it when the process ends normally.
-class CFuzzFolder {
-  public:
-    CFuzzFolder()
-        : m_path(std::filesystem::temp_directory_path() / ("moremate-fuzz-" + std::to_string(getpid()))) {
-        std::filesystem::create_directories(m_path);
-    }
-    ~CFuzzFolder() {
-        std::error_code error;
-        std::filesystem::remove_all(m_path, error);
-    }
-    CFuzzFolder(const CFuzzFolder&) = delete;
-    CFuzzFolder& operator=(const CFuzzFolder&) = delete;
-    const std::filesystem::path& Path() const { return m_path; }
-
-  private:
-    std::filesystem::path m_path;
-};
-
+// A folder of this process under the temporary folder, removed with everything in it when the
+// process ends normally.
 inline const std::filesystem::path& Folder() {
-    static const CFuzzFolder folder;
+    static const testing::CTempFolder folder;
     return folder.Path();
 }
 
