@@ -35,15 +35,23 @@ TMove Castling(bool white, bool kingside) {
                  static_cast<Square>(MakeSquare(kingside ? 6 : 2, rank)), 0};
 }
 
+// The generator settles what a piece's reach cannot: pins, checks, promotions, en passant. A
+// position whose side not to move stands in check (one never validated) offers the capture of a
+// king, which no line may play.
+void PlayLegalMove(const TChessboard& board, const TMove& move, TChessboard& child) {
+    TMoveList legal;
+    GenerateLegalMoves(board, legal);
+    if (!legal.Contains(move) || TypeOf(board.squares[move.to]) == kKing)
+        throw ChessException("Illegal move");
+    PlayMove(board, move, child);
+}
+
 // Castling texts are checked against the generator only: the king's two-file step is no attack.
 TMove PlayCastling(const TChessboard& board, std::string text, TChessboard& child) {
     for (char& c : text)
         if (c == 'O') c = '0';
     const TMove move = ParseFullDescription(text, board.WhiteToMove());
-    TMoveList legal;
-    GenerateLegalMoves(board, legal);
-    if (!legal.Contains(move)) throw ChessException("Illegal move");
-    PlayMove(board, move, child);
+    PlayLegalMove(board, move, child);
     return move;
 }
 
@@ -136,11 +144,7 @@ TMove MakeMove(const TChessboard& board, const std::string& text, TChessboard& c
     const TMove parsed = ParseFullDescription(move, board.WhiteToMove());
     RequireMovingPiece(board, move, parsed);
     if (!Attacks(board, parsed) && !IsPawnPush(board, parsed)) throw ChessException("Illegal move");
-    // The generator settles what the piece's reach cannot: pins, checks, promotions, en passant.
-    TMoveList legal;
-    GenerateLegalMoves(board, legal);
-    if (!legal.Contains(parsed)) throw ChessException("Illegal move");
-    PlayMove(board, parsed, child);
+    PlayLegalMove(board, parsed, child);
     return parsed;
 }
 
