@@ -114,15 +114,16 @@ void RemoveSavingFiles(const std::filesystem::path& whiteFile) {
     std::filesystem::remove(SavingPath(CommitFilePath(whiteFile)), error);
 }
 
-CRegisterSaveLock::CRegisterSaveLock(const std::filesystem::path& file, bool bWait) {
-    const std::filesystem::path folder = file.has_parent_path() ? file.parent_path() : ".";
-    m_nFd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    m_bHeld = m_nFd >= 0 && flock(m_nFd, LOCK_EX | (bWait ? 0 : LOCK_NB)) == 0;
+namespace {
+
+std::filesystem::path FolderOf(const std::filesystem::path& file) {
+    return file.has_parent_path() ? file.parent_path() : ".";
 }
 
-CRegisterSaveLock::~CRegisterSaveLock() {
-    if (m_nFd >= 0) close(m_nFd);
-}
+}  // namespace
+
+CRegisterSaveLock::CRegisterSaveLock(const std::filesystem::path& file, bool bWait)
+    : m_lock(FolderOf(file), O_RDONLY | O_DIRECTORY, bWait) {}
 
 std::string RecoverInterruptedSave(const std::filesystem::path& whiteFile, const CRegisterSaveLock& lock) {
     if (!lock.Held()) return "";

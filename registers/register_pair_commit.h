@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "settings/file_lock.h"
+
 namespace moremate {
 
 std::filesystem::path SavingPath(const std::filesystem::path& file);
@@ -30,15 +32,11 @@ class CRegisterSaveLock {
   public:
     // The lock of the folder of `file`: waited for when `bWait`, else tried once.
     CRegisterSaveLock(const std::filesystem::path& file, bool bWait);
-    ~CRegisterSaveLock();
-    CRegisterSaveLock(const CRegisterSaveLock&) = delete;
-    CRegisterSaveLock& operator=(const CRegisterSaveLock&) = delete;
 
-    bool Held() const { return m_bHeld; }
+    bool Held() const { return m_lock.Held(); }
 
   private:
-    int m_nFd = -1;
-    bool m_bHeld = false;
+    CFileLock m_lock;
 };
 
 // Finishes a save that was killed after its commit, or removes the ".saving" files of one killed

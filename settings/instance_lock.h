@@ -5,6 +5,8 @@
 
 #include <filesystem>
 
+#include "file_lock.h"
+
 namespace moremate {
 
 inline constexpr const char* kInstanceLockFile = "moremate.lock";
@@ -17,15 +19,11 @@ class CInstanceLock {
     // Tries the lock in `folder`; a folder where the lock file cannot be made counts as held by
     // another instance, so that nothing is written there.
     explicit CInstanceLock(const std::filesystem::path& folder);
-    ~CInstanceLock();
-    CInstanceLock(const CInstanceLock&) = delete;
-    CInstanceLock& operator=(const CInstanceLock&) = delete;
 
-    bool FirstInstance() const { return m_bHeld; }
+    bool FirstInstance() const { return m_lock.Held(); }
 
   private:
-    int m_nFd = -1;
-    bool m_bHeld = false;
+    CFileLock m_lock;
 };
 
 }  // namespace moremate

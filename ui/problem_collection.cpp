@@ -68,20 +68,22 @@ bool TProblemCollection::GoToNumber(uint32_t number) {
     return true;
 }
 
-bool TProblemCollection::GoBack() {
-    if (m_vBack.empty()) return false;
-    m_vForward.push_back(m_nCurrent);
-    m_nCurrent = m_vBack.back();
-    m_vBack.pop_back();
+// One step through the history: the current problem goes onto `to`, the last of `from` becomes
+// the current one.
+bool TProblemCollection::Step(std::vector<size_t>& from, std::vector<size_t>& to) {
+    if (from.empty()) return false;
+    to.push_back(m_nCurrent);
+    m_nCurrent = from.back();
+    from.pop_back();
     return true;
 }
 
+bool TProblemCollection::GoBack() {
+    return Step(m_vBack, m_vForward);
+}
+
 bool TProblemCollection::GoForward() {
-    if (m_vForward.empty()) return false;
-    m_vBack.push_back(m_nCurrent);
-    m_nCurrent = m_vForward.back();
-    m_vForward.pop_back();
-    return true;
+    return Step(m_vForward, m_vBack);
 }
 
 void TProblemCollection::AddProblem() {

@@ -56,6 +56,7 @@ class TProblemCollection {
     std::filesystem::path m_pathFile;
     size_t m_nCurrent = 0;
     bool m_bModified = false;
+    bool Step(std::vector<size_t>& from, std::vector<size_t>& to);
     std::vector<size_t> m_vBack, m_vForward;  // problems viewed before and the ones GoBack left
 };
 
