@@ -35,6 +35,7 @@ size_t ObservedMoves(const TRunThreads& threads) {
 }  // namespace
 
 TPassRunResult RunPassesWithServices(TPassRunRequest request, const TRunServices& services) {
+    if (services.control) services.control->RunStarting();
     if (KnownNoMate(request)) {
         TPassRunResult known;
         known.fromRegister = true;
@@ -52,10 +53,10 @@ TPassRunResult RunPassesWithServices(TPassRunRequest request, const TRunServices
             observed.emplace(LogicalProcessorCount(), ObservedMoves(threads));
             request.environment.observed = &*observed;
         }
-        tick.emplace(TProgressSources{services.control, request.environment.progressNodes,
-                                      request.runRegister, [threads] { return ThreadFigures(threads); },
-                                      observed ? &*observed : nullptr},
-                     services.onProgress);
+        tick.emplace(
+            TProgressSources{services.control, request.environment.progressNodes, request.runRegister,
+                             [threads] { return ThreadFigures(threads); }, observed ? &*observed : nullptr},
+            services.onProgress);
     }
     std::atomic<bool>* stop = services.control ? services.control->StopFlag() : nullptr;
     TPassRunResult result = RunPasses(std::move(request), stop);

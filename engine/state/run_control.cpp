@@ -17,6 +17,11 @@ void CRunControl::Stop() {
     m_cvResume.notify_all();
 }
 
+void CRunControl::RunStarting() {
+    std::lock_guard lock(m_mutex);  // not between the two flags of Stop()
+    m_bStop = m_bUserStop.load();
+}
+
 void CRunControl::Pause() {
     std::lock_guard lock(m_mutex);
     m_bPaused = true;

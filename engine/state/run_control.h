@@ -41,6 +41,9 @@ class CRunControl {
     void Stop();
     // A stop asked for through Stop(), as against a time limit that raised the flag.
     bool StoppedByUser() const { return m_bUserStop.load(); }
+    // A new run (the next problem) starts: the last run's time limit no longer stops it; a stop
+    // asked for by the user still does.
+    void RunStarting();
 
     // A time limit that runs out during a pause ends the run at the resume.
     void Pause();

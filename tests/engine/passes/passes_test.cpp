@@ -17,6 +17,7 @@
 #include "core/validation.h"
 #include "engine/passes/relaxation.h"
 #include "engine/run/run_services.h"
+#include "engine/state/run_control.h"
 #include "tests/support/positions.h"
 #include "tests/support/temp_folder.h"
 
@@ -253,6 +254,24 @@ TEST(RunServices, RootProvenInTheRegisterIsNotSearched) {
     EXPECT_EQ(known.result, kNoMate);
     EXPECT_EQ(known.nodes, 0u);
     EXPECT_TRUE(known.passes.empty());
+}
+
+// The flag a time limit raised ends that run only: the next problem is searched; a stop the user
+// asked for ends every run after it.
+TEST(RunServices, TimeLimitOfOneRunDoesNotStopTheNext) {
+    CRunRegister reg(20'000);
+    CRunControl control;
+    TRunServices services;
+    services.control = &control;
+    control.StopFlag()->store(true);  // as the deadline of the run before leaves it
+    const TPassRunResult next = RunPassesWithServices(NoMateInTwo(reg), services);
+    EXPECT_FALSE(next.stopped);
+    EXPECT_EQ(next.result, kNoMate);
+
+    CRunRegister fresh(20'000);
+    control.Stop();
+    const TPassRunResult afterStop = RunPassesWithServices(NoMateInTwo(fresh), services);
+    EXPECT_TRUE(afterStop.stopped);
 }
 
 // Black Kh8 walled in by Rg8 (immobile), Bf8 and pawns g7 (pinned), h7; White Ke1, Qa1, Bh1. #5.
