@@ -71,9 +71,14 @@ class TRegisterCombinedMap {
 
     std::optional<TChessboardRegisterEntry> Find(const TChessboardRegisterItem& item) const;
 
+    // The first of two steps ahead of a lookup: starts loading the bucket word of `item`,
+    // without reading it. Must not run concurrently with Swap.
+    void PrefetchBucket(const TChessboardRegisterItem& item) const { __builtin_prefetch(&BucketOf(item)); }
+
     // Starts loading the bucket of `item` and the first entries it points to into the cache,
-    // without locking and without waiting. A prefetch never faults, so a pointer that a
-    // concurrent change has just made stale does no harm. Must not run concurrently with Swap.
+    // without locking; it waits for the bucket word only (after PrefetchBucket, some work
+    // earlier, that is in the cache). A prefetch never faults, so a pointer that a concurrent
+    // change has just made stale does no harm. Must not run concurrently with Swap.
     void Prefetch(const TChessboardRegisterItem& item) const {
         const uint64_t word = BucketOf(item).load(std::memory_order_relaxed);
         const char* p = static_cast<const char*>(BucketPointer(word));

@@ -51,6 +51,8 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     // generates the position), so that the memory accesses of several positions overlap.
     // Takes no lock; must not run concurrently with SetBucketCount.
     void Prefetch(const TChessboardRegisterItem& position) const { m_table.Prefetch(position); }
+    // The step before Prefetch, some more work ahead: the bucket word alone.
+    void PrefetchBucket(const TChessboardRegisterItem& position) const { m_table.PrefetchBucket(position); }
 
     // Removes the entries whose results are all small (see above); returns how many.
     virtual uint32_t RemoveNMovers(uint16_t n);

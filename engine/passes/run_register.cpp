@@ -61,6 +61,10 @@ void CRunRegister::Store(const uint8_t* squares, int halfMoves, uint8_t result) 
         reg.Insert(n, item, result == kMate);
 }
 
+void CRunRegister::PrefetchBucket(const uint8_t* squares, int halfMoves) {
+    For(halfMoves).PrefetchBucket(Item(squares));
+}
+
 void CRunRegister::Prefetch(const uint8_t* squares, int halfMoves) {
     For(halfMoves).Prefetch(Item(squares));
 }

@@ -27,6 +27,7 @@ class CRunRegister : public CPositionStore {
 
     uint8_t Lookup(const uint8_t* squares, int halfMoves) override;
     void Store(const uint8_t* squares, int halfMoves, uint8_t result) override;
+    void PrefetchBucket(const uint8_t* squares, int halfMoves) override;
     void Prefetch(const uint8_t* squares, int halfMoves) override;
 
     int FillPercent() const;

@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "core/gives_check.h"
-#include "engine/state/run_control.h"
 #include "dead_position.h"
+#include "engine/state/run_control.h"
 #include "position_repetition.h"
 
 namespace moremate {
@@ -20,29 +20,36 @@ constexpr int kQuickerMateMaxPlayed = 7;
 // within their group; nearer the end counting the replies costs more than it saves.
 constexpr int kFewestRepliesMinHalfMoves = 5;
 
-// Plays the moves of a list one ahead of the search: while child i is searched, child i + 1 is
-// already on its board and its register bucket on the way into the cache (with a store given).
+// Plays the moves of a list ahead of the search, so that the register's memory accesses overlap
+// the search (with a store given): while child i is searched, child i + 1 has its bucket and
+// entries on the way into the cache, and child i + 2, already on its board, its bucket word.
 class CChildrenAhead {
   public:
     CChildrenAhead(const TChessboard& node, const TMoveList& moves, CPositionStore* store)
         : m_node(node), m_moves(moves), m_pStore(store) {
-        if (moves.count > 0) PlayMove(node, moves.moves[0], m_children[0]);
+        for (int i = 0; i < 2 && i < moves.count; ++i) Play(i);
     }
     // For i = 0, 1, 2, ... in turn.
     const TChessboard& Child(int i) {
-        if (i + 1 < m_moves.count) {
-            TChessboard& next = m_children[(i + 1) & 1];
-            PlayMove(m_node, m_moves.moves[i + 1], next);
-            if (m_pStore) m_pStore->Prefetch(next.squares, next.movesLeft);
+        if (i + 2 < m_moves.count) Play(i + 2);
+        if (m_pStore && i + 1 < m_moves.count) {
+            const TChessboard& next = m_children[(i + 1) % 3];
+            m_pStore->Prefetch(next.squares, next.movesLeft);
         }
-        return m_children[i & 1];
+        return m_children[i % 3];
     }
 
   private:
+    void Play(int i) {
+        TChessboard& child = m_children[i % 3];
+        PlayMove(m_node, m_moves.moves[i], child);
+        if (m_pStore) m_pStore->PrefetchBucket(child.squares, child.movesLeft);
+    }
+
     const TChessboard& m_node;
     const TMoveList& m_moves;
     CPositionStore* m_pStore;
-    TChessboard m_children[2];
+    TChessboard m_children[3];
 };
 
 }  // namespace

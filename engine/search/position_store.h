@@ -16,7 +16,12 @@ class CPositionStore {
     virtual uint8_t Lookup(const uint8_t* squares, int halfMoves) = 0;
     // Records a settled result (kMate, kNoMate or kDoubtful) for `halfMoves`.
     virtual void Store(const uint8_t* squares, int halfMoves, uint8_t result) = 0;
-    // Starts loading what a Lookup of the position will read, without waiting for it.
+    // Starts loading what a Lookup of the position will read. The first step, PrefetchBucket,
+    // waits for nothing; Prefetch, given some work later, loads the rest.
+    virtual void PrefetchBucket(const uint8_t* squares, int halfMoves) {
+        (void)squares;
+        (void)halfMoves;
+    }
     virtual void Prefetch(const uint8_t* squares, int halfMoves) {
         (void)squares;
         (void)halfMoves;
