@@ -193,13 +193,14 @@ std::string ProofNumberStatsText(const TProofNumberPassResult& r) {
     const TProofNumberTableStats& t = r.table;
     return fmt::format(
         "Proof-number pass: {} ms, {} nodes expanded, {} evaluated ({} from the table, {} from the register, "
-        "{} from precalculated data, {} mate-in-one tests), {} proven, {} disproven; keys {}, first moves "
+        "{} from precalculated data, {} mate-in-one tests), {} settled by short searches of {} nodes, {} "
+        "proven, {} disproven; keys {}, first moves "
         "disproved {}, proof walks {} "
         "nodes\nProof-number table: {} of {} entries used, {} stores, {} replaced, {} collections emptying "
         "{}\n",
-        r.msec, s.nodes, s.evaluated, s.tableHits, s.registerHits, s.precalcHits, s.mateInOneTests, s.proven,
-        s.disproven, r.keys.size(), r.disproved.size(), r.walkNodes, t.used, t.capacity, t.stores,
-        t.replacements, t.collections, t.collected);
+        r.msec, s.nodes, s.evaluated, s.tableHits, s.registerHits, s.precalcHits, s.mateInOneTests,
+        s.shortSearches, s.shortSearchNodes, s.proven, s.disproven, r.keys.size(), r.disproved.size(),
+        r.walkNodes, t.used, t.capacity, t.stores, t.replacements, t.collections, t.collected);
 }
 
 TProofNumberPassResult RunProofNumberPass(const TProofNumberPassRequest& request, std::atomic<bool>* stop) {
@@ -233,7 +234,7 @@ TProofNumberPassResult RunProofNumberPass(const TProofNumberPassRequest& request
     out.stats = root.Stats();
     out.table = table.Stats();
     out.walkNodes = root.WalkNodes();
-    out.nodes = out.stats.nodes;
+    out.nodes = out.stats.nodes + out.stats.shortSearchNodes;
     out.msec = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
                    .count();
     return out;

@@ -11,6 +11,10 @@ namespace {
 
 constexpr TProofNumbers kProven{0, kInfinity};
 constexpr TProofNumbers kDisproven{kInfinity, 0};
+// Nodes this close to the end are settled by the ordinary search when they are expanded: a
+// mate in two, or a Black node answered by mates in two, costs it fewer nodes than the table's
+// bookkeeping, while a fresh node's numbers (Black's replies) still guide the search to it.
+constexpr int kShortSearchHalfMoves = 4;
 
 uint32_t Add(uint32_t a, uint32_t b) {
     return static_cast<uint32_t>(std::min<uint64_t>(uint64_t{a} + b, kInfinity - 1));
@@ -38,6 +42,8 @@ TProofNumberStats& TProofNumberStats::operator+=(const TProofNumberStats& o) {
     registerHits += o.registerHits;
     precalcHits += o.precalcHits;
     mateInOneTests += o.mateInOneTests;
+    shortSearches += o.shortSearches;
+    shortSearchNodes += o.shortSearchNodes;
     proven += o.proven;
     disproven += o.disproven;
     return *this;
@@ -45,7 +51,7 @@ TProofNumberStats& TProofNumberStats::operator+=(const TProofNumberStats& o) {
 
 TProofNumberSearch::TProofNumberSearch(const TSearchEnvironment& env, CProofNumberTable& table,
                                        const std::atomic<bool>* budgetSpent)
-    : m_env(env), m_table(table), m_pBudgetSpent(budgetSpent) {
+    : m_env(env), m_table(table), m_pBudgetSpent(budgetSpent), m_short(env) {
     m_children.reserve(4096);
 }
 
@@ -144,6 +150,22 @@ bool TProofNumberSearch::AddChildren(const TChessboard& node, size_t first, TPro
     return true;
 }
 
+bool TProofNumberSearch::SettledByShortSearch(const TChessboard& node, TProofNumbers& numbers) {
+    if (node.movesLeft > kShortSearchHalfMoves) return false;
+    const uint64_t before = m_short.Nodes();
+    const uint8_t result = m_short.FindForcedMate(node);  // no heuristics: kMate or kNoMate
+    ++m_stats.shortSearches;
+    m_stats.shortSearchNodes += m_short.Nodes() - before;
+    if (result != kMate && result != kNoMate) return false;
+    numbers = result == kMate ? kProven : kDisproven;
+    return true;
+}
+
+TMove TProofNumberSearch::ShortMatingMove(const TChessboard& node) {
+    if (!node.WhiteToMove() || node.movesLeft > kShortSearchHalfMoves) return TMove{};
+    return m_short.MatingMove(node, node.movesLeft);
+}
+
 void TProofNumberSearch::Record(const TChessboard& node, const TPositionKey& key,
                                 const TProofNumbers& numbers, uint64_t work) {
     m_table.Store(key, numbers, work);
@@ -162,7 +184,7 @@ void TProofNumberSearch::Expand(const TChessboard& node, const TPositionKey& key
     const uint64_t startNodes = m_stats.nodes;
     const bool orNode = node.WhiteToMove();
     const size_t first = m_children.size();
-    if (!AddChildren(node, first, numbers)) {
+    if (SettledByShortSearch(node, numbers) || !AddChildren(node, first, numbers)) {
         m_children.resize(first);
         Record(node, key, numbers, 1);
         return;

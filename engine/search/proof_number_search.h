@@ -6,9 +6,11 @@
 //
 // The search goes where the tree is thinnest. A fresh Black node costs as many proofs as Black
 // has replies, so White's moves that leave Black the fewest replies (checks, above all) are
-// tried first; a White node with one move left is settled at once by a mate-in-one test, a Black
-// node with two left by such tests of its replies. Thresholds widen by the 1 + epsilon rule so
-// that the search does not thrash between siblings of similar cost.
+// tried first; a White node with one move left is settled at once by a mate-in-one test, and a
+// node with at most four half-moves left, once it is expanded, by the ordinary search (its own
+// repetitions are failures of White's, which is sound: a mate through a repetition has a shorter
+// one). Thresholds widen by the 1 + epsilon rule so that the search does not thrash between
+// siblings of similar cost.
 //
 // Settled nodes are shared with the temporary register both ways: a fact found there settles a
 // node without search, and a node settled here is stored there (mate within n, or none).
@@ -33,8 +35,10 @@ struct TProofNumberStats {
     uint64_t registerHits = 0;  // fresh nodes settled by the temporary register
     uint64_t precalcHits = 0;   // fresh nodes settled by precalculated data
     uint64_t mateInOneTests = 0;
-    uint64_t proven = 0;     // nodes proven (mate) and stored
-    uint64_t disproven = 0;  // nodes disproven (no mate) and stored
+    uint64_t shortSearches = 0;     // nodes near the end settled by the ordinary search
+    uint64_t shortSearchNodes = 0;  // the nodes those searches took
+    uint64_t proven = 0;            // nodes proven (mate) and stored
+    uint64_t disproven = 0;         // nodes disproven (no mate) and stored
     TProofNumberStats& operator+=(const TProofNumberStats& o);
 };
 
@@ -51,6 +55,10 @@ class TProofNumberSearch {
     // numbers when neither does).
     TProofNumbers Numbers(const TChessboard& node);
 
+    // A move of White's that mates within the half-moves left of a node that the ordinary search
+    // settles (see above); the null move when there is none or the node is farther from the end.
+    TMove ShortMatingMove(const TChessboard& node);
+
     const TProofNumberStats& Stats() const { return m_stats; }
 
   private:
@@ -64,6 +72,8 @@ class TProofNumberSearch {
                 TProofNumbers& numbers);
     // Fills the children of `node` into m_children from `first` on; false when one of them
     // settles the node at once (a proof of an OR node, a disproof of an AND node).
+    // A node near the end, settled by the ordinary search; false when it is farther away.
+    bool SettledByShortSearch(const TChessboard& node, TProofNumbers& numbers);
     bool AddChildren(const TChessboard& node, size_t first, TProofNumbers& settled);
     TProofNumbers Evaluate(const TChessboard& child, const TPositionKey& key);
     TProofNumbers FreshNumbers(const TChessboard& child);
@@ -74,6 +84,7 @@ class TProofNumberSearch {
     TSearchEnvironment m_env;
     CProofNumberTable& m_table;
     const std::atomic<bool>* m_pBudgetSpent;
+    TMateSearch m_short;
     std::vector<TChild> m_children;  // the children of every node on the line, one block each
     TProofNumberStats m_stats;
 };

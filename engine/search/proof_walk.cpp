@@ -31,6 +31,14 @@ CProofWalk::TStep CProofWalk::WhiteStep(const TChessboard& node) {
     OrderWhiteMoves(node, moves, TKillerMoves{}, node.movesLeft == 1);
     const TStep step = ProvenMove(node, moves);
     if (step.length >= 0 || node.movesLeft == 1) return step;
+    // Near the end the search settles nodes by the ordinary search, which keeps no numbers of
+    // their children: it names the mating move itself.
+    if (const TMove mating = m_proofs.ShortMatingMove(node); !mating.IsNull()) {
+        TChessboard child;
+        PlayMove(node, mating, child);
+        const int length = Length(child);
+        return length >= 0 ? TStep{static_cast<int16_t>(length + 1), mating} : TStep{};
+    }
     // The table no longer holds a proven move here: prove the node again (the search polls the
     // run's stop and the pass's budget).
     if (m_proofs.Prove(node) != kMate) return {};
