@@ -9,7 +9,7 @@
 #include "problems/annotations/register_reference.h"
 #include "problems/annotations/register_reference_text.h"
 #include "problems/format/collection_files.h"
-#include "problems/format/text_file.h"
+#include "settings/bounded_file.h"
 #include "problems/solving/problem_solving.h"
 #include "problems/solving/solve_report.h"
 #include "register_loading.h"

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "core/thread_start.h"
 #include "engine/run/run_texts.h"
 
 namespace moremate::cli {
@@ -44,7 +45,7 @@ CRunKeys::CRunKeys(CRunControl& control, FSay say) : m_control(control), m_say(s
     interrupt.sa_flags = SA_RESTART;
     sigaction(SIGINT, &interrupt, &m_savedInterrupt);
     m_bKeys = StartReadingKeys(m_savedTerminal);
-    m_thread = std::thread([this] { Watch(); });
+    m_thread = StartThread([this] { Watch(); });
 }
 
 CRunKeys::~CRunKeys() {

@@ -13,6 +13,7 @@
 #include <exception>
 #include <string>
 
+#include "alternate_stack.h"
 #include "call_stack.h"
 #include "crash_log.h"
 #include "crash_log_name.h"
@@ -28,9 +29,9 @@ constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT};
 constexpr uint64_t kStackOverflowReach = 64 * 1024;
 
 char g_achProcessFileName[4096] = "unknown";
+char g_achDialogProgram[4096] = "";
 long g_nUtcOffsetSeconds = 0;
 std::atomic<long> g_nReportingThread{0};
-alignas(16) char g_achAlternateStack[256 * 1024];
 
 long ThisThread() {
     return syscall(SYS_gettid);
@@ -57,14 +58,39 @@ void ClaimReport() {
     for (;;) pause();
 }
 
+// Appends what fits of `text`, keeping the terminating zero.
+template <size_t N>
+void Append(char (&message)[N], const char* text) {
+    const size_t used = std::strlen(message);
+    std::strncat(message, text, N - 1 - used);
+}
+
+// The user's message, on stderr and in the dialog.
+template <size_t N>
+void ComposeMessage(char (&message)[N], const char* text, const char* logName, bool logWritten) {
+    message[0] = '\0';
+    Append(message, "Unhandled exception caught: ");
+    Append(message, text);
+    Append(message, logWritten ? "\n\nDetails written to " : "\n\nThe file ");
+    Append(message, logName);
+    Append(message, logWritten ? "\n\n" : " could not be created; details written above.\n\n");
+    Append(message, "Program will now be terminated.\n");
+}
+
+// Replaces the process by the dialog program, when there is one; returns only when that fails.
+void ShowDialog(char* message) {
+    if (g_achDialogProgram[0] == '\0') return;
+    char argument[std::char_traits<char>::length(kShowCrashArgument) + 1];
+    std::memcpy(argument, kShowCrashArgument, sizeof argument);
+    char* argv[] = {g_achDialogProgram, argument, message, nullptr};
+    execv(g_achDialogProgram, argv);
+}
+
 void TellUser(const char* text, const char* logName, bool logWritten) {
-    CLogBuffer out(STDERR_FILENO);
-    out.Text("Unhandled exception caught: ").Text(text).Text("\n\n");
-    if (logWritten)
-        out.Text("Details written to ").Text(logName).Text("\n\n");
-    else
-        out.Text("The file ").Text(logName).Text(" could not be created; details written above.\n\n");
-    out.Text("Program will now be terminated.\n");
+    char message[2048];
+    ComposeMessage(message, text, logName, logWritten);
+    CLogBuffer(STDERR_FILENO).Text(message);
+    ShowDialog(message);
 }
 
 [[noreturn]] void Report(const char* text, TCrash& crash) {
@@ -124,21 +150,17 @@ std::string CurrentExceptionText() {
     Report(text.c_str(), crash);
 }
 
-void InstallAlternateStack() {
-    stack_t stack{};
-    stack.ss_sp = g_achAlternateStack;
-    stack.ss_size = sizeof g_achAlternateStack;
-    sigaltstack(&stack, nullptr);
-}
-
 }  // namespace
 
-void InstallCrashHandler(const TOptions& options) {
+void InstallCrashHandler(const TOptions& options, const std::filesystem::path& dialogProgram) {
     if (options.m_bUseSystemCrashHandler) return;
+    g_achDialogProgram[0] = '\0';
+    std::strncat(g_achDialogProgram, dialogProgram.c_str(), sizeof g_achDialogProgram - 1);
     ReadProcessFileName();
     ReadUtcOffset();
     PrepareCallStack();
     InstallAlternateStack();
+    SetThreadHooks(&kAlternateStackHooks);
     struct sigaction action {};
     action.sa_sigaction = OnSignal;
     // Not deferred: a fault inside the report comes back here and ends the process at once.

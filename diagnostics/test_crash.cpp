@@ -4,6 +4,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include "core/thread_start.h"
+
 namespace moremate::diagnostics {
 
 namespace {
@@ -32,7 +34,8 @@ volatile bool g_bEndRecursion = false;
 }
 
 [[noreturn]] void ThrowInThread() {
-    std::thread thrower([] { throw std::runtime_error("crash test: an exception nobody catches"); });
+    std::thread thrower =
+        StartThread([] { throw std::runtime_error("crash test: an exception nobody catches"); });
     thrower.join();
     std::abort();
 }

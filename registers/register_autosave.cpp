@@ -44,9 +44,10 @@ bool CRegisterAutoSave::SaveIfDue() {
     TRegisterSaveOptions options;
     options.form = TRegisterFileForm::Lz4Container;
     if (m_settings.nMegabytes > 0) options.nByteLimit = static_cast<uint64_t>(m_settings.nMegabytes) << 20;
+    options.writeDescriptor = [this](const std::filesystem::path& file) {
+        return WriteAutoSaveDescriptor(file, m_descriptor);
+    };
     SaveRegisterFile(FilePath(), *m_pWhite, m_pBlack, options);
-    if (!WriteAutoSaveDescriptor(FilePath().string() + ".ini", m_descriptor))
-        throw ChessException("Cannot write " + FilePath().string() + ".ini");
     m_nLastSaveMs = nNow;
     return true;
 }

@@ -1,8 +1,9 @@
 // The automatic save of a solving run's registers: every AutoSaveMinutes minutes, asked by the
 // register's emptying (its autosave hook) and by the solving run, the registers are written to
 // "AutoSave.tmpReg" in the folder of saved registers, replacing the previous automatic save, and
-// the descriptor "AutoSave.tmpReg.ini" is written beside them. AutoSaveMB bounds the file: the
-// save keeps the shortest levels that fit (before packing). The file is a "lz4 " container.
+// the descriptor "AutoSave.tmpReg.ini" beside them is replaced in the same commit as the pair, so
+// that a kill never leaves the descriptor of another save. AutoSaveMB bounds the file: the save
+// keeps the shortest levels that fit (before packing). The file is a "lz4 " container.
 #pragma once
 
 #include <cstdint>

@@ -22,6 +22,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <functional>
 #include <limits>
 #include <string>
 
@@ -50,6 +51,9 @@ struct TRegisterSaveOptions {
     uint64_t nByteLimit = kNoByteLimit;  // on the stream before packing
     unsigned nCompressionThreads = 0;    // for the containers; 0: one per processor
     bool bLogCompression = false;        // one line per block into the file's name + ".log"
+    // Writes the descriptor that belongs to the saved files to the path given (a temporary name,
+    // put in place together with them); false when it could not.
+    std::function<bool(const std::filesystem::path&)> writeDescriptor;
 };
 
 struct TRegisterSaveResult {

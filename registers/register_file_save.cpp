@@ -106,6 +106,13 @@ TRegisterSaveResult SaveOne(const std::filesystem::path& path,
     return result;
 }
 
+// The save's descriptor, if it has one, under its ".saving" name.
+void WriteDescriptor(const std::filesystem::path& whiteFile, const TRegisterSaveOptions& options) {
+    if (!options.writeDescriptor) return;
+    const std::filesystem::path temporary = SavingPath(DescriptorPath(whiteFile));
+    if (!options.writeDescriptor(temporary)) throw ChessException("Cannot write " + temporary.string());
+}
+
 }  // namespace
 
 std::string FileErrorText(const char* sMessage, const std::string& sFileName) {
@@ -203,6 +210,7 @@ TRegisterSaveResult SaveRegisterFile(const std::filesystem::path& path,
             result.nStreamBytes += black.nStreamBytes;
             result.bComplete = result.bComplete && black.bComplete;
         }
+        WriteDescriptor(path, options);
         PauseForKillTest("register-pair");
         CommitRegisterPair(path, pBlack != nullptr);
         return result;

@@ -9,6 +9,7 @@
 #include <exception>
 #include <thread>
 
+#include "core/thread_start.h"
 #include "lz4e_codec.h"
 
 namespace moremate {
@@ -148,13 +149,14 @@ std::optional<std::vector<uint8_t>> CompressContainer(TBlockForm form, const uin
     std::vector<std::thread> threads;
     threads.reserve(parts.size());
     for (size_t i = 0, nOffset = 0; i < parts.size(); nOffset += parts[i++].nOriginal) {
-        threads.emplace_back([&block = blocks[i], form, p = pData + nOffset, nSize = parts[i].nOriginal] {
-            try {
-                block = CompressBlock(form, p, nSize);
-            } catch (const std::exception&) {
-                block.reset();  // out of memory: the container fails
-            }
-        });
+        threads.push_back(
+            StartThread([&block = blocks[i], form, p = pData + nOffset, nSize = parts[i].nOriginal] {
+                try {
+                    block = CompressBlock(form, p, nSize);
+                } catch (const std::exception&) {
+                    block.reset();  // out of memory: the container fails
+                }
+            }));
     }
     for (std::thread& thread : threads) thread.join();
 

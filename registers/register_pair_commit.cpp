@@ -76,6 +76,9 @@ void ApplyCommit(const std::filesystem::path& whiteFile) {
     }
     PauseForKillTest("register-renames");
     if (std::filesystem::exists(SavingPath(whiteFile))) Rename(SavingPath(whiteFile), whiteFile);
+    PauseForKillTest("register-descriptor");
+    const std::filesystem::path descriptor = DescriptorPath(whiteFile);
+    if (std::filesystem::exists(SavingPath(descriptor))) Rename(SavingPath(descriptor), descriptor);
     SyncFolder(whiteFile);
     std::error_code error;
     std::filesystem::remove(commit, error);
@@ -86,7 +89,9 @@ std::filesystem::path WhiteFileOfLeftover(const std::filesystem::path& file) {
     std::string name = file.filename().string();
     for (const std::string_view suffix : {".saving", ".commit"})
         if (name.ends_with(suffix)) name.resize(name.size() - suffix.size());
-    if (name == file.filename().string() || !name.ends_with(kRegisterFileExtension)) return "";
+    if (name == file.filename().string()) return "";
+    if (name.ends_with(".ini")) name.resize(name.size() - 4);
+    if (!name.ends_with(kRegisterFileExtension)) return "";
     const std::string black = std::string(".black") + kRegisterFileExtension;
     if (name.ends_with(black)) name.replace(name.size() - black.size(), black.size(), kRegisterFileExtension);
     return file.parent_path() / name;
@@ -102,6 +107,10 @@ std::filesystem::path CommitFilePath(const std::filesystem::path& whiteFile) {
     return WithSuffix(whiteFile, ".commit");
 }
 
+std::filesystem::path DescriptorPath(const std::filesystem::path& whiteFile) {
+    return WithSuffix(whiteFile, ".ini");
+}
+
 void CommitRegisterPair(const std::filesystem::path& whiteFile, bool bWithBlack) {
     WriteCommitFile(whiteFile, bWithBlack);
     ApplyCommit(whiteFile);
@@ -112,6 +121,7 @@ void RemoveSavingFiles(const std::filesystem::path& whiteFile) {
     std::filesystem::remove(SavingPath(whiteFile), error);
     std::filesystem::remove(SavingPath(BlackToMoveFilePath(whiteFile)), error);
     std::filesystem::remove(SavingPath(CommitFilePath(whiteFile)), error);
+    std::filesystem::remove(SavingPath(DescriptorPath(whiteFile)), error);
 }
 
 namespace {
@@ -131,10 +141,12 @@ std::string RecoverInterruptedSave(const std::filesystem::path& whiteFile, const
         ApplyCommit(whiteFile);
         return "Completed the interrupted save of " + whiteFile.string();
     }
-    const bool bLeftovers = std::filesystem::exists(SavingPath(whiteFile)) ||
-                            std::filesystem::exists(SavingPath(BlackToMoveFilePath(whiteFile))) ||
-                            std::filesystem::exists(SavingPath(CommitFilePath(whiteFile)));
-    if (!bLeftovers) return "";
+    const auto leftover = [](const std::filesystem::path& file) {
+        return std::filesystem::exists(SavingPath(file));
+    };
+    if (!leftover(whiteFile) && !leftover(BlackToMoveFilePath(whiteFile)) &&
+        !leftover(CommitFilePath(whiteFile)) && !leftover(DescriptorPath(whiteFile)))
+        return "";
     RemoveSavingFiles(whiteFile);
     return "Removed the unfinished files of an interrupted save of " + whiteFile.string();
 }

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
 #include <optional>
-#include <sstream>
 #include <vector>
 
+#include "bounded_file.h"
+#include "core/chess_exception.h"
 #include "replace_file.h"
 #include "trim.h"
 
@@ -26,12 +26,13 @@ struct TIniText {
     std::vector<TLine> lines;
 };
 
+// An initialization file holds a few kilobytes: one past this is not one.
+constexpr uint64_t kIniFileLimit = 1 << 20;
+
 std::optional<std::string> ReadWholeFile(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) return std::nullopt;
-    std::ostringstream content;
-    content << in.rdbuf();
-    return content.str();
+    std::error_code error;
+    if (!std::filesystem::exists(path, error)) return std::nullopt;
+    return ReadTextFile(path, {.nFileBytes = kIniFileLimit, .nStreamBytes = 0});
 }
 
 TIniText SplitLines(std::string_view content) {
@@ -180,7 +181,13 @@ bool CIniFile::WriteString(std::string_view section, std::string_view key, std::
     std::ranges::replace_if(
         oneLine, [](char c) { return c == '\r' || c == '\n'; }, ' ');
 
-    TIniText ini = SplitLines(ReadWholeFile(m_path).value_or(""));
+    std::optional<std::string> content;
+    try {
+        content = ReadWholeFile(m_path);
+    } catch (const ChessException&) {
+        return false;  // not an initialization file: left as it is
+    }
+    TIniText ini = SplitLines(content.value_or(""));
     TKeyLookup found = FindKey(ini, section, key);
     std::string ending = LineEnding(ini);
     std::string keyLine = std::string(key) + "=" + oneLine;

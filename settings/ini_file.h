@@ -1,6 +1,8 @@
 // Initialization files: "[section]" headers and "key=value" lines. Section and key names compare
 // without regard to case. Every call reads the file afresh, so a file edited by hand while the
-// program runs is seen, and a write keeps everything it does not touch.
+// program runs is seen, and a write keeps everything it does not touch. A file that cannot be
+// one (a folder, a device, over 1 MB) is refused: reads throw ChessException naming it, writes
+// fail.
 #pragma once
 
 #include <cstddef>

@@ -5,6 +5,7 @@
 #include <type_traits>
 #include <variant>
 
+#include "core/chess_exception.h"
 #include "ini_file.h"
 
 namespace moremate {
@@ -142,10 +143,16 @@ uint64_t TOptions::PrecalcQuotaBytes() const {
 
 TOptions ReadOptions(const std::filesystem::path& iniPath, CReporter& reporter,
                      uint64_t physicalMemoryBytes) {
-    TOptions options;
-    options.m_nPhysicalMemoryBytes = physicalMemoryBytes;
+    TOptions defaults;
+    defaults.m_nPhysicalMemoryBytes = physicalMemoryBytes;
+    TOptions options = defaults;
     CIniFile ini(iniPath);
-    for (const TOptionKey& key : kOptionKeys) ReadKey(ini, key, options);
+    try {
+        for (const TOptionKey& key : kOptionKeys) ReadKey(ini, key, options);
+    } catch (const ChessException& e) {  // a folder, a device, over 1 MB: the defaults, and the user told
+        reporter.Report(ReportTitle(ReportKind::Error, defaults.m_nLanguageId), e.what());
+        options = defaults;
+    }
     SettleReadValues(options, reporter);
     return options;
 }

@@ -1,12 +1,18 @@
 #include "answer_cache.h"
 
-#include <fstream>
-#include <sstream>
-
 #include "answer_file.h"
+#include "lichess_http.h"
+#include "settings/bounded_file.h"
 #include "settings/replace_file.h"
 
 namespace moremate {
+namespace {
+
+// A cached answer is the position's line and the service's answer, which is cut at kMaxAnswerBytes.
+// A larger file, a folder, a pipe or a device in its place is refused by name (ChessException).
+constexpr uint64_t kCacheFileLimit = 2 * kMaxAnswerBytes;
+
+}  // namespace
 
 CTablebaseCache::CTablebaseCache(std::filesystem::path folder, bool readOnly)
     : m_folder(std::move(folder)), m_bReadOnly(readOnly) {}
@@ -16,11 +22,10 @@ std::filesystem::path CTablebaseCache::FilePath(const std::string& name) const {
 }
 
 std::optional<TTablebaseAnswer> CTablebaseCache::Find(const std::string& name, const std::string& fen) const {
-    std::ifstream in(FilePath(name), std::ios::binary);
-    if (!in) return std::nullopt;
-    std::ostringstream text;
-    text << in.rdbuf();
-    return ReadAnswerText(text.str(), fen);
+    const std::filesystem::path file = FilePath(name);
+    std::error_code error;
+    if (!std::filesystem::exists(file, error)) return std::nullopt;
+    return ReadAnswerText(ReadTextFile(file, {.nFileBytes = kCacheFileLimit, .nStreamBytes = 0}), fen);
 }
 
 bool CTablebaseCache::Store(const std::string& name, const std::string& fen,

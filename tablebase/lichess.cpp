@@ -1,6 +1,7 @@
 #include "lichess.h"
 
 #include "answer_reader.h"
+#include "core/chess_exception.h"
 #include "tablebase_position.h"
 
 namespace moremate {
@@ -48,7 +49,13 @@ std::optional<TTablebaseLookup> CLiChess::Query(const TChessboard& board, const 
     const std::string fen = TablebaseFen(board);
     const std::string name = CacheName(board);
     std::lock_guard lock(m_mutex);
-    if (std::optional<TTablebaseAnswer> cached = m_cache.Find(name, fen)) {
+    std::optional<TTablebaseAnswer> cached;
+    try {
+        cached = m_cache.Find(name, fen);
+    } catch (const ChessException& e) {  // no answer file there: reported, and asked again
+        Report(ReportKind::Warning, e.what());
+    }
+    if (cached) {
         NoteAnswered(name, fen);
         return TTablebaseLookup{std::move(*cached), true};
     }

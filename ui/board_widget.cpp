@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <algorithm>
 
+#include "interface_state.h"
 #include "piece_glyphs.h"
 
 namespace moremate::ui {
@@ -24,17 +25,17 @@ TBoardWidget::TBoardWidget(QWidget* parent) : QWidget(parent) {
 
 void TBoardWidget::SetSquares(const uint8_t* squares) {
     std::copy(squares, squares + 64, m_squares.begin());
-    update();
+    RequestPaint();
 }
 
 void TBoardWidget::SetRotated(bool rotated) {
     m_bRotated = rotated;
-    update();
+    RequestPaint();
 }
 
 void TBoardWidget::SetMarked(int square) {
     m_nMarked = square;
-    update();
+    RequestPaint();
 }
 
 // A square board in the middle, with a margin of a third of a square for the coordinates.
@@ -84,7 +85,13 @@ void TBoardWidget::DrawCoordinates(QPainter& painter, const QRectF& board) const
     }
 }
 
+void TBoardWidget::RequestPaint() {
+    InterfaceState().m_bWMPaintPending = true;
+    update();
+}
+
 void TBoardWidget::paintEvent(QPaintEvent*) {
+    const CBoardPaintScope scope;
     QPainter painter(this);
     const QRectF board = BoardRect();
     for (int sq = 0; sq < 64; ++sq) {

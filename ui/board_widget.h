@@ -37,6 +37,8 @@ class TBoardWidget : public QWidget {
     void mousePressEvent(QMouseEvent* event) override;
 
   private:
+    // A paint asked for, noted for the crash log.
+    void RequestPaint();
     QRectF BoardRect() const;
     void DrawCoordinates(QPainter& painter, const QRectF& board) const;
 

@@ -2,6 +2,8 @@
 
 #include <QCoreApplication>
 
+#include "core/thread_start.h"
+
 namespace moremate::ui {
 
 CEngineRun::CEngineRun(QObject* parent) : QObject(parent) {
@@ -32,7 +34,7 @@ void CEngineRun::Start(const ProblemEntry& entry, TSolveSettings settings, const
 void CEngineRun::StartWork(FWork work) {
     m_pControl = std::make_unique<CRunControl>();
     m_bEnded = false;
-    m_thread = std::thread([this, work = std::move(work)] {
+    m_thread = StartThread([this, work = std::move(work)] {
         TProblemReport report;
         try {
             report = work(*m_pControl);

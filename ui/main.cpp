@@ -1,9 +1,14 @@
 // moremate-gui: the desktop program. Opens the collection named on the command line, else the
-// default collection (created when missing), at its first problem.
+// default collection (created when missing), at its first problem. A crash is shown in a dialog
+// by the program started anew with kShowCrashArgument and the message.
 #include <csignal>
+#include <cstring>
+#include <filesystem>
 
 #include <QApplication>
 
+#include "crash_dialogs.h"
+#include "diagnostics/crash_handler.h"
 #include "main_window.h"
 #include "message_box_reporter.h"
 #include "precalc/global/global_registers.h"
@@ -16,8 +21,13 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);
     QApplication app(argc, argv);
     QApplication::setApplicationName("moremate");
+    // Started anew by the crash handler of a crashed instance, to show its message.
+    if (argc == 3 && std::strcmp(argv[1], diagnostics::kShowCrashArgument) == 0)
+        return ui::ShowCrashMessage(QString::fromUtf8(argv[2]));
     ui::CMessageBoxReporter reporter;
     const TOptions options = ReadOptions(OptionsFilePath(), reporter);
+    std::error_code error;
+    diagnostics::InstallCrashHandler(options, std::filesystem::read_symlink("/proc/self/exe", error));
     TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(options), &reporter);
     ui::AppendStartLog(true);
     ui::TMainWindow window(options, reporter);

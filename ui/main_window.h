@@ -82,6 +82,7 @@ class TMainWindow : public QMainWindow {
     // Building and labelling.
     void BuildLayout();
     void BuildMenus();
+    void AddCommand(const TCommand& command);
     void BuildToolBar();
     void Relabel();
     QString Text(const char* id) const;
@@ -177,6 +178,8 @@ class TMainWindow : public QMainWindow {
     void GlobalRegisterStatus();
     void About();
     void ChooseThreads();
+    // Provokes the crash of the kind the user chooses (AddTestCrashHandlerMenuItem).
+    void TestCrash();
     void Polish() { SetLanguage(kPolish); }
     void English() { SetLanguage(kEnglish); }
     void Ukrainian() { SetLanguage(kUkrainian); }
@@ -221,7 +224,6 @@ class TMainWindow : public QMainWindow {
     QPlainTextEdit* m_pProgress = nullptr;
     TClickButton* m_pStart = nullptr;
     bool m_bProgressLarge = false;
-    bool m_bShowWholeSolution = false;  // the run under way ends with its main variant played out
 };
 
 }  // namespace moremate::ui

@@ -132,6 +132,8 @@ const std::vector<TTextRow> kTable = {
     // Help.
     {"help.about", "&O programie", "&About", "&Про програму"},
     {"help.threads", "&Wątki...", "&Threads...", "&Потоки..."},
+    {"help.crashtest", "Test obsługi awarii...", "Test crash handler...", "Перевірка обробника збоїв..."},
+    {"label.crashkind", "Rodzaj awarii:", "Kind of crash:", "Вид збою:"},
     // Language.
     {"lang.polish", "Polski", "Polish", "Польська"},
     {"lang.english", "Angielski", "English", "Англійська"},

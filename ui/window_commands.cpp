@@ -85,18 +85,24 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
     return commands;
 }
 
+void TMainWindow::AddCommand(const TCommand& command) {
+    QMenu*& menu = m_menus[command.menu];
+    if (!menu) menu = menuBar()->addMenu(command.menu);
+    QAction* action = menu->addAction(command.id);
+    action->setObjectName(command.id);
+    if (*command.shortcut) action->setShortcut(QKeySequence(command.shortcut));
+    if (command.run)
+        connect(action, &QAction::triggered, this, command.run);
+    else
+        connect(action, &QAction::triggered, this, &QWidget::close);
+    m_actions[command.id] = action;
+}
+
 void TMainWindow::BuildMenus() {
     for (const TCommand& command : Commands()) {
-        QMenu*& menu = m_menus[command.menu];
-        if (!menu) menu = menuBar()->addMenu(command.menu);
-        QAction* action = menu->addAction(command.id);
-        action->setObjectName(command.id);
-        if (*command.shortcut) action->setShortcut(QKeySequence(command.shortcut));
-        if (command.run)
-            connect(action, &QAction::triggered, this, command.run);
-        else
-            connect(action, &QAction::triggered, this, &QWidget::close);
-        m_actions[command.id] = action;
+        AddCommand(command);
+        if (command.run == &TMainWindow::ChooseThreads && m_options.m_bAddTestCrashHandlerMenuItem)
+            AddCommand({"help.crashtest", "menu.help", "", &TMainWindow::TestCrash});
     }
     auto* languages = new QActionGroup(this);
     const char* ids[] = {"lang.polish", "lang.english", "lang.ukrainian"};

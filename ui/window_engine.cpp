@@ -9,10 +9,12 @@
 #include "click_button.h"
 #include "core/chess_exception.h"
 #include "core/notation.h"
+#include "crash_dialogs.h"
 #include "engine/run/run_texts.h"
 #include "engine/search/black_defence.h"
 #include "engine/search/mate_search.h"
 #include "engine/threads/multithreading_levels.h"
+#include "interface_state.h"
 #include "main_window.h"
 #include "options_window.h"
 #include "precalc/global/global_registers.h"
@@ -102,7 +104,7 @@ void TMainWindow::FindDefence() {
 void TMainWindow::SolveAndShowVariant() {
     if (Analysing()) return;
     Solve();
-    m_bShowWholeSolution = Analysing();
+    InterfaceState().m_bShowWholeSolution = Analysing();
 }
 
 void TMainWindow::StartOrStop() {
@@ -177,10 +179,10 @@ void TMainWindow::RunFinished(const TProblemReport& report) {
         m_collection.Set(m_nRunIndex, entry);
         if (m_collection.CurrentIndex() == m_nRunIndex && !m_bSettingMode) {
             ShowProblem();
-            if (m_bShowWholeSolution) ShowMainVariant();
+            if (InterfaceState().m_bShowWholeSolution) ShowMainVariant();
         }
     }
-    m_bShowWholeSolution = false;
+    InterfaceState().m_bShowWholeSolution = false;
     UpdateTitle();
     if (report.result == "defence") m_reporter.Report(kResultOfAnalysisTitle, report.outcome);
     if (report.result == "no solution")
@@ -229,6 +231,11 @@ void TMainWindow::ShowOptions() {
 
 void TMainWindow::About() {
     QMessageBox::about(this, Title("help.about"), Text("msg.about").arg(MOREMATE_VERSION));
+}
+
+void TMainWindow::TestCrash() {
+    if (const auto kind = AskTestCrash(this, Title("help.crashtest"), Text("label.crashkind")))
+        diagnostics::ProvokeCrash(*kind);
 }
 
 void TMainWindow::ChooseThreads() {

@@ -16,6 +16,7 @@
 #include "core/notation.h"
 #include "core/transform.h"
 #include "core/validation.h"
+#include "interface_state.h"
 #include "main_window.h"
 #include "piece_palette.h"
 #include "problems/annotations/mirrored_entry.h"
@@ -86,9 +87,11 @@ void TMainWindow::ShowProblem() {
 }
 
 void TMainWindow::ShowBoard() {
+    InterfaceState().m_bPreparingChessboard = true;
     m_pBoard->SetSquares(ShownBoard().squares);
     m_pBoard->SetMarked(m_nPicked);
     ShowMoves();
+    InterfaceState().m_bPreparingChessboard = false;
 }
 
 void TMainWindow::ShowMoves() {

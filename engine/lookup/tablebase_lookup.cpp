@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/movegen.h"
+#include "core/thread_start.h"
 #include "tablebase/tablebase_position.h"
 #include "tablebase_facts.h"
 
@@ -20,7 +21,7 @@ bool MayReachTablebase(const TChessboard& node, int levelsBelow) {
 CTablebaseLookup::CTablebaseLookup(CLiChess& liChess, CPositionStore& store, const TChessboard& root,
                                    int levels)
     : m_liChess(liChess), m_store(store), m_root(root), m_nLevels(levels) {
-    m_thread = std::thread([this] {
+    m_thread = StartThread([this] {
         if (m_nLevels >= 1 && m_root.WhiteToMove()) Visit(m_root, 1);
     });
 }

@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 
+#include "core/thread_start.h"
 #include "engine/search/first_move_order.h"
 #include "engine/search/proof_walk.h"
 #include "engine/threads/timer_thread.h"
@@ -73,7 +74,7 @@ class CRootProofs {
         std::exception_ptr mainError, helperError;
         std::vector<std::thread> threads;
         for (size_t t = 1; t < m_searches.size(); ++t)
-            threads.emplace_back([&, t] {
+            threads.push_back(StartThread([&, t] {
                 try {
                     helper(t);
                 } catch (const TProofNumberBudgetSpent&) {
@@ -81,7 +82,7 @@ class CRootProofs {
                     const std::lock_guard lock(mutex);
                     if (!helperError) helperError = std::current_exception();
                 }
-            });
+            }));
         try {
             main();
         } catch (...) {

@@ -4,6 +4,7 @@
 #include <exception>
 #include <thread>
 
+#include "core/thread_start.h"
 #include "engine/state/run_control.h"
 
 namespace moremate {
@@ -59,7 +60,7 @@ std::vector<uint8_t> CLevelSearch::Search(int halfMoves, size_t limit) {
         }
     };
     std::vector<std::thread> threads;
-    for (size_t t = 1; t < m_searches.size(); ++t) threads.emplace_back(work, t);
+    for (size_t t = 1; t < m_searches.size(); ++t) threads.push_back(StartThread(work, t));
     work(0);
     for (std::thread& th : threads) th.join();
     for (const std::exception_ptr& failure : failures)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "core/thread_start.h"
 #include "engine/heuristics/heuristic_names.h"
 #include "engine/state/solving_run.h"
 #include "engine/state/thread_counters.h"
@@ -94,7 +95,7 @@ void CScheduler::AtWhiteNode(const TChessboard& node, const TMoveList& moves) {
         return true;
     });
     auto helper = std::make_unique<THelper>();
-    helper->thread = std::thread(&CScheduler::Help, this, std::ref(helper->done));
+    helper->thread = StartThread(&CScheduler::Help, this, std::ref(helper->done));
     m_helpers.push_back(std::move(helper));
     ++g_nAdditionalThreadsSpawned;
 }

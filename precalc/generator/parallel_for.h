@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "core/thread_start.h"
+
 namespace moremate {
 
 // fn(begin, end, thread) for each slice; the first exception of any thread is thrown again.
@@ -28,7 +30,7 @@ void ParallelFor(uint64_t count, unsigned threads, Fn&& fn, uint64_t slice = 409
         }
     };
     std::vector<std::thread> pool;
-    for (unsigned t = 1; t < threads; ++t) pool.emplace_back(work, t);
+    for (unsigned t = 1; t < threads; ++t) pool.push_back(StartThread(work, t));
     work(0);
     for (std::thread& t : pool) t.join();
     if (failure) std::rethrow_exception(failure);

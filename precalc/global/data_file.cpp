@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "core/chess_exception.h"
+#include "settings/bounded_file.h"
 
 namespace moremate {
 namespace {
@@ -92,6 +93,10 @@ std::unique_ptr<CGlobalStorage> StorageOfPayload(const TDataFileHeader& h, std::
 
 }  // namespace
 
+uint64_t DataFileLimit(uint64_t nElements) {
+    return kDataFileHeaderBytes + nElements * 8 + (1 << 20);
+}
+
 uint64_t PayloadChecksum(const uint8_t* data, size_t size, uint64_t seed) {
     uint64_t hash = seed;
     for (size_t i = 0; i < size; ++i) hash = (hash ^ data[i]) * 1099511628211ull;
@@ -123,6 +128,7 @@ void WriteDataFile(const std::filesystem::path& file, const std::string& descrip
 
 TDataFileHeader ReadDataFileHeader(const std::filesystem::path& file, const std::string& description,
                                    uint64_t nElements) {
+    BoundedFileSize(file, DataFileLimit(nElements));
     std::ifstream in(file, std::ios::binary);
     if (!in) throw ChessException("Cannot open file " + file.string());
     uint8_t bytes[kDataFileHeaderBytes];

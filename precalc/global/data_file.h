@@ -26,6 +26,12 @@ struct TDataFileHeader {
     std::string m_sDescription;
 };
 
+// The largest file of `nElements` elements this program reads: no form of the data takes more
+// than four times the elements' two bytes each (packed forms of data that does not pack grow by a
+// fraction of that), whatever its header says. A folder, a pipe, a device or a larger file is
+// refused by name before it is read.
+uint64_t DataFileLimit(uint64_t nElements);
+
 uint64_t PayloadChecksum(const uint8_t* data, size_t size, uint64_t seed = 14695981039346656037ull);
 
 // Writes `storage` in its own kind, or as LZ4 blocks of its elements with kind kLz4.

@@ -1,8 +1,9 @@
 #include "collection_reader.h"
-#include "text_file.h"
 
 #include <algorithm>
 #include <iterator>
+
+#include "settings/bounded_file.h"
 
 namespace moremate {
 namespace {

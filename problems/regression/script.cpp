@@ -7,7 +7,7 @@
 
 #include "problems/format/collection_reader.h"
 #include "problems/format/problem_lexer.h"
-#include "problems/format/text_file.h"
+#include "settings/bounded_file.h"
 
 namespace moremate {
 namespace {

@@ -52,6 +52,9 @@ check "save the register as a folder" 2 '^Cannot save the register to folder: it
 check "register save under a file, before solving" 2 '^Cannot create the folder small\.cp \(Not a directory\)$' -- register save small.cp --problem 2 --to small.cp/x.tmpReg
 check "register of a device" 2 '^/dev/zero: Error reading file \(not a regular file\)$' -- register stats /dev/zero
 check "save the register to no name" 2 "^The register file's name is empty$" -- "${solve[@]}" --save-register ""
+mv home/options.ini options.saved && mkdir home/options.ini
+check "options.ini a folder: the defaults and a message" 0 '^Error: Error opening file: .*/home/options\.ini \(a folder\)$' -- fen "4k3/8/8/8/8/8/8/4K3"
+rmdir home/options.ini && mv options.saved home/options.ini
 check "improper FEN names the field" 2 "^Improper FEN code: piece placement \(first field\): rank 8 has more than 8 squares$" -- fen "4k4/8/8/8/8/8/8/4K3 w - -"
 
 # Register files: the right pair or nothing.

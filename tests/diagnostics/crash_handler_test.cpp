@@ -9,6 +9,7 @@
 #include <regex>
 #include <sstream>
 
+#include "core/thread_start.h"
 #include "diagnostics/test_crash.h"
 #include "engine/state/current_problem.h"
 #include "tests/support/temp_folder.h"
@@ -18,14 +19,17 @@ namespace {
 
 using testing::CTempFolder;
 
-// Crashes in the folder given, as a program with the handler installed does.
-[[noreturn]] void CrashIn(const std::filesystem::path& folder, TestCrash kind, bool systemHandler) {
+// Crashes in the folder given, as a program with the handler installed does; `inThread`: in a
+// thread the program starts.
+[[noreturn]] void CrashIn(const std::filesystem::path& folder, TestCrash kind, bool systemHandler,
+                          bool inThread = false) {
     if (chdir(folder.c_str()) != 0) _exit(99);
     TOptions options;
     options.m_bUseSystemCrashHandler = systemHandler;
     InstallCrashHandler(options);
     SetCurrentProblem("Loyd 1859", 7);
     SetCurrentChessboard("4k3/8/8/8/8/8/8/R3K3 w - - 0 1", 5);
+    if (inThread) StartThread([kind] { ProvokeCrash(kind); }).join();
     ProvokeCrash(kind);
 }
 
@@ -129,17 +133,38 @@ TEST(CrashHandler, EachCrashLeavesACompleteLogAndEndsTheProcess) {
         {TestCrash::Stack, R"(0xC00000FD \(Stack Overflow\))", R"(Stack Overflow \(SIGSEGV\))",
          "Recurse\\(unsigned int\\)"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.code);
-        const CTempFolder folder;
-        EXPECT_EXIT(
-            CrashIn(folder.Path(), c.kind, false), ::testing::ExitedWithCode(kExitCrash),
-            "Unhandled exception caught: " + c.message +
-                "\n\nDetails written to crash_log_[-_0-9]+\\.log\n\nProgram will now be terminated\\.\n");
-        const auto logs = CrashLogs(folder);
-        ASSERT_EQ(logs.size(), 1u);
-        EXPECT_EQ(FirstMissing(Lines(logs[0]), ExpectedLines(c.code, c.frame)), "");
-    }
+    for (const auto& c : cases)
+        for (const bool inThread : {false, true}) {
+            SCOPED_TRACE(c.code + (inThread ? " in a thread" : " in the main thread"));
+            const CTempFolder folder;
+            EXPECT_EXIT(
+                CrashIn(folder.Path(), c.kind, false, inThread), ::testing::ExitedWithCode(kExitCrash),
+                "Unhandled exception caught: " + c.message +
+                    "\n\nDetails written to crash_log_[-_0-9]+\\.log\n\nProgram will now be terminated\\.\n");
+            const auto logs = CrashLogs(folder);
+            ASSERT_EQ(logs.size(), 1u);
+            EXPECT_EQ(FirstMissing(Lines(logs[0]), ExpectedLines(c.code, c.frame)), "");
+        }
+}
+
+// With a dialog program the crashed process becomes that program, given the message.
+TEST(CrashHandler, DialogProgramIsGivenTheMessageOnceTheLogIsWritten) {
+    GTEST_FLAG_SET(death_test_style, "fast");  // the child crashes in the folder made here
+    const CTempFolder folder;
+    const auto dialog = folder.Write(
+        "dialog.sh", "#!/bin/sh\n[ \"$1\" = --show-crash ] && printf %s \"$2\" >shown\nexit 3\n");
+    std::filesystem::permissions(dialog, std::filesystem::perms::owner_all);
+    const auto crash = [&] {
+        if (chdir(folder.Path().c_str()) != 0) _exit(99);
+        InstallCrashHandler(TOptions{}, dialog);
+        ProvokeCrash(TestCrash::Segv);
+    };
+    EXPECT_EXIT(crash(), ::testing::ExitedWithCode(kExitCrash), "Unhandled exception caught");
+    const auto logs = CrashLogs(folder);
+    ASSERT_EQ(logs.size(), 1u);
+    EXPECT_EQ(folder.Read("shown"),
+              "Unhandled exception caught: Access Violation (SIGSEGV)\n\nDetails written to " +
+                  logs[0].filename().string() + "\n\nProgram will now be terminated.\n");
 }
 
 // The system's handler: the signal's default action, or the sanitizer's report in such a build.

@@ -212,21 +212,42 @@ TEST_F(RegisterPair, KilledBetweenTheRenamesTheNewPairIsCompleted) {
     ExpectNoLeftovers();
 }
 
-TEST_F(RegisterPair, AutoSaveKilledWhileSavingKeepsTheLastOne) {
-    TAutoSaveSettings settings{1, 0, true, folder.Path()};
-    int64_t nNowMs = 0;
-    CRegisterAutoSave autosave(settings, {}, [&] { return nNowMs; });
-    autosave.Attach(oldWhite, &oldBlack);
-    nNowMs += 60'000;
-    ASSERT_TRUE(autosave.SaveIfDue());
-    KillWhileWriting("register-pair", [&] {
+TAutoSaveDescriptor Described(const std::string& description) {
+    TAutoSaveDescriptor descriptor;
+    descriptor.m_sDescription = description;
+    return descriptor;
+}
+
+// The descriptor beside an automatic save is put in place with the pair: after a kill at any
+// moment of the save, the next load finds the old pair with the old descriptor or the new pair
+// with the new one.
+TEST_F(RegisterPair, AutoSaveKilledAtAnyMomentKeepsItsDescriptorWithItsPair) {
+    const struct {
+        const char* moment;
+        bool bNewPair;
+    } cases[] = {{"register-pair", false}, {"register-renames", true}, {"register-descriptor", true}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.moment);
+        const TAutoSaveSettings settings{1, 0, true, folder.Path()};
+        int64_t nNowMs = 0;
+        CRegisterAutoSave first(settings, Described("old"), [&] { return nNowMs; });
+        first.Attach(oldWhite, &oldBlack);
         nNowMs += 60'000;
-        autosave.Attach(newWhite, &newBlack);
-        autosave.SaveIfDue();
-    });
-    EXPECT_TRUE(Load(kAutoSaveFileName).bComplete);
-    ExpectLoaded(oldWhite, oldBlack);
-    EXPECT_FALSE(Exists(std::string(kAutoSaveFileName) + ".saving"));
+        ASSERT_TRUE(first.SaveIfDue());
+        CRegisterAutoSave second(settings, Described("new"), [&] { return nNowMs; });
+        second.Attach(newWhite, &newBlack);
+        nNowMs += 60'000;
+        KillWhileWriting(c.moment, [&] { second.SaveIfDue(); });
+        EXPECT_TRUE(Load(kAutoSaveFileName).bComplete);
+        if (c.bNewPair)
+            ExpectLoaded(newWhite, newBlack);
+        else
+            ExpectLoaded(oldWhite, oldBlack);
+        const auto descriptor = folder.File(std::string(kAutoSaveFileName) + ".ini");
+        EXPECT_EQ(ReadAutoSaveDescriptor(descriptor).m_sDescription, c.bNewPair ? "new" : "old");
+        EXPECT_FALSE(Exists(std::string(kAutoSaveFileName) + ".ini.saving"));
+        EXPECT_FALSE(Exists(std::string(kAutoSaveFileName) + ".commit"));
+    }
 }
 
 }  // namespace

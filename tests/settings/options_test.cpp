@@ -7,12 +7,16 @@
 #include "settings/ini_file.h"
 #include "settings/options_dialog.h"
 #include "settings/program_folder.h"
+#include "tests/support/hostile_files.h"
 #include "tests/support/temp_folder.h"
 
 namespace moremate {
 namespace {
 
 using testing::CTempFolder;
+using testing::kHostileKinds;
+using testing::MakeHostileFile;
+using testing::THostileKind;
 
 using TReports = std::vector<std::pair<std::string, std::string>>;
 
@@ -92,6 +96,22 @@ TEST(OptionsRead, MissingFileGivesDefaultsSilently) {
     defaults.m_nPhysicalMemoryBytes = kGiB;
     EXPECT_EQ(ReadOptions(folder.File("options.ini"), reporter, kGiB), defaults);
     EXPECT_TRUE(reporter.Reports().empty());
+}
+
+// An options file that is none is not read: the defaults, an error naming it; a write fails.
+TEST(OptionsRead, FolderPipeDeviceOrHugeFileGivesDefaultsAndAnError) {
+    for (const THostileKind kind : kHostileKinds) {
+        CTempFolder folder;
+        const auto file = folder.File("options.ini");
+        const std::string message = MakeHostileFile(kind, file, 1 << 20);
+        SCOPED_TRACE(message);
+        CRecordingReporter reporter;
+        TOptions defaults;
+        defaults.m_nPhysicalMemoryBytes = kGiB;
+        EXPECT_EQ(ReadOptions(file, reporter, kGiB), defaults);
+        EXPECT_EQ(Reports(reporter), (TReports{{"Error", message}}));
+        EXPECT_FALSE(CIniFile(file).WriteString("chess", "LanguageId", "1"));
+    }
 }
 
 TEST(OptionsRead, QuotasUseIntegerDivision) {

@@ -9,6 +9,7 @@
 #include "tablebase/lichess.h"
 #include "tablebase/tablebase_position.h"
 #include "tablebase/tablebase_service.h"
+#include "tests/support/hostile_files.h"
 #include "tests/support/loopback_tablebase.h"
 #include "tests/support/positions.h"
 #include "tests/support/temp_folder.h"
@@ -19,6 +20,9 @@ namespace {
 using testing::CLoopbackTablebase;
 using testing::CSilentPort;
 using testing::CTempFolder;
+using testing::kHostileKinds;
+using testing::MakeHostileFile;
+using testing::THostileKind;
 
 const std::string kFen = "4k3/6KP/8/8/8/8/7p/8 w - - 0 1";
 const std::string kAnswer =
@@ -162,6 +166,22 @@ TEST(AnswerCache, KeepsAnswersAndIgnoresFilesOfOtherPositions) {
     }
     EXPECT_FALSE(CTablebaseCache(folder.Path(), true).Store("readonly", kFen, answer));
     EXPECT_FALSE(std::filesystem::exists(cache.FilePath("readonly")));
+}
+
+// A cache file that cannot be one is reported by name and the service asked instead.
+TEST(AnswerCache, FolderPipeDeviceOrHugeFileIsReportedAndAskedAgain) {
+    for (const THostileKind kind : kHostileKinds) {
+        CLoopbackTablebase service(kAnswers);
+        TClient client(Settings(service.URL("ok")));
+        const TChessboard board = test::Board(kFen);
+        const std::string message =
+            MakeHostileFile(kind, client.cache.FilePath(CacheName(board)), 2 * kMaxAnswerBytes);
+        const auto answer = client.liChess.Query(board);
+        ASSERT_TRUE(answer) << message;
+        EXPECT_FALSE(answer->bFromCache);
+        EXPECT_EQ(answer->answer.m_shDtm, 17);
+        EXPECT_EQ(Texts(client.reporter), std::vector<std::string>{message});
+    }
 }
 
 TEST(TablebasePosition, AsksThreeToSevenPiecesWithoutCastling) {

@@ -1,19 +1,24 @@
 // The main window driven through its actions, as the menus and keys drive it, on the offscreen
 // platform: reports go to a recording reporter that answers the questions from a queue.
+#include <sys/wait.h>
+#include <unistd.h>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QInputDialog>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QtTest>
+
 #include <fstream>
 #include <set>
 #include <sstream>
 
 #include "core/fen.h"
+#include "diagnostics/crash_handler.h"
 #include "problems/annotations/problem_variants.h"
 #include "settings/instance_lock.h"
 #include "settings/options_dialog.h"
@@ -402,6 +407,61 @@ class TMainWindowTest : public QObject {
             QVERIFY(Reported(*m_pReporter, message.toStdString()));
             QVERIFY(!std::filesystem::exists(ini));
         }
+    }
+
+    // AddTestCrashHandlerMenuItem=1 adds the item to the Help menu, after the threads.
+    void crashTestItemOnlyWithItsOption() {
+        QVERIFY(!m_pWindow->Action("help.crashtest"));
+        TOptions options;
+        options.m_shLichessLevels = -1;
+        options.m_bAddTestCrashHandlerMenuItem = true;
+        TMainWindow window(options, *m_pReporter);
+        QAction* item = window.Action("help.crashtest");
+        QVERIFY(item);
+        const QList<QAction*> help = window.Menu("menu.help")->actions();
+        QCOMPARE(help.indexOf(item), help.indexOf(window.Action("help.threads")) + 1);
+        QCOMPARE(item->text(), QString("Test crash handler..."));
+    }
+
+    // The item's crash, chosen in its dialog, leaves a complete log, and the crashed process
+    // becomes the dialog program with the message: here a script that keeps it.
+    void crashTestItemCrashesIntoTheLog() {
+        const std::filesystem::path folder = m_dir.path().toStdString();
+        const std::filesystem::path dialog = folder / "dialog.sh";
+        std::ofstream(dialog) << "#!/bin/sh\nprintf %s \"$2\" >shown\nexit 3\n";
+        std::filesystem::permissions(dialog, std::filesystem::perms::owner_all);
+        TOptions options;
+        options.m_shLichessLevels = -1;
+        options.m_bAddTestCrashHandlerMenuItem = true;
+        TMainWindow window(options, *m_pReporter);
+        const pid_t child = fork();
+        QVERIFY(child >= 0);
+        if (child == 0) {
+            if (chdir(folder.c_str()) != 0) _exit(99);
+            diagnostics::InstallCrashHandler(options, dialog);
+            QTimer::singleShot(0, &window, [&window] {
+                auto* ask = window.findChild<QInputDialog*>();
+                if (!ask) _exit(98);
+                ask->setTextValue("segv");
+                ask->accept();
+            });
+            window.Action("help.crashtest")->trigger();
+            _exit(97);  // no crash
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        QVERIFY(WIFEXITED(status));
+        QCOMPARE(WEXITSTATUS(status), diagnostics::kExitCrash);
+        std::string log;
+        for (const auto& entry : std::filesystem::directory_iterator(folder))
+            if (entry.path().filename().string().starts_with("crash_log_"))
+                log = entry.path().filename().string();
+        QVERIFY(!log.empty());
+        QVERIFY(ReadText(folder / log).find("Exception Code: 0xC0000005 (Access Violation)") !=
+                std::string::npos);
+        QCOMPARE(ReadText(folder / "shown"),
+                 "Unhandled exception caught: Access Violation (SIGSEGV)\n\nDetails written to " + log +
+                     "\n\nProgram will now be terminated.\n");
     }
 };
 

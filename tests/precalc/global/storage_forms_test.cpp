@@ -7,6 +7,8 @@
 #include "precalc/global/data_file.h"
 #include "precalc/global/global_register.h"
 #include "precalc/global/global_registers.h"
+#include "tests/support/hostile_files.h"
+#include "tests/support/positions.h"
 #include "tests/support/temp_folder.h"
 
 namespace moremate {
@@ -114,6 +116,19 @@ TEST(DataFile, DamagedFilesAreRefusedWithTheirMessage) {
     EXPECT_TRUE(refused("KRk", values.size() + 1, false));
     std::filesystem::resize_file(file, kDataFileHeaderBytes + 10);
     EXPECT_TRUE(refused("KRk", values.size(), true));
+}
+
+// A folder, a pipe, a device or a file larger than any data of its type is refused before it is
+// read, in memory or on disk.
+TEST(DataFile, FilesThatCannotBeDataFilesAreRefusedByName) {
+    constexpr uint64_t kElements = 5000;
+    for (const testing::THostileKind kind : testing::kHostileKinds)
+        for (const bool disk : {false, true}) {
+            testing::CTempFolder folder;
+            const auto file = folder.File("d.precalc");
+            const std::string message = testing::MakeHostileFile(kind, file, DataFileLimit(kElements));
+            EXPECT_EQ(test::ErrorOf([&] { ReadDataFile(file, "KRk", kElements, disk); }), message);
+        }
 }
 
 // A register over a file that does not fit the quota, and one that is damaged: both give their

@@ -2,7 +2,7 @@
 
 #include "problems/format/collection_files.h"
 #include "problems/format/record_writer.h"
-#include "problems/format/text_file.h"
+#include "settings/bounded_file.h"
 #include "tests/problems/problem_text.h"
 #include "tests/support/kill_test.h"
 #include "tests/support/positions.h"
@@ -166,7 +166,7 @@ TEST(TextFiles, FoldersAndEndlessFilesAreRefused) {
     CTempFolder folder;
     EXPECT_EQ(test::ErrorOf([&] { ReadTextFile(folder.Path()); }),
               "Error opening file: " + folder.Path().string() + " (a folder)");
-    EXPECT_EQ(test::ErrorOf([&] { ReadTextFile("/dev/zero", 2 << 20); }),
+    EXPECT_EQ(test::ErrorOf([&] { ReadTextFile("/dev/zero", {.nStreamBytes = 2 << 20}); }),
               "Error opening file: /dev/zero (larger than the 2 MB this program reads)");
     EXPECT_EQ(ReadTextFile(folder.Write("a.cp", "UTF-8\n")), "UTF-8\n");
 }

@@ -1,0 +1,42 @@
+// StartThread: every thread the program starts goes through it, so that a per-thread setup the
+// process registers once (the crash handler's signal stack) is made at the thread's start and
+// undone at its end, in this thread.
+#pragma once
+
+#include <functional>
+#include <thread>
+#include <utility>
+
+namespace moremate {
+
+struct TThreadHooks {
+    void* (*onStart)();  // the setup made for the calling thread, handed to onEnd
+    void (*onEnd)(void*);
+};
+
+// `hooks` must live until the program ends; set them before threads start. nullptr: none.
+void SetThreadHooks(const TThreadHooks* hooks);
+
+// Runs the registered hooks around the life of one object on the thread's stack.
+class CThreadHooksScope {
+  public:
+    CThreadHooksScope();
+    ~CThreadHooksScope();
+    CThreadHooksScope(const CThreadHooksScope&) = delete;
+    CThreadHooksScope& operator=(const CThreadHooksScope&) = delete;
+
+  private:
+    const TThreadHooks* m_pHooks;
+    void* m_pSetup = nullptr;
+};
+
+// As std::thread(fn, args...), with the hooks around fn.
+template <class F, class... Args>
+std::thread StartThread(F&& fn, Args&&... args) {
+    return std::thread([fn = std::forward<F>(fn), ... args = std::forward<Args>(args)]() mutable {
+        const CThreadHooksScope scope;
+        std::invoke(std::move(fn), std::move(args)...);
+    });
+}
+
+}  // namespace moremate
