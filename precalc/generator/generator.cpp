@@ -5,19 +5,22 @@
 #include <chrono>
 
 #include "core/chess_exception.h"
+#include "precalc/generator/available_memory.h"
 #include "precalc/generator/type_generator.h"
 #include "precalc/global/data_file.h"
 #include "precalc/global/mate_index_file.h"
-#include "settings/machine.h"
 
 namespace moremate {
 namespace {
 
+// Checked before each type, once the types it leads to are loaded: what it takes at most (see
+// PeakBytes, and the data written out) against the memory the system has available.
 void CheckMemory(const TPrecalcType& type) {
     const uint64_t needed = CTypeGenerator::PeakBytes(type) + 2 * TypeIndexCount(type);
-    if (needed > PhysicalMemoryBytes() / 2)
-        throw ChessException(
-            fmt::format("Not enough memory to generate {}: {} MB needed", type.Description(), needed >> 20));
+    const uint64_t available = AvailableMemoryBytes();
+    if (needed > available)
+        throw ChessException(fmt::format("Not enough memory to generate {}: {} MB needed, {} MB available",
+                                         type.Description(), needed >> 20, available >> 20));
 }
 
 TGlobalRegister& Generate(TGlobalRegisters& registers, const TPrecalcType& type,

@@ -23,7 +23,8 @@ bool SetUpPlacement(const TPrecalcType& type, uint64_t nPlacement, bool bWhiteTo
     board.blackKingFile = static_cast<uint8_t>(FileOf(bk));
     board.blackKingRank = static_cast<uint8_t>(RankOf(bk));
     board.whiteKnights = board.blackKnights = 1;
-    if (IsAttacked(board, board.squares, bWhiteToMove ? bk : wk, bWhiteToMove ? kWhite : kBlack)) return false;
+    if (IsAttacked(board, board.squares, bWhiteToMove ? bk : wk, bWhiteToMove ? kWhite : kBlack))
+        return false;
     board.movesLeft = board.movesAtStart = bWhiteToMove ? 3 : 2;
     try {
         Validate(board, true);
