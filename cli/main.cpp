@@ -9,6 +9,7 @@
 #include "core/chess_exception.h"
 #include "diagnostics/crash_handler.h"
 #include "precalc/global/global_registers.h"
+#include "question_prompt.h"
 #include "register_loading.h"
 #include "settings/program_folder.h"
 
@@ -28,7 +29,9 @@ int main(int argc, char** argv) {
     TProgramContext context{ReadOptions(OptionsFilePath(), reporter), reporter};
     ReportInterruptedSaves();  // of registers, by a process killed while saving
     diagnostics::InstallCrashHandler(context.options);
-    TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(context.options), &reporter);
+    // Loading precalculated data may ask whether to recompress a file: asked on a terminal only.
+    CQuestionPrompt questions(reporter, std::nullopt);
+    TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(context.options), &questions);
     std::map<std::string, Runner> runners;
     runners["perft"] = AddPerftCommand(app);
     runners["fen"] = AddFenCommand(app);

@@ -10,6 +10,8 @@
 #include "precalc/generator/generator.h"
 #include "precalc/generator/lookahead.h"
 #include "precalc/generator/verification.h"
+#include "precalc/global/recompress.h"
+#include "question_prompt.h"
 #include "settings/machine.h"
 
 namespace moremate::cli {
@@ -21,14 +23,22 @@ struct TPrecalcArgs {
     std::string form = "lz4";
     unsigned threads = 0;
     bool force = false;
+    bool custom = false;
     std::string fen;
+    std::string type;  // probe: the type to look in
 };
+
+// A description with marks of the custom grammar, or any with --custom, is a custom type.
+TPrecalcType TypeOfArg(const std::string& text, bool bCustom) {
+    return TPrecalcType::Parse(text, bCustom || text.find_first_of("+()Xx?") != std::string::npos);
+}
 
 TGlobalRegisters& ConfiguredRegisters(TProgramContext& context, bool bForMaking) {
     TGlobalRegisterSettings settings = TGlobalRegisterSettings::FromOptions(context.options);
     if (bForMaking) settings.m_bForceDiskAccess = false;  // the generator reads other types at every move
     TGlobalRegisters& registers = TGlobalRegisters::Instance();
-    registers.Configure(settings, &context.reporter);
+    static CQuestionPrompt s_questions(context.reporter, std::nullopt);  // recompression: on a terminal only
+    registers.Configure(settings, &s_questions);
     return registers;
 }
 
@@ -62,7 +72,7 @@ std::vector<TPrecalcType> TypesToMake(const TPrecalcArgs& args) {
     }
     if (names.empty()) throw ChessException("No position type given (a type such as KQk, or --all N)");
     std::vector<TPrecalcType> types;
-    for (const std::string& name : names) types.push_back(TPrecalcType::Parse(name));
+    for (const std::string& name : names) types.push_back(TypeOfArg(name, args.custom));
     return types;
 }
 
@@ -141,7 +151,7 @@ void PrintTypeInfo(TGlobalRegisters& registers, const TPrecalcType& type) {
 
 int RunInfo(TProgramContext& context, const TPrecalcArgs& args) {
     TGlobalRegisters& registers = ConfiguredRegisters(context, false);
-    for (const std::string& name : args.types) PrintTypeInfo(registers, TPrecalcType::Parse(name));
+    for (const std::string& name : args.types) PrintTypeInfo(registers, TypeOfArg(name, args.custom));
     if (args.types.empty()) {
         const std::set<std::string> onDisk = registers.TypesOnDisk();
         fmt::print("Data folder: {}\n{} position type(s) on disk:",
@@ -157,7 +167,15 @@ int RunProbe(TProgramContext& context, const TPrecalcArgs& args) {
     TChessboard board;
     ReadCommandLinePosition(args.fen, board);
     TGlobalRegisters& registers = ConfiguredRegisters(context, false);
-    TGlobalRegister* reg = registers.Find(board);
+    TGlobalRegister* reg = nullptr;
+    if (args.type.empty()) {
+        reg = registers.Find(board);
+    } else {
+        const TPrecalcType type = TypeOfArg(args.type, args.custom);
+        if (!type.ContainsPosition(board.squares))
+            throw ChessException("The position is not one of type " + type.Description());
+        reg = &registers.Require(type);
+    }
     const int halfMoves = reg ? reg->HalfMovesToMate(board) : kStoredUnknown;
     if (halfMoves == kStoredUnknown)
         fmt::print("unknown\n");
@@ -171,12 +189,29 @@ int RunProbe(TProgramContext& context, const TPrecalcArgs& args) {
     return kExitOk;
 }
 
+int RunRecompress(TProgramContext& context, const TPrecalcArgs& args) {
+    const TStorageKind kind = StorageKindNamed(args.form);
+    TGlobalRegisters& registers = ConfiguredRegisters(context, false);
+    const std::filesystem::path folder = registers.Settings().m_dataFolder;
+    for (const std::string& name : args.types) {
+        const TPrecalcType type = TypeOfArg(name, args.custom);
+        const std::filesystem::path file = registers.FileToLoad(type);
+        if (file.empty())
+            throw ChessException("No data file of " + type.Description() + " in " + folder.string());
+        const uint64_t before = std::filesystem::file_size(file);
+        const std::filesystem::path written = RecompressTypeData(folder, type, file, kind);
+        fmt::print("{}: {} ({} bytes) -> {} ({} bytes)\n", type.Description(), file.filename().string(),
+                   before, written.filename().string(), std::filesystem::file_size(written));
+    }
+    return kExitOk;
+}
+
 }  // namespace
 
 Runner AddPrecalcCommand(CLI::App& app, TProgramContext& context) {
     auto args = std::make_shared<TPrecalcArgs>();
-    CLI::App* cmd =
-        app.add_subcommand("precalc", "Precalculated endgame data: generate, verify, info, probe");
+    CLI::App* cmd = app.add_subcommand(
+        "precalc", "Precalculated endgame data: generate, verify, info, probe, recompress");
     cmd->require_subcommand(1);
     CLI::App* generate =
         cmd->add_subcommand("generate", "Generate the data of position types (smaller ones first)");
@@ -194,10 +229,22 @@ Runner AddPrecalcCommand(CLI::App& app, TProgramContext& context) {
     CLI::App* probe =
         cmd->add_subcommand("probe", "Look a position up: White mates in N, no mate or unknown");
     probe->add_option("fen", args->fen, "Position in FEN (its side to move is honoured)")->required();
-    return [args, &context, generate, verify, info] {
+    probe->add_option("--type", args->type,
+                      "Look in this type (a custom one, say) instead of the material's");
+    CLI::App* recompress = cmd->add_subcommand(
+        "recompress",
+        "Rewrite data files in another form; the old file goes once the new one reads back the same");
+    recompress->add_option("types", args->types, "Position types")->required();
+    recompress->add_option("--form", args->form, "The new form: lzw, packed-lz4, lz4, plain, 2bit, rle")
+        ->required();
+    for (CLI::App* sub : {generate, verify, info, probe, recompress})
+        sub->add_flag("--custom", args->custom,
+                      "Custom types, read from CustomPrecalc/ (implied by +, (, X, ?)");
+    return [args, &context, generate, verify, info, recompress] {
         if (generate->parsed()) return RunGenerate(context, *args);
         if (verify->parsed()) return RunVerify(context, *args);
         if (info->parsed()) return RunInfo(context, *args);
+        if (recompress->parsed()) return RunRecompress(context, *args);
         return RunProbe(context, *args);
     };
 }

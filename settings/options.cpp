@@ -52,6 +52,7 @@ const std::array kOptionKeys = {
     TOptionKey{"UseGlobalRules", &TOptions::m_bUseGlobalRules, true},
     TOptionKey{"GlobalRegisterForceDiskAccess", &TOptions::m_bGlobalRegisterForceDiskAccess, true},
     TOptionKey{"PrecalcPath", &TOptions::m_sPrecalcPath, false},
+    TOptionKey{"MaxMateIndexesCache", &TOptions::m_nMaxMateIndexesCache, false},
     TOptionKey{"AskIfSaveAfterDecompressAllToMem", &TOptions::m_bAskIfSaveAfterDecompressAllToMem, false},
     TOptionKey{"MultithreadingLevels", &TOptions::m_nMultithreadingLevels, true},
     TOptionKey{"LogToFileTmpRegLoad", &TOptions::m_bLogToFileTmpRegLoad, false},

@@ -52,6 +52,8 @@ struct TOptions {
     bool m_bUseGlobalRules = true;
     bool m_bGlobalRegisterForceDiskAccess = true;
     std::string m_sPrecalcPath;  // empty: the default folder of precalculated data
+    // The most indexes of non-zero values (".idx" files) held in memory over all loaded types.
+    int m_nMaxMateIndexesCache = 20000000;
     bool m_bAskIfSaveAfterDecompressAllToMem = false;
     // Read as 0 or 1 whatever the file says; the dialog writes the count it was given, so a
     // count above 1 lasts until the program is restarted.

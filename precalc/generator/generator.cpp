@@ -5,51 +5,43 @@
 #include <chrono>
 
 #include "core/chess_exception.h"
+#include "precalc/generator/available_memory.h"
 #include "precalc/generator/type_generator.h"
 #include "precalc/global/data_file.h"
-#include "settings/machine.h"
+#include "precalc/global/mate_index_file.h"
 
 namespace moremate {
 namespace {
 
-std::unique_ptr<CGlobalStorage> StorageOfKind(TStorageKind kind, std::vector<uint8_t> elements) {
-    switch (kind) {
-        case TStorageKind::kTwoBit:
-            return MakeTwoBitStorage(elements);
-        case TStorageKind::kRunLength:
-            return MakeRunLengthStorage(elements);
-        case TStorageKind::kPackedLzw:
-        case TStorageKind::kPackedLz4:
-            return MakePackedStorage(kind, elements, 1);
-        case TStorageKind::kPlain:
-        case TStorageKind::kLz4:
-            break;
-    }
-    return MakePlainStorage(std::move(elements), 1);
-}
-
+// Checked before each type, once the types it leads to are loaded: what it takes at most (see
+// PeakBytes, and the data written out) against the memory the system has available.
 void CheckMemory(const TPrecalcType& type) {
     const uint64_t needed = CTypeGenerator::PeakBytes(type) + 2 * TypeIndexCount(type);
-    if (needed > PhysicalMemoryBytes() / 2)
-        throw ChessException(
-            fmt::format("Not enough memory to generate {}: {} MB needed", type.Description(), needed >> 20));
+    const uint64_t available = AvailableMemoryBytes();
+    if (needed > available)
+        throw ChessException(fmt::format("Not enough memory to generate {}: {} MB needed, {} MB available",
+                                         type.Description(), needed >> 20, available >> 20));
 }
 
 TGlobalRegister& Generate(TGlobalRegisters& registers, const TPrecalcType& type,
                           const TGenerationOptions& options, TGenerationReport& report) {
     CheckMemory(type);
     const auto start = std::chrono::steady_clock::now();
-    std::vector<uint8_t> elements = CTypeGenerator(type, registers, options).Run(report);
+    std::unique_ptr<CGlobalStorage> plain =
+        MakePlainStorage(CTypeGenerator(type, registers, options).Run(report), 1);
     if (options.m_bWriteFiles) {
         const std::filesystem::path folder = registers.Settings().m_dataFolder;
         std::filesystem::create_directories(folder / TypeFolderName(type));
         const TStorageKind kind = options.m_kind;
-        WriteDataFile(TypeFile(folder, type, kind), type.Description(), *StorageOfKind(kind, elements), kind);
+        const bool asPlain = kind == TStorageKind::kPlain || kind == TStorageKind::kLz4;
+        WriteDataFile(TypeFile(folder, type, kind), type.Description(),
+                      asPlain ? *plain : *MakeStorageOfKind(kind, plain->Payload()), kind);
+        WriteMateIndexFile(MateIndexFile(folder, type), type.Description(), *plain);
     }
     report.m_dSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     report.m_nPeakBytes = CTypeGenerator::PeakBytes(type);
     report.m_bGenerated = true;
-    return registers.Add(std::make_unique<TGlobalRegister>(type, MakePlainStorage(std::move(elements), 1)));
+    return registers.Add(std::make_unique<TGlobalRegister>(type, std::move(plain)));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "lookahead.h"
 
+#include "core/attacks.h"
 #include "core/chess_exception.h"
 #include "core/validation.h"
 
@@ -14,6 +15,16 @@ bool SetUpPlacement(const TPrecalcType& type, uint64_t nPlacement, bool bWhiteTo
         if (board.squares[sq] == (kBlack | kKing)) bk = sq;
     }
     if (KingDistance(wk, bk) <= 1) return false;
+    // The side not to move in check is refused before the full validation, which would throw for
+    // both kings in check: an exception per placement costs more than the rest of its work. The
+    // attack test reads the king squares and whether knights are there from the board's fields.
+    board.whiteKingFile = static_cast<uint8_t>(FileOf(wk));
+    board.whiteKingRank = static_cast<uint8_t>(RankOf(wk));
+    board.blackKingFile = static_cast<uint8_t>(FileOf(bk));
+    board.blackKingRank = static_cast<uint8_t>(RankOf(bk));
+    board.whiteKnights = board.blackKnights = 1;
+    if (IsAttacked(board, board.squares, bWhiteToMove ? bk : wk, bWhiteToMove ? kWhite : kBlack))
+        return false;
     board.movesLeft = board.movesAtStart = bWhiteToMove ? 3 : 2;
     try {
         Validate(board, true);

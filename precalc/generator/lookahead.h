@@ -1,6 +1,7 @@
 // One move ahead from a position of the type being generated: the value of each move's position
 // read from the data, whether it stays in the type (the same index space), leaves it by a
-// capture or a promotion (a smaller or other type, already generated), or opens an en passant
+// capture or a promotion (a smaller or other type, already generated) or, in a custom type, by a
+// piece going where the type does not allow (the standard type of the material), or opens an en passant
 // capture (not stored: worked out one more move ahead).
 //
 // Values: White to move v (mates in v moves), Black to move s (White mates after s - 1 more
@@ -78,12 +79,13 @@ class CLookahead {
             uint8_t v;
             if (EnPassantOpen(child)) {
                 v = WhiteValue(child, limit);
-            } else if (MaterialKey(child) != MaterialKey(board)) {
+            } else if (const TPrecalcType::TPieceSquares moved = TPrecalcType::Moved(pieces, m.from, m.to);
+                       MaterialKey(child) != MaterialKey(board) || !m_type.Contains(moved)) {
                 v = m_others.Value(child);
                 if (v == 0) return kEscapes;
                 if (limitOthers && v > limit) v = 0;
             } else {
-                v = m_source.White(m_type.IndexOfPieces(TPrecalcType::Moved(pieces, m.from, m.to)));
+                v = m_source.White(m_type.IndexOfPieces(moved));
                 if (v > limit) v = 0;
                 if (pStaying) ++*pStaying;
             }
@@ -99,10 +101,11 @@ class CLookahead {
         uint8_t s;
         if (EnPassantOpen(child)) {
             s = BlackValue(child, limit, true);
-        } else if (MaterialKey(child) != MaterialKey(parent)) {
+        } else if (const TPrecalcType::TPieceSquares moved = TPrecalcType::Moved(pieces, m.from, m.to);
+                   MaterialKey(child) != MaterialKey(parent) || !m_type.Contains(moved)) {
             s = m_others.Value(child);
         } else {
-            s = m_source.Black(m_type.IndexOfPieces(TPrecalcType::Moved(pieces, m.from, m.to)));
+            s = m_source.Black(m_type.IndexOfPieces(moved));
         }
         return s != 0 && s != kEscapes && s - 1 <= limit ? s : 0;
     }

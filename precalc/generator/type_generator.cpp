@@ -94,17 +94,19 @@ void CTypeGenerator::Append(TIndexLists& byValue, const TIndexLists& perThread,
         }
 }
 
-// White leaves the type only by capturing a black piece or promoting a pawn; Black likewise.
+// White leaves the type only by capturing a black piece or promoting a pawn (or, in a restricted
+// custom type, by any move of a piece); Black likewise.
 bool CTypeGenerator::CanLeaveType(uint8_t mover) const {
-    return HasPieces(m_type, Opponent(mover), kQueen) || HasPieces(m_type, Opponent(mover), kRook) ||
-           HasPieces(m_type, Opponent(mover), kBishop) || HasPieces(m_type, Opponent(mover), kKnight) ||
-           HasPieces(m_type, Opponent(mover), kPawn) || HasPieces(m_type, mover, kPawn);
+    return m_type.IsRestricted() || HasPieces(m_type, Opponent(mover), kQueen) ||
+           HasPieces(m_type, Opponent(mover), kRook) || HasPieces(m_type, Opponent(mover), kBishop) ||
+           HasPieces(m_type, Opponent(mover), kKnight) || HasPieces(m_type, Opponent(mover), kPawn) ||
+           HasPieces(m_type, mover, kPawn);
 }
 
 // Whether White to move has a capture, a promotion or a double step that opens an en passant
 // capture: the moves whose positions are not those of the type. The moves are generated only then.
 bool CTypeGenerator::MayLeaveType(const TChessboard& board) const {
-    if (m_bBothPawns) return true;
+    if (m_bBothPawns || m_type.IsRestricted()) return true;
     for (int sq = 0; sq < 64; ++sq) {
         const Piece p = board.squares[sq];
         if (p == (kWhite | kPawn) && RankOf(sq) == 6) return true;
@@ -180,6 +182,7 @@ void CTypeGenerator::ForEachTakeBack(const std::vector<uint32_t>& placements, ui
             for (int r = 0; r < retro.count; ++r) {
                 const TPrecalcType::TPieceSquares before =
                     TPrecalcType::Moved(pieces, retro.moves[r].from, retro.moves[r].to);
+                if (!m_type.Contains(before)) continue;
                 visit(scratch, before, retro.moves[r], m_type.IndexOfPieces(before), t);
             }
         }

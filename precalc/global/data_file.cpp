@@ -145,7 +145,8 @@ TDataFileHeader ReadDataFileHeader(const std::filesystem::path& file, const std:
     h.m_nChecksum = Get<uint64_t>(&bytes[40]);
     h.m_sDescription.assign(reinterpret_cast<const char*>(&bytes[48]),
                             strnlen(reinterpret_cast<const char*>(&bytes[48]), kDescriptionBytes));
-    if (h.m_sDescription != description) Damaged(file, "holds " + h.m_sDescription);
+    if (h.m_sDescription != description.substr(0, kDescriptionBytes))
+        Damaged(file, "holds " + h.m_sDescription);
     if (h.m_nElements != nElements || (h.m_nElementSize != 1 && h.m_nElementSize != 2))
         Damaged(file, "wrong element count");
     if (h.m_kind == TStorageKind::kPlain && h.m_nPayloadBytes != nElements * h.m_nElementSize)

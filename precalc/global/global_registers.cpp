@@ -6,6 +6,8 @@
 
 #include "core/chess_exception.h"
 #include "precalc/global/data_file.h"
+#include "precalc/global/mate_index_file.h"
+#include "precalc/global/recompress.h"
 
 namespace moremate {
 namespace {
@@ -29,7 +31,8 @@ uint64_t LoadedBytes(const TDataFileHeader& h, bool bDiskAccess) {
 
 std::string DescriptionOfFileName(const std::string& name) {
     const size_t end = name.find(".precalc");
-    if (end == std::string::npos || name.ends_with(".tmp")) return "";
+    if (end == std::string::npos || name.ends_with(".tmp") || name.find(kSkipThisSuffix) != std::string::npos)
+        return "";
     std::string description;
     for (size_t i = 0; i < end; ++i)
         if (name[i] != '_') description += name[i];
@@ -44,6 +47,8 @@ TGlobalRegisterSettings TGlobalRegisterSettings::FromOptions(const TOptions& opt
     s.m_bForceDiskAccess = options.m_bGlobalRegisterForceDiskAccess;
     s.m_nUseDataPackedForRandomAccess = options.m_byUseDataPackedForRandomAccess;
     s.m_nQuotaBytes = options.PrecalcQuotaBytes();
+    s.m_nMaxMateIndexes = static_cast<uint64_t>(std::max(0, options.m_nMaxMateIndexesCache));
+    s.m_nAskForRecompression = options.m_byAskForGlobalRegisterRecompression;
     return s;
 }
 
@@ -70,6 +75,7 @@ void TGlobalRegisters::Configure(const TGlobalRegisterSettings& settings, CRepor
     m_registers.clear();
     m_failed.clear();
     m_byMaterial.clear();
+    m_nMateIndexesHeld = 0;
 }
 
 TGlobalRegister* TGlobalRegisters::Find(const TChessboard& position) {
@@ -90,9 +96,9 @@ TGlobalRegister* TGlobalRegisters::Find(const TChessboard& position) {
 TGlobalRegister* TGlobalRegisters::Find(const TPrecalcType& type) {
     {
         std::shared_lock lock(m_lock);
-        const auto found = m_registers.find(type.Description());
+        const auto found = m_registers.find(type.Key());
         if (found != m_registers.end()) return found->second.get();
-        if (m_failed.contains(type.Description())) return nullptr;
+        if (m_failed.contains(type.Key())) return nullptr;
     }
     return Load(type);
 }
@@ -105,16 +111,17 @@ TGlobalRegister& TGlobalRegisters::Require(const TPrecalcType& type) {
 
 TGlobalRegister& TGlobalRegisters::Add(std::unique_ptr<TGlobalRegister> reg) {
     std::unique_lock lock(m_lock);
-    const std::string description = reg->Type().Description();
-    m_failed.erase(description);
+    const std::string key = reg->Type().Key();
+    m_failed.erase(key);
     m_byMaterial.clear();
-    auto& slot = m_registers[description];
+    auto& slot = m_registers[key];
     slot = std::move(reg);
     return *slot;
 }
 
 std::filesystem::path TGlobalRegisters::FileToLoad(const TPrecalcType& type) const {
     if (m_settings.m_dataFolder.empty()) return {};  // not configured: no data
+    if (IsSwitchedOff(m_settings.m_dataFolder, type)) return {};
     for (const TStorageKind kind : KindsToTry(m_settings)) {
         const std::filesystem::path file = TypeFile(m_settings.m_dataFolder, type, kind);
         std::error_code error;
@@ -134,22 +141,76 @@ std::unique_ptr<CGlobalStorage> TGlobalRegisters::ReadWithinQuota(const TPrecalc
     return ReadDataFile(file, type.Description(), elements, m_settings.m_bForceDiskAccess);
 }
 
+std::unique_ptr<CGlobalStorage> TGlobalRegisters::WithMateIndex(const TPrecalcType& type,
+                                                                std::unique_ptr<CGlobalStorage> storage,
+                                                                uint64_t& nHeld) {
+    const std::filesystem::path file = MateIndexFile(m_settings.m_dataFolder, type);
+    std::error_code error;
+    if ((storage->Form() != TStorageForm::kDiskAccess && storage->Form() != TStorageForm::kRunLength) ||
+        !std::filesystem::is_regular_file(file, error))
+        return storage;
+    try {
+        const uint64_t elements = storage->ElementCount();
+        const uint64_t n = ReadMateIndexHeader(file, type.Description(), elements).m_nIndexes;
+        uint64_t held = m_nMateIndexesHeld.load();
+        do {
+            if (held + n > m_settings.m_nMaxMateIndexes) return storage;
+        } while (!m_nMateIndexesHeld.compare_exchange_weak(held, held + n));
+        nHeld = n;
+        std::vector<uint32_t> indexes = ReadMateIndexFile(file, type.Description(), elements);
+        return MakeMateIndexedStorage(std::move(storage), std::move(indexes));
+    } catch (const ChessException& e) {
+        m_nMateIndexesHeld -= nHeld;
+        nHeld = 0;
+        if (m_pReporter) m_pReporter->Report("Error", e.what());
+    }
+    return storage;
+}
+
+std::filesystem::path TGlobalRegisters::OfferRecompression(const TPrecalcType& type,
+                                                           const std::filesystem::path& file) {
+    const int asked = m_settings.m_nAskForRecompression;
+    if (asked == 0 || !m_pReporter) return file;
+    try {
+        const TDataFileHeader h = ReadDataFileHeader(file, type.Description(), TypeIndexCount(type));
+        if (PackingLevel(h.m_kind) >= asked) return file;
+        const char* form = StorageName(KindForPackingLevel(asked));
+        const std::string text = fmt::format(
+            "The precalculated data {} are stored as {}, packed less than "
+            "AskForGlobalRegisterRecompression={} "
+            "asks ({}); \"moremate precalc recompress {} --form {}\" rewrites them. {}",
+            file.string(), StorageName(h.m_kind), asked, form, type.Description(), form,
+            kRecompressionQuestion);
+        if (m_pReporter->Report("Question", text, ReportButtons::YesNo) != ReportAnswer::Yes) return file;
+        return RecompressTypeData(m_settings.m_dataFolder, type, file, KindForPackingLevel(asked));
+    } catch (const ChessException& e) {
+        m_pReporter->Report("Error", e.what());
+    }
+    return file;
+}
+
 TGlobalRegister* TGlobalRegisters::Load(const TPrecalcType& type) {
-    const std::filesystem::path file = FileToLoad(type);
+    std::filesystem::path file = FileToLoad(type);
+    if (!file.empty()) file = OfferRecompression(type, file);
     std::unique_ptr<CGlobalStorage> storage;
+    uint64_t held = 0;
     try {
         if (!file.empty()) storage = ReadWithinQuota(type, file);
     } catch (const ChessException& e) {
         if (m_pReporter) m_pReporter->Report("Error", e.what());
     }
+    if (storage) storage = WithMateIndex(type, std::move(storage), held);
     std::unique_lock lock(m_lock);
-    const auto found = m_registers.find(type.Description());
-    if (found != m_registers.end()) return found->second.get();
+    const auto found = m_registers.find(type.Key());
+    if (found != m_registers.end()) {
+        m_nMateIndexesHeld -= held;  // another thread loaded the type first
+        return found->second.get();
+    }
     if (!storage) {
-        m_failed.insert(type.Description());
+        m_failed.insert(type.Key());
         return nullptr;
     }
-    auto& slot = m_registers[type.Description()];
+    auto& slot = m_registers[type.Key()];
     slot = std::make_unique<TGlobalRegister>(type, std::move(storage));
     return slot.get();
 }
@@ -189,9 +250,11 @@ TGlobalRegisterCounts TGlobalRegisters::Counts() const {
 std::string TGlobalRegisters::StatusText() const {
     const uint64_t memory = MemoryBytes();
     std::shared_lock lock(m_lock);
-    std::string text =
-        fmt::format("Global register: {} position type(s) loaded, {:.1f} MB of {:.1f} MB quota\n",
-                    m_registers.size(), memory / 1048576.0, m_settings.m_nQuotaBytes / 1048576.0);
+    std::string text = fmt::format(
+        "Global register: {} position type(s) loaded, {:.1f} MB of {:.1f} MB quota, {} of {} mate "
+        "indexes held\n",
+        m_registers.size(), memory / 1048576.0, m_settings.m_nQuotaBytes / 1048576.0,
+        m_nMateIndexesHeld.load(), m_settings.m_nMaxMateIndexes);
     for (const auto& [description, reg] : m_registers)
         text += fmt::format("  {}: {} indexes, {}, {:.1f} MB\n", description, reg->Storage().ElementCount(),
                             StorageFormName(reg->Storage().Form()), reg->MemoryBytes() / 1048576.0);

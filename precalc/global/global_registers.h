@@ -29,6 +29,11 @@ struct TGlobalRegisterSettings {
     int m_nUseDataPackedForRandomAccess = 2;
     uint64_t m_nQuotaBytes = 0;
     bool m_bEnabled = true;
+    // The most indexes read from ".idx" files and held in front of slow forms (disk access,
+    // run-length blocks), over all types; a type whose list would go beyond it goes without.
+    uint64_t m_nMaxMateIndexes = 0;
+    // A file packed less than this level (see recompress.h) is offered for recompression on loading.
+    int m_nAskForRecompression = 0;
 
     static TGlobalRegisterSettings FromOptions(const TOptions& options);
 };
@@ -62,7 +67,8 @@ class TGlobalRegisters {
     TGlobalRegister& Add(std::unique_ptr<TGlobalRegister> reg);
     // The types whose files lie in the data folder, by description.
     std::set<std::string> TypesOnDisk() const;
-    // The file of a type that loading would read, or an empty path.
+    // The file of a type that loading would read, or an empty path (no file, or the type switched
+    // off by a "_SKIPTHIS" file).
     std::filesystem::path FileToLoad(const TPrecalcType& type) const;
 
     uint64_t MemoryBytes() const;
@@ -75,8 +81,15 @@ class TGlobalRegisters {
 
   private:
     TGlobalRegister* Load(const TPrecalcType& type);
+    // The file to read: `file`, or the one it was recompressed into when the question was answered
+    // yes. Failures are reported and leave `file`.
+    std::filesystem::path OfferRecompression(const TPrecalcType& type, const std::filesystem::path& file);
     std::unique_ptr<CGlobalStorage> ReadWithinQuota(const TPrecalcType& type,
                                                     const std::filesystem::path& file);
+    // The storage with the type's list of non-zero indexes in front, when the form is slow, the
+    // ".idx" file is there and the list fits the bound; `nHeld` gets the list's length.
+    std::unique_ptr<CGlobalStorage> WithMateIndex(const TPrecalcType& type,
+                                                  std::unique_ptr<CGlobalStorage> storage, uint64_t& nHeld);
 
     TGlobalRegisterSettings m_settings;
     CReporter* m_pReporter = nullptr;
@@ -84,6 +97,7 @@ class TGlobalRegisters {
     std::map<std::string, std::unique_ptr<TGlobalRegister>> m_registers;
     std::set<std::string> m_failed;  // no data, or data that cannot be loaded
     std::unordered_map<uint32_t, TGlobalRegister*> m_byMaterial;
+    std::atomic<uint64_t> m_nMateIndexesHeld{0};
     std::atomic<uint64_t> m_nLookups{0}, m_nMates{0}, m_nNoMates{0}, m_nUnknown{0};
 };
 

@@ -24,4 +24,20 @@ uint16_t CGlobalStorage::MateCode(uint64_t nIndex) const {
     return value == 0 ? 0 : static_cast<uint16_t>(2 * value - 1);
 }
 
+std::unique_ptr<CGlobalStorage> MakeStorageOfKind(TStorageKind kind, std::vector<uint8_t> elements) {
+    switch (kind) {
+        case TStorageKind::kTwoBit:
+            return MakeTwoBitStorage(elements);
+        case TStorageKind::kRunLength:
+            return MakeRunLengthStorage(elements);
+        case TStorageKind::kPackedLzw:
+        case TStorageKind::kPackedLz4:
+            return MakePackedStorage(kind, elements, 1);
+        case TStorageKind::kPlain:
+        case TStorageKind::kLz4:
+            break;
+    }
+    return MakePlainStorage(std::move(elements), 1);
+}
+
 }  // namespace moremate

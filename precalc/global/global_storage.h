@@ -53,6 +53,8 @@ std::unique_ptr<CGlobalStorage> OpenDiskStorage(const std::filesystem::path& fil
 // Random-access buffers: kind kPackedLzw or kPackedLz4.
 std::unique_ptr<CGlobalStorage> MakePackedStorage(TStorageKind kind, const std::vector<uint8_t>& elements,
                                                   unsigned elementSize);
+// The form a file of `kind` keeps (one-byte elements); plain for kPlain and kLz4.
+std::unique_ptr<CGlobalStorage> MakeStorageOfKind(TStorageKind kind, std::vector<uint8_t> elements);
 std::unique_ptr<CGlobalStorage> OpenPackedStorage(TStorageKind kind, std::vector<uint8_t> image,
                                                   unsigned elementSize);
 

@@ -1,10 +1,13 @@
 #include "position_type.h"
 
 #include <algorithm>
+#include <bit>
 #include <cctype>
+#include <tuple>
 
 #include "core/chess_exception.h"
 #include "core/pieces.h"
+#include "precalc/types/type_description.h"
 
 namespace moremate {
 namespace {
@@ -14,6 +17,11 @@ constexpr uint8_t kSlotOrder[] = {kQueen, kRook, kBishop, kKnight, kPawn};
 char LetterOf(Piece piece) {
     const char letter = TypeLetter(TypeOf(piece)) == ' ' ? 'P' : TypeLetter(TypeOf(piece));
     return ColourOf(piece) == kWhite ? letter : static_cast<char>(std::tolower(letter));
+}
+
+unsigned char NthSquare(uint64_t squares, uint64_t n) {
+    for (; n > 0; --n) squares &= squares - 1;
+    return static_cast<unsigned char>(std::countr_zero(squares));
 }
 
 std::array<int, 32> NoCounts() {
@@ -39,6 +47,12 @@ void CountLetters(const std::string& text, std::array<int, 32>& white, std::arra
 }  // namespace
 
 TPrecalcType TPrecalcType::Parse(const std::string& text, bool bCustom) {
+    if (bCustom) {
+        TPrecalcType type;
+        type.m_bCustom = true;
+        type.AddCustomPieces(text);
+        return type;
+    }
     std::array<int, 32> white = NoCounts(), black = NoCounts();
     CountLetters(text, white, black);
     TPrecalcType type;
@@ -77,12 +91,70 @@ void TPrecalcType::AddPieces(uint8_t colour, const std::array<int, 32>& counts) 
         slot.m_pMapping = k > 1 ? &CombinationMapping(slot.m_bPawn, k) : nullptr;
         slot.m_nRadix = k > 1 ? slot.m_pMapping->Count() : (slot.m_bPawn ? 48 : 64);
         m_sDescription.append(static_cast<size_t>(k), slot.m_cLetter);
-        m_nPieces += k;
-        m_bPawns = m_bPawns || slot.m_bPawn;
-        m_nPlacements *= slot.m_nRadix;
-        m_slotOfPiece[slot.m_piece] = static_cast<int8_t>(m_vSlots.size());
-        m_vSlots.push_back(slot);
+        AddSlot(slot);
     }
+}
+
+void TPrecalcType::AddSlot(const TPieceSlot& slot) {
+    m_nPieces += slot.m_nGroupSize;
+    m_bPawns = m_bPawns || slot.m_bPawn;
+    m_nPlacements *= slot.m_nRadix;
+    if (m_slotOfPiece[slot.m_piece] < 0) m_slotOfPiece[slot.m_piece] = static_cast<int8_t>(m_vSlots.size());
+    m_vSlots.push_back(slot);
+}
+
+// Slots in the standard order, pieces that may stand anywhere before restricted ones of their
+// kind; like pieces that may stand anywhere form one group.
+void TPrecalcType::AddCustomPieces(const std::string& text) {
+    std::vector<TDescribedPiece> pieces = ReadCustomDescription(text);
+    const auto order = [](const TDescribedPiece& p) {
+        const uint8_t* kind = std::find(std::begin(kSlotOrder), std::end(kSlotOrder), TypeOf(p.m_piece));
+        return std::tuple(ColourOf(p.m_piece) == kWhite ? 0 : 1, kind - std::begin(kSlotOrder),
+                          p.m_nSquares != 0);
+    };
+    std::stable_sort(pieces.begin(), pieces.end(),
+                     [&order](const auto& a, const auto& b) { return order(a) < order(b); });
+    for (size_t i = 0; i < pieces.size(); ++i) {
+        const TDescribedPiece& p = pieces[i];
+        if (TypeOf(p.m_piece) == kKing) continue;
+        TPieceSlot slot;
+        slot.m_piece = p.m_piece;
+        slot.m_cLetter = LetterOf(p.m_piece);
+        slot.m_bPawn = TypeOf(p.m_piece) == kPawn;
+        slot.m_nSquares = p.m_nSquares;
+        while (p.m_nSquares == 0 && i + 1 < pieces.size() && pieces[i + 1].m_piece == p.m_piece &&
+               pieces[i + 1].m_nSquares == 0) {
+            ++slot.m_nGroupSize;
+            ++i;
+        }
+        slot.m_pMapping =
+            slot.m_nGroupSize > 1 ? &CombinationMapping(slot.m_bPawn, slot.m_nGroupSize) : nullptr;
+        slot.m_nRadix = slot.m_pMapping        ? slot.m_pMapping->Count()
+                        : slot.m_nSquares != 0 ? static_cast<uint64_t>(std::popcount(slot.m_nSquares))
+                        : slot.m_bPawn         ? 48
+                                               : 64;
+        m_bRestricted = m_bRestricted || slot.m_nSquares != 0;
+        uint64_t mirrored = 0;
+        for (int sq = 0; sq < 64; ++sq)
+            if (slot.m_nSquares >> sq & 1) mirrored |= 1ull << MirroredFile(static_cast<uint8_t>(sq));
+        m_bMirror = m_bMirror && mirrored == slot.m_nSquares;
+        AddSlot(slot);
+    }
+    m_sDescription = text;
+    if (!m_bMirror) {
+        m_nKingRadix = 64;
+        m_nPlacements *= 2;
+    }
+}
+
+TPrecalcType TPrecalcType::Standard() const {
+    std::array<int, 32> white = NoCounts(), black = NoCounts();
+    for (const TPieceSlot& slot : m_vSlots)
+        (ColourOf(slot.m_piece) == kWhite ? white : black)[TypeOf(slot.m_piece)] += slot.m_nGroupSize;
+    TPrecalcType type;
+    type.AddPieces(kWhite, white);
+    type.AddPieces(kBlack, black);
+    return type;
 }
 
 bool TPrecalcType::WhiteBare() const {
@@ -105,7 +177,7 @@ TPrecalcType::TPieceSquares TPrecalcType::PiecesOf(const uint8_t* squares) const
         } else if (p == (kBlack | kKing)) {
             pieces[1] = static_cast<uint8_t>(sq);
         } else {
-            const int slot = m_slotOfPiece[p];
+            const int slot = m_bRestricted ? SlotOf(p, sq, filled) : m_slotOfPiece[p];
             if (slot >= 0 && filled[slot] < m_vSlots[static_cast<size_t>(slot)].m_nGroupSize)
                 pieces[static_cast<size_t>(firstOfSlot[slot] + filled[slot]++)] = static_cast<uint8_t>(sq);
         }
@@ -113,8 +185,35 @@ TPrecalcType::TPieceSquares TPrecalcType::PiecesOf(const uint8_t* squares) const
     return pieces;
 }
 
+// The slot of a piece on `sq` among those of its kind: one whose squares hold `sq` and that has
+// room, else the first with room.
+int TPrecalcType::SlotOf(Piece piece, int sq, const int* filled) const {
+    int first = -1;
+    for (size_t s = 0; s < m_vSlots.size(); ++s) {
+        const TPieceSlot& slot = m_vSlots[s];
+        if (slot.m_piece != piece || filled[s] >= slot.m_nGroupSize) continue;
+        if (slot.m_nSquares == 0 || (slot.m_nSquares >> sq & 1)) return static_cast<int>(s);
+        if (first < 0) first = static_cast<int>(s);
+    }
+    return first;
+}
+
+bool TPrecalcType::InSquares(const TPieceSquares& pieces) const {
+    size_t at = 2;
+    for (const TPieceSlot& slot : m_vSlots) {
+        if (slot.m_nSquares != 0 && !(slot.m_nSquares >> pieces[at] & 1)) return false;
+        at += static_cast<size_t>(slot.m_nGroupSize);
+    }
+    return true;
+}
+
+bool TPrecalcType::ContainsPosition(const uint8_t* squares) const {
+    const std::optional<TPrecalcType> material = OfPosition(squares);
+    return material && material->Description() == Standard().Description() && Contains(PiecesOf(squares));
+}
+
 uint64_t TPrecalcType::IndexOfPieces(TPieceSquares pieces) const {
-    const bool mirror = FileOf(pieces[0]) >= 4;
+    const bool mirror = m_bMirror && FileOf(pieces[0]) >= 4;
     if (mirror)
         for (int i = 0; i < m_nPieces + 2; ++i) pieces[static_cast<size_t>(i)] ^= 7;
     uint64_t p = 0;
@@ -123,13 +222,17 @@ uint64_t TPrecalcType::IndexOfPieces(TPieceSquares pieces) const {
         if (slot.m_pMapping) {
             std::sort(at, at + slot.m_nGroupSize);
             p = p * slot.m_nRadix + slot.m_pMapping->IndexOfSet(at);
+        } else if (slot.m_nSquares != 0) {
+            p = p * slot.m_nRadix +
+                static_cast<uint64_t>(std::popcount(slot.m_nSquares & ((1ull << *at) - 1)));
         } else {
             p = p * slot.m_nRadix + (*at - (slot.m_bPawn ? 8u : 0u));
         }
         at += slot.m_nGroupSize;
     }
-    const uint64_t w = static_cast<uint64_t>(RankOf(pieces[0]) * 4 + FileOf(pieces[0]));
-    return w + 32 * (static_cast<uint64_t>(pieces[1]) + 64 * p);
+    const uint64_t w =
+        m_bMirror ? static_cast<uint64_t>(RankOf(pieces[0]) * 4 + FileOf(pieces[0])) : pieces[0];
+    return w + m_nKingRadix * (static_cast<uint64_t>(pieces[1]) + 64 * p);
 }
 
 uint64_t TPrecalcType::IndexOf(const uint8_t* squares) const {
@@ -138,19 +241,21 @@ uint64_t TPrecalcType::IndexOf(const uint8_t* squares) const {
 
 bool TPrecalcType::PlacementAt(uint64_t nIndex, uint8_t* squares) const {
     std::fill(squares, squares + 64, kEmpty);
-    const int w = static_cast<int>(nIndex % 32);
-    const int bk = static_cast<int>(nIndex / 32 % 64);
-    const int wk = MakeSquare(w % 4, w / 4);
+    const int w = static_cast<int>(nIndex % m_nKingRadix);
+    const int bk = static_cast<int>(nIndex / m_nKingRadix % 64);
+    const int wk = m_bMirror ? MakeSquare(w % 4, w / 4) : w;
     if (wk == bk) return false;
     squares[wk] = kWhite | kKing;
     squares[bk] = kBlack | kKing;
-    uint64_t p = nIndex / (32 * 64);
+    uint64_t p = nIndex / (m_nKingRadix * 64);
     for (auto slot = m_vSlots.rbegin(); slot != m_vSlots.rend(); ++slot) {
         const uint64_t part = p % slot->m_nRadix;
         p /= slot->m_nRadix;
         unsigned char set[kMaxPrecalcPieces];
         if (slot->m_pMapping)
             slot->m_pMapping->SetAtIndex(part, set);
+        else if (slot->m_nSquares != 0)
+            set[0] = NthSquare(slot->m_nSquares, part);
         else
             set[0] = static_cast<unsigned char>(part + (slot->m_bPawn ? 8 : 0));
         for (int i = 0; i < slot->m_nGroupSize; ++i) {
@@ -162,6 +267,12 @@ bool TPrecalcType::PlacementAt(uint64_t nIndex, uint8_t* squares) const {
 }
 
 std::vector<TPrecalcType> TPrecalcType::Successors() const {
+    if (m_bCustom) {
+        // Moves out of the allowed squares lead to the standard type of the material.
+        std::vector<TPrecalcType> result = Standard().Successors();
+        if (m_bRestricted) result.insert(result.begin(), Standard());
+        return result;
+    }
     std::vector<TPrecalcType> result;
     const auto add = [&result](const std::string& text) {
         const TPrecalcType type = Parse(text);

@@ -30,12 +30,16 @@ struct TPieceSlot {
     int m_nGroupSize = 1;
     const CMappingCombinationIndexIntoSetBase* m_pMapping = nullptr;  // groups only
     uint64_t m_nRadix = 64;
+    // Custom types: the squares a single piece may stand on, one bit each (0 for any); its part
+    // of the index is the place of its square among them.
+    uint64_t m_nSquares = 0;
 };
 
 class TPrecalcType {
   public:
     // Throws ChessException kUnknownTypeText + text for anything but one "K", one "k" and at most
-    // three further pieces of Q, R, B, N, P in either case.
+    // three further pieces of Q, R, B, N, P in either case. A custom type reads the whole grammar
+    // of type_description.h and keeps its text as it is.
     static TPrecalcType Parse(const std::string& text, bool bCustom = false);
     // The type of a position's material, or nothing with more pieces than precalculated types hold.
     static std::optional<TPrecalcType> OfPosition(const uint8_t* squares);
@@ -45,11 +49,18 @@ class TPrecalcType {
     int TotalPieces() const { return m_nPieces + 2; }
     bool HasPawns() const { return m_bPawns; }
     bool IsCustom() const { return m_bCustom; }
+    // What the registers know the type by: custom types apart from standard ones.
+    std::string Key() const { return m_bCustom ? "custom:" + m_sDescription : m_sDescription; }
+    // Some piece may not stand anywhere: moves can leave the type without changing its material.
+    bool IsRestricted() const { return m_bRestricted; }
+    // The standard type of the same material.
+    TPrecalcType Standard() const;
     // White has nothing but the king: no position of the type is a mate.
     bool WhiteBare() const;
     const std::vector<TPieceSlot>& Slots() const { return m_vSlots; }
 
-    // Placements with one side to move: 32 x 64 x the product of the slots' radices.
+    // Placements with one side to move: 32 x 64 x the product of the slots' radices (64 x 64 x ...
+    // for a custom type whose squares are not the same mirrored left to right).
     uint64_t PlacementCount() const { return m_nPlacements; }
     // The index of a placement with White to move; add PlacementCount() for Black to move.
     uint64_t IndexOf(const uint8_t* squares) const;
@@ -67,6 +78,10 @@ class TPrecalcType {
             }
         return pieces;
     }
+    // Whether every piece stands on a square its slot allows (always so for a standard type).
+    bool Contains(const TPieceSquares& pieces) const { return !m_bRestricted || InSquares(pieces); }
+    // The material is the type's and every piece stands where the type allows.
+    bool ContainsPosition(const uint8_t* squares) const;
     // The placement of an index below PlacementCount(); false when two pieces share a square.
     bool PlacementAt(uint64_t nIndex, uint8_t* squares) const;
 
@@ -82,11 +97,19 @@ class TPrecalcType {
         return slots;
     }
     void AddPieces(uint8_t colour, const std::array<int, 32>& counts);
+    void AddSlot(const TPieceSlot& slot);
+    void AddCustomPieces(const std::string& text);
+    bool InSquares(const TPieceSquares& pieces) const;
+    int SlotOf(Piece piece, int sq, const int* filled) const;
+    static uint8_t MirroredFile(uint8_t sq) { return static_cast<uint8_t>(sq ^ 7); }
 
     std::string m_sDescription;
     int m_nPieces = 0;
     bool m_bPawns = false;
     bool m_bCustom = false;
+    bool m_bRestricted = false;
+    bool m_bMirror = true;       // the white king is mirrored onto files a to d
+    uint64_t m_nKingRadix = 32;  // 64 without the mirror
     std::vector<TPieceSlot> m_vSlots;
     std::array<int8_t, 256> m_slotOfPiece = MakeNoSlots();
     uint64_t m_nPlacements = 32 * 64;

@@ -87,4 +87,21 @@ std::filesystem::path TypeFile(const std::filesystem::path& dataFolder, const TP
                                            (bDetails ? ".details" : "") + StorageSuffix(kind));
 }
 
+std::filesystem::path MateIndexFile(const std::filesystem::path& dataFolder, const TPrecalcType& type) {
+    return TypeFolder(dataFolder, type) / (MarkedBaseName(type.Description()) + ".precalc.idx");
+}
+
+bool IsSwitchedOff(const std::filesystem::path& dataFolder, const TPrecalcType& type) {
+    const std::filesystem::path folder = TypeFolder(dataFolder, type);
+    const std::string base = MarkedBaseName(type.Description()) + kSkipThisSuffix + ".precalc";
+    for (const bool details : {false, true})
+        for (const TStorageKind kind : kAllStorageKinds) {
+            std::error_code error;
+            if (std::filesystem::exists(folder / (base + (details ? ".details" : "") + StorageSuffix(kind)),
+                                        error))
+                return true;
+        }
+    return false;
+}
+
 }  // namespace moremate

@@ -43,5 +43,13 @@ std::filesystem::path TypeFolderName(const TPrecalcType& type);
 std::filesystem::path TypeFolder(const std::filesystem::path& dataFolder, const TPrecalcType& type);
 std::filesystem::path TypeFile(const std::filesystem::path& dataFolder, const TPrecalcType& type,
                                TStorageKind kind, bool bDetails = false);
+// The ".idx" companion of a type's data (see mate_index_file.h), one for every storage form.
+std::filesystem::path MateIndexFile(const std::filesystem::path& dataFolder, const TPrecalcType& type);
+
+// A base name with this suffix switches a type off: a file "KQk_r__SKIPTHIS.precalc..." (in any
+// storage form, data or an empty marker) makes the lookup of the type's data fail on purpose, so
+// that its files can stay where they are.
+inline constexpr const char* kSkipThisSuffix = "_SKIPTHIS";
+bool IsSwitchedOff(const std::filesystem::path& dataFolder, const TPrecalcType& type);
 
 }  // namespace moremate

@@ -141,7 +141,13 @@ check "precalc info" 0 '^Longest mate: White mates in 10: .* w$' -- precalc info
 check "precalc info of the run-length form" 0 '^Form: run-length blocks$' -- precalc info KRk
 check "precalc info lists the types on disk" 0 'position type\(s\) on disk: KQk KRk' -- precalc info
 check "precalc verify" 0 '^KRk: 262144 indexes checked, 0 fault\(s\)$' -- precalc verify KRk --threads 1
-check "precalc of a bad type" 2 'Unknown position type description: KXk' -- precalc generate KXk
+check "precalc of a bad type" 2 'Unknown position type description: KJk' -- precalc generate KJk
+check "precalc generate of a custom type" 0 '^KR\(1\)k: 32768 indexes, 10910 White-to-move mates \(longest 16\)' -- precalc generate "KR(1)k" --threads 1
+check "precalc probe in a custom type" 0 '^White mates in 1$' -- precalc probe "k7/8/1K6/8/8/8/8/7R w - - 0 1" --type "KR(1)k"
+check "precalc probe outside a custom type" 2 'The position is not one of type KR\(1\)k' -- precalc probe "k7/8/1K6/8/8/8/7R/8 w - - 0 1" --type "KR(1)k"
+check "a malformed custom type says why" 2 'KQ\(k \(a square, a file \(a-h\) or a rank \(1-8\) expected at position 4\)' -- precalc info "KQ(k"
+check "precalc recompress" 0 '^KRk: KRk_\.precalc\.rle \([0-9]+ bytes\) -> KRk_\.precalc\.packed\.lz4 \([0-9]+ bytes\)$' -- precalc recompress KRk --form packed-lz4
+check "a recompressed type loads packed" 0 '^Form: random-access buffer$' -- precalc info KRk
 check "precalc generate without a type" 2 'No position type given' -- precalc generate
 check "precalc form refused" 2 'Unknown storage form: zip' -- precalc generate KQk --form zip
 printf '1 #14 Requires KRK\n{\n FEN: 8/8/8/8/8/2k5/8/K6R w - - 0 1\n}\n' > "$work/krk.cp"

@@ -201,5 +201,31 @@ TEST_F(PrecalcData, DataFilesReadBackInEveryForm) {
     }
 }
 
+// A custom type is generated in its own index space, leaving it for the standard type when a
+// piece goes where it may not stand, and holds the standard type's value at every placement.
+TEST_F(PrecalcData, CustomTypesAgreeWithTheStandardTypeOfTheirMaterial) {
+    TGenerationOptions options;
+    options.m_nThreads = 2;
+    for (const char* text : {"KXk", "KR(1)k", "KQ(e)k", "KP(a?,h?)k"}) {
+        const TPrecalcType custom = TPrecalcType::Parse(text, true);
+        const TGlobalRegister& reg = EnsureTypeData(*s_pRegisters, custom, options);
+        EXPECT_TRUE(std::filesystem::exists(TypeFile(s_pFolder->Path(), custom, TStorageKind::kPlain)))
+            << text;
+        const TGlobalRegister& standard = s_pRegisters->Require(custom.Standard());
+        uint64_t compared = 0;
+        for (uint64_t i = 0; i < custom.PlacementCount(); ++i)
+            for (const bool white : {true, false}) {
+                TChessboard board;
+                if (!SetUpPlacement(custom, i, white, board)) continue;
+                ASSERT_EQ(reg.HalfMovesToMate(board), standard.HalfMovesToMate(board))
+                    << text << " " << WriteFen(board);
+                ++compared;
+            }
+        EXPECT_GT(compared, custom.PlacementCount() / 2) << text;
+        const TVerificationReport r = VerifyTypeData(*s_pRegisters, s_pRegisters->Require(custom), 2, false);
+        EXPECT_EQ(r.m_nFaults, 0u) << text << (r.m_vFaults.empty() ? "" : r.m_vFaults[0]);
+    }
+}
+
 }  // namespace
 }  // namespace moremate
