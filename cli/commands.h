@@ -21,6 +21,7 @@ using Runner = std::function<int()>;
 struct TProgramContext {
     TOptions options;
     CReporter& reporter;
+    CReporter& questions;  // the reporter, with questions asked on a terminal only (else "no")
 };
 
 Runner AddPerftCommand(CLI::App& app);

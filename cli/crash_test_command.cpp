@@ -1,5 +1,8 @@
 #include <fmt/core.h>
 
+#include <string>
+#include <vector>
+
 #include "commands.h"
 #include "diagnostics/test_crash.h"
 #include "settings/program_folder.h"
@@ -25,7 +28,8 @@ Runner AddCrashTestCommand(CLI::App& app, TProgramContext& context) {
         "crash-test", "Crash on purpose to try the crash handler (needs AddTestCrashHandlerMenuItem=1)");
     cmd->add_option("kind", *kind, diagnostics::kTestCrashNames)
         ->required()
-        ->check(CLI::IsMember({"segv", "fpe", "abort", "throw", "stack"}));
+        ->check(CLI::IsMember(std::vector<std::string>(diagnostics::kTestCrashKinds.begin(),
+                                                       diagnostics::kTestCrashKinds.end())));
     return [kind, &context] { return RunCrashTest(*kind, context.options); };
 }
 

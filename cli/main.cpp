@@ -26,12 +26,13 @@ int main(int argc, char** argv) {
     app.set_version_flag("--version", std::string("moremate ") + MOREMATE_VERSION);
     app.require_subcommand(1);
     CStderrReporter reporter;
-    TProgramContext context{ReadOptions(OptionsFilePath(), reporter), reporter};
+    CQuestionPrompt questions(reporter, std::nullopt);
+    TProgramContext context{ReadOptions(OptionsFilePath(), reporter), reporter, questions};
     ReportInterruptedSaves();  // of registers, by a process killed while saving
     diagnostics::InstallCrashHandler(context.options);
-    // Loading precalculated data may ask whether to recompress a file: asked on a terminal only.
-    CQuestionPrompt questions(reporter, std::nullopt);
-    TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(context.options), &questions);
+    // Loading precalculated data may ask whether to recompress a file.
+    TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(context.options),
+                                           &context.questions);
     std::map<std::string, Runner> runners;
     runners["perft"] = AddPerftCommand(app);
     runners["fen"] = AddFenCommand(app);

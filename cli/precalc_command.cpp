@@ -11,7 +11,6 @@
 #include "precalc/generator/lookahead.h"
 #include "precalc/generator/verification.h"
 #include "precalc/global/recompress.h"
-#include "question_prompt.h"
 #include "settings/machine.h"
 
 namespace moremate::cli {
@@ -37,8 +36,7 @@ TGlobalRegisters& ConfiguredRegisters(TProgramContext& context, bool bForMaking)
     TGlobalRegisterSettings settings = TGlobalRegisterSettings::FromOptions(context.options);
     if (bForMaking) settings.m_bForceDiskAccess = false;  // the generator reads other types at every move
     TGlobalRegisters& registers = TGlobalRegisters::Instance();
-    static CQuestionPrompt s_questions(context.reporter, std::nullopt);  // recompression: on a terminal only
-    registers.Configure(settings, &s_questions);
+    registers.Configure(settings, &context.questions);
     return registers;
 }
 

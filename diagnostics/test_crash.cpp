@@ -43,11 +43,8 @@ volatile bool g_bEndRecursion = false;
 }  // namespace
 
 std::optional<TestCrash> ParseTestCrash(const std::string& name) {
-    if (name == "segv") return TestCrash::Segv;
-    if (name == "fpe") return TestCrash::Fpe;
-    if (name == "abort") return TestCrash::Abort;
-    if (name == "throw") return TestCrash::Throw;
-    if (name == "stack") return TestCrash::Stack;
+    for (size_t i = 0; i < kTestCrashKinds.size(); ++i)
+        if (name == kTestCrashKinds[i]) return static_cast<TestCrash>(i);
     return std::nullopt;
 }
 

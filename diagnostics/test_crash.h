@@ -2,12 +2,16 @@
 // handler at work (the command "crash-test", the desktop program's menu item).
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
 namespace moremate::diagnostics {
 
 enum class TestCrash { Segv, Fpe, Abort, Throw, Stack };
+
+// The kinds' names, in the order of TestCrash.
+inline constexpr std::array<const char*, 5> kTestCrashKinds{"segv", "fpe", "abort", "throw", "stack"};
 
 inline constexpr const char* kTestCrashNames = "segv, fpe, abort, throw or stack";
 

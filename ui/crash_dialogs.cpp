@@ -14,7 +14,8 @@ int ShowCrashMessage(const QString& message) {
 
 std::optional<diagnostics::TestCrash> AskTestCrash(QWidget* parent, const QString& title,
                                                    const QString& label) {
-    const QStringList kinds = {"segv", "fpe", "abort", "throw", "stack"};
+    QStringList kinds;
+    for (const char* kind : diagnostics::kTestCrashKinds) kinds << kind;
     bool ok = false;
     const QString kind = QInputDialog::getItem(parent, title, label, kinds, 0, false, &ok);
     if (!ok) return std::nullopt;

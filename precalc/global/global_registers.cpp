@@ -151,13 +151,14 @@ std::unique_ptr<CGlobalStorage> TGlobalRegisters::WithMateIndex(const TPrecalcTy
         return storage;
     try {
         const uint64_t elements = storage->ElementCount();
-        const uint64_t n = ReadMateIndexHeader(file, type.Description(), elements).m_nIndexes;
+        const TMateIndexHeader header = ReadMateIndexHeader(file, type.Description(), elements);
+        const uint64_t n = header.m_nIndexes;
         uint64_t held = m_nMateIndexesHeld.load();
         do {
             if (held + n > m_settings.m_nMaxMateIndexes) return storage;
         } while (!m_nMateIndexesHeld.compare_exchange_weak(held, held + n));
         nHeld = n;
-        std::vector<uint32_t> indexes = ReadMateIndexFile(file, type.Description(), elements);
+        std::vector<uint32_t> indexes = ReadMateIndexFile(file, header, elements);
         return MakeMateIndexedStorage(std::move(storage), std::move(indexes));
     } catch (const ChessException& e) {
         m_nMateIndexesHeld -= nHeld;

@@ -103,9 +103,8 @@ TMateIndexHeader ReadMateIndexHeader(const std::filesystem::path& file, const st
     return h;
 }
 
-std::vector<uint32_t> ReadMateIndexFile(const std::filesystem::path& file, const std::string& description,
+std::vector<uint32_t> ReadMateIndexFile(const std::filesystem::path& file, const TMateIndexHeader& h,
                                         uint64_t nElements) {
-    const TMateIndexHeader h = ReadMateIndexHeader(file, description, nElements);
     std::vector<uint32_t> indexes(h.m_nIndexes);
     std::ifstream in(file, std::ios::binary);
     in.seekg(static_cast<std::streamoff>(kHeaderBytes));

@@ -27,7 +27,8 @@ void WriteMateIndexFile(const std::filesystem::path& file, const std::string& de
 // Throws ChessException kDamagedDataFile + file (+ the reason) for a file that does not fit.
 TMateIndexHeader ReadMateIndexHeader(const std::filesystem::path& file, const std::string& description,
                                      uint64_t nElements);
-std::vector<uint32_t> ReadMateIndexFile(const std::filesystem::path& file, const std::string& description,
+// The indexes of a file whose header `h` ReadMateIndexHeader has read and checked.
+std::vector<uint32_t> ReadMateIndexFile(const std::filesystem::path& file, const TMateIndexHeader& h,
                                         uint64_t nElements);
 
 // Answers the indexes not listed as 0 from memory and asks `inner` for the others.
