@@ -15,14 +15,19 @@ struct TThreadStack {
     stack_t previous{};  // put back at the thread's end: a sanitizer's runtime frees its own
 };
 
-void* NewThreadStack() {
+bool SetUpStack(TThreadStack& stack) {
     void* memory = mmap(nullptr, kStackSize, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (memory == MAP_FAILED) return nullptr;
-    auto* stack = new TThreadStack;
-    stack->own.ss_sp = memory;
-    stack->own.ss_size = kStackSize;
-    if (sigaltstack(&stack->own, &stack->previous) == 0) return stack;
+    if (memory == MAP_FAILED) return false;
+    stack.own.ss_sp = memory;
+    stack.own.ss_size = kStackSize;
+    if (sigaltstack(&stack.own, &stack.previous) == 0) return true;
     munmap(memory, kStackSize);
+    return false;
+}
+
+void* NewThreadStack() {
+    auto* stack = new TThreadStack;
+    if (SetUpStack(*stack)) return stack;
     delete stack;
     return nullptr;
 }
@@ -38,7 +43,9 @@ void FreeThreadStack(void* setup) {
 }  // namespace
 
 void InstallAlternateStack() {
-    NewThreadStack();
+    // The main thread's lives as long as the process.
+    static TThreadStack s_mainStack;
+    SetUpStack(s_mainStack);
 }
 
 const TThreadHooks kAlternateStackHooks{NewThreadStack, FreeThreadStack};
