@@ -9,12 +9,12 @@
 #include "problems/annotations/register_reference.h"
 #include "problems/annotations/register_reference_text.h"
 #include "problems/format/collection_files.h"
-#include "settings/bounded_file.h"
 #include "problems/solving/problem_solving.h"
 #include "problems/solving/solve_report.h"
 #include "register_loading.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
+#include "settings/bounded_file.h"
 #include "thread_options.h"
 
 namespace moremate::cli {
@@ -79,6 +79,7 @@ int RunSave(const RegisterArgs& args, TProgramContext& context) {
     std::vector<ProblemEntry> entries = ReadProblems(args.collection, context);
     ProblemEntry& entry = FindProblem(entries, args.problem);
     TSolveSettings settings = args.solve;
+    settings.autoSave = true;
     ApplyThreadDefaults(settings, context.options);
     const uint32_t number = args.pin ? NextFreeRegisterNumber() : 0;
     const std::filesystem::path file = args.pin ? ReferencedRegisterFile(number)

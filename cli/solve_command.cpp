@@ -84,6 +84,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
     const CRunKeys keys(control, [&line](const std::string& text) { line.Say(text); });
     args.settings.run.control = &control;
     args.settings.run.reporter = &context.reporter;
+    args.settings.autoSave = true;
     if (line.Terminal()) args.settings.run.onProgress = [&line](const TRunProgress& p) { line.Show(p); };
     TSolveSummary summary;
     const auto start = std::chrono::steady_clock::now();

@@ -26,8 +26,8 @@ void CRegisterAutoSave::Attach(TAggregatedTemporaryChessboardRegister& white,
                                TAggregatedTemporaryChessboardRegister* pBlack) {
     m_pWhite = &white;
     m_pBlack = pBlack;
-    white.SetAutosave([this] { SaveFromHook(); });
-    if (pBlack) pBlack->SetAutosave([this] { SaveFromHook(); });
+    white.SetAutosave([this] { SaveIfDueKeepingFailure(); });
+    if (pBlack) pBlack->SetAutosave([this] { SaveIfDueKeepingFailure(); });
 }
 
 bool CRegisterAutoSave::SaveIfDue() {
@@ -36,6 +36,7 @@ bool CRegisterAutoSave::SaveIfDue() {
     if (!m_pWhite || !m_settings.bEnabled || m_settings.nMinutes <= 0 ||
         nNow - m_nLastSaveMs < m_settings.nMinutes * kMsPerMinute)
         return false;
+    m_nLastSaveMs = nNow;
     std::error_code error;
     std::filesystem::create_directories(m_settings.folder, error);
     if (error)
@@ -48,7 +49,6 @@ bool CRegisterAutoSave::SaveIfDue() {
         return WriteAutoSaveDescriptor(file, m_descriptor);
     };
     SaveRegisterFile(FilePath(), *m_pWhite, m_pBlack, options);
-    m_nLastSaveMs = nNow;
     return true;
 }
 
@@ -57,7 +57,7 @@ std::string CRegisterAutoSave::LastError() const {
     return m_sLastError;
 }
 
-void CRegisterAutoSave::SaveFromHook() {
+void CRegisterAutoSave::SaveIfDueKeepingFailure() {
     try {
         SaveIfDue();
     } catch (const std::exception& exception) {

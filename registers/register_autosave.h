@@ -42,15 +42,16 @@ class CRegisterAutoSave {
     void Attach(TAggregatedTemporaryChessboardRegister& white,
                 TAggregatedTemporaryChessboardRegister* pBlack);
 
-    // Saves when enabled and due; true when it saved. Throws ChessException when writing fails.
+    // Saves when enabled and due; true when it saved. Throws ChessException when writing fails;
+    // a failed save starts the interval again as a save does, so that it is not retried at once.
     bool SaveIfDue();
+    // The same from a hook or a timer: a failure is kept for LastError instead of thrown.
+    void SaveIfDueKeepingFailure();
 
     std::filesystem::path FilePath() const { return m_settings.folder / kAutoSaveFileName; }
     std::string LastError() const;
 
   private:
-    void SaveFromHook();
-
     const TAutoSaveSettings m_settings;
     const TAutoSaveDescriptor m_descriptor;
     const CClock m_clock;

@@ -45,6 +45,7 @@ void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
     settings.solutionDetails = m_options.m_nPrepareSolutionDescription != 0;
     settings.tablebase = m_pTablebase ? &m_pTablebase->LiChess() : nullptr;
     settings.run.reporter = &m_reporter;
+    settings.autoSave = true;
     try {
         const std::optional<std::string> load = PrepareRunRegister(entry, m_options, m_pRunRegister);
         if (load) Say(QString::fromStdString(*load));

@@ -8,6 +8,8 @@
 #include "engine/search/observed_lines.h"
 #include "engine/state/run_control.h"
 #include "engine/state/thread_counters.h"
+#include "registers/register_autosave.h"
+#include "run_texts.h"
 #include "settings/machine.h"
 
 namespace moremate {
@@ -32,6 +34,20 @@ size_t ObservedMoves(const TRunThreads& threads) {
     return static_cast<size_t>(std::max(threads.levels, 1) + threads.observerLevels);
 }
 
+// The tick's work: the automatic save when it is due, then the interface's progress.
+CProgressTick::FOnTick TickWork(const TRunServices& services) {
+    return [autoSave = services.autoSave, onProgress = services.onProgress](const TRunProgress& progress) {
+        if (autoSave) autoSave->SaveIfDueKeepingFailure();
+        if (onProgress) onProgress(progress);
+    };
+}
+
+void ReportAutoSaveFailure(const TRunServices& services) {
+    if (!services.autoSave || !services.reporter) return;
+    const std::string error = services.autoSave->LastError();
+    if (!error.empty()) services.reporter->Report(kAutoSaveFailedTitle, error);
+}
+
 }  // namespace
 
 TPassRunResult RunPassesWithServices(TPassRunRequest request, const TRunServices& services) {
@@ -46,9 +62,9 @@ TPassRunResult RunPassesWithServices(TPassRunRequest request, const TRunServices
     request.environment.control = services.control;
     std::optional<CObservedLines> observed;
     std::optional<CProgressTick> tick;
-    if (services.onProgress) {
+    if (services.onProgress || services.autoSave) {
         const TRunThreads threads = request.threads;
-        if (threads.observerLevels > 0) {
+        if (services.onProgress && threads.observerLevels > 0) {
             // A slot for each main thread: they never outnumber the processors.
             observed.emplace(LogicalProcessorCount(), ObservedMoves(threads));
             request.environment.observed = &*observed;
@@ -56,11 +72,12 @@ TPassRunResult RunPassesWithServices(TPassRunRequest request, const TRunServices
         tick.emplace(
             TProgressSources{services.control, request.environment.progressNodes, request.runRegister,
                              [threads] { return ThreadFigures(threads); }, observed ? &*observed : nullptr},
-            services.onProgress);
+            TickWork(services));
     }
     std::atomic<bool>* stop = services.control ? services.control->StopFlag() : nullptr;
     TPassRunResult result = RunPasses(std::move(request), stop);
     if (tick) tick->Stop();
+    ReportAutoSaveFailure(services);
     return result;
 }
 

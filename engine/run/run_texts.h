@@ -1,5 +1,6 @@
 // The texts with which the interface speaks about a solving run: the result of the analysis, the
-// progress box, stopping, skipping, quitting, and the requests refused while a run is active.
+// progress box, stopping, skipping, quitting, the automatic save, and the requests refused while a
+// run is active.
 #pragma once
 
 #include <cstddef>
@@ -21,6 +22,7 @@ inline constexpr const char* kSaveRefusedText =
     "Analysis pending. Stop it or pause it before trying to save temporary data";
 inline constexpr const char* kToolUnavailableText =
     "The tool is unavailable when engine is analysing a position";
+inline constexpr const char* kAutoSaveFailedTitle = "Automatic save of temporary data failed";
 inline constexpr const char* kPositionRepetitionTitle = "Position repetition";
 inline constexpr const char* kPositionRepetitionText =
     "Program detected position repetition\nFor optimization reasons every postion repetition is treated as "

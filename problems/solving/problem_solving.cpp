@@ -24,6 +24,7 @@
 #include "problem_heuristics.h"
 #include "problems/annotations/register_reference.h"
 #include "problems/format/problem_moves.h"
+#include "run_autosave.h"
 #include "settings/program_folder.h"
 #include "solution_details.h"
 #include "solving_task.h"
@@ -180,7 +181,13 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
     const TPassState firstState = request.state;
     const TSolutionCount solutions = request.solutions;
     const TRunThreads threads = request.threads;
-    TPassRunResult result = RunPassesWithServices(std::move(request), settings.run);
+    const std::unique_ptr<CRegisterAutoSave> autoSave =
+        settings.autoSave
+            ? StartRunAutoSave(entry, firstState, settings.heuristics.has_value(), options, runRegister)
+            : nullptr;
+    TRunServices services = settings.run;
+    services.autoSave = autoSave.get();
+    TPassRunResult result = RunPassesWithServices(std::move(request), services);
     if (settings.solutionDetails)
         WriteSolutionDetails(entry, task.position, firstState, solutions, threads, result);
     return result;

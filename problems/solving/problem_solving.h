@@ -38,6 +38,7 @@ struct TSolveSettings {
     TAvailableData available;       // what the record's requirement clauses may find
     std::string after;              // moves played after the position before it is analysed (PlayMovesAfter)
     TRunServices run;               // stop, pause, skip, progress ticks and messages of the interface
+    bool autoSave = false;          // the registers saved every AutoSaveMinutes while the run lasts
     CLiChess* tablebase = nullptr;  // the online tablebase; none: it is not asked
 };
 

@@ -18,6 +18,7 @@
 #include "engine/passes/relaxation.h"
 #include "engine/run/run_services.h"
 #include "engine/state/run_control.h"
+#include "registers/register_autosave.h"
 #include "tests/support/positions.h"
 #include "tests/support/temp_folder.h"
 
@@ -272,6 +273,30 @@ TEST(RunServices, TimeLimitOfOneRunDoesNotStopTheNext) {
     control.Stop();
     const TPassRunResult afterStop = RunPassesWithServices(NoMateInTwo(fresh), services);
     EXPECT_TRUE(afterStop.stopped);
+}
+
+// Two threads search past a tick while the tick saves the registers they fill; a clock a minute
+// on at every reading makes every tick's save due.
+TEST(ConcurrentRunAutoSave, TicksSaveTheRegistersWhileThreadsSearch) {
+    CTempFolder folder;
+    CRunRegister reg(1u << 18);
+    TAutoSaveDescriptor descriptor;
+    descriptor.m_sDescription = "Rook and pawns";
+    CRegisterAutoSave autoSave({1, 0, true, folder.Path()}, descriptor,
+                               [t = int64_t{0}]() mutable { return t += 60'000; });
+    autoSave.Attach(reg.WhiteToMove(), &reg.BlackToMove());
+    TPassRunRequest request;
+    request.position = test::Directmate("8/8/8/3k4/8/8/PP6/R3K3 w", 12);  // longer than the limit
+    request.environment.store = &reg;
+    request.runRegister = &reg;
+    request.threads.threads = 2;
+    request.timeLimitSeconds = 2;
+    TRunServices services;
+    services.autoSave = &autoSave;
+    EXPECT_TRUE(RunPassesWithServices(request, services).stopped);
+    EXPECT_EQ(autoSave.LastError(), "");
+    EXPECT_GT(std::filesystem::file_size(autoSave.FilePath()), 0u);
+    EXPECT_EQ(ReadAutoSaveDescriptor(autoSave.FilePath().string() + ".ini").m_sDescription, "Rook and pawns");
 }
 
 // Black Kh8 walled in by Rg8 (immobile), Bf8 and pawns g7 (pinned), h7; White Ke1, Qa1, Bh1. #5.
