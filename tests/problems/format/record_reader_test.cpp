@@ -284,29 +284,10 @@ TEST(Lexer, SplitsAsExpected) {
     }
 }
 
-TEST(Lexer, RestOfLineIsVerbatimWithoutLineEnd) {
-    CProblemLexer lexer("D: a /* b */ c\r\nnext");
-    EXPECT_EQ(lexer.Next(true), "D");
-    EXPECT_EQ(lexer.Next(true), ":");
-    EXPECT_EQ(lexer.RestOfLine(), " a /* b */ c");
-    EXPECT_EQ(lexer.Next(true), "next");
-}
-
 TEST(Lexer, IdentifierRequiredWhereNamed) {
     CProblemLexer lexer("KQK (");
     EXPECT_EQ(lexer.NextIdentifier(), "KQK");
     EXPECT_EQ(test::ErrorOf([&] { lexer.NextIdentifier(); }), "Alphanumeric identifier expected. Found: (");
-}
-
-TEST(Lexer, RewindReadsALexemeAgainAndLinesCount) {
-    CProblemLexer lexer("a\nb\n\nc");
-    lexer.Next(true);
-    const size_t mark = lexer.Position();
-    EXPECT_EQ(lexer.Next(true), "b");
-    lexer.Rewind(mark);
-    EXPECT_EQ(lexer.Next(true), "b");
-    EXPECT_EQ(lexer.Next(true), "c");
-    EXPECT_EQ(lexer.Line(), 4);
 }
 
 TEST(Lexer, NumbersAreDecimalAndFitIn32Bits) {
