@@ -34,7 +34,7 @@ uint8_t Scan(const TChessboard& board, const uint8_t* sq, int target, uint8_t co
         (kr - tr) * (kr - tr) <= 1 && (kf != tf || kr != tr) && found(MakeSquare(kf, kr)))
         return answer;
     const int pawnRank = white ? tr - 1 : tr + 1;
-    if (pawnRank >= 0 && pawnRank < 8) {
+    if ((white ? board.whitePawns : board.blackPawns) && pawnRank >= 0 && pawnRank < 8) {
         const Piece pawn = MakePiece(colour, kPawn);
         if (tf > 0 && sq[MakeSquare(tf - 1, pawnRank)] == pawn && found(MakeSquare(tf - 1, pawnRank)))
             return answer;
@@ -47,7 +47,11 @@ uint8_t Scan(const TChessboard& board, const uint8_t* sq, int target, uint8_t co
         for (int i = 0; i < jumps.count; ++i)
             if (sq[jumps.squares[i]] == knight && found(jumps.squares[i])) return answer;
     }
+    const int queens = white ? board.whiteQueens : board.blackQueens;
+    const bool diagonals = queens + (white ? board.whiteBishops : board.blackBishops) != 0;
+    const bool lines = queens + (white ? board.whiteRooks : board.blackRooks) != 0;
     for (int d = kDirections - 1; d >= 0; --d) {  // diagonals first, then lines
+        if (!(IsDiagonal(d) ? diagonals : lines)) continue;
         const uint8_t slider = colour | (IsDiagonal(d) ? kBishop : kRook);
         const CRay& ray = g_geometry.rays[target][d];
         for (int i = 0; i < ray.length; ++i) {
@@ -78,6 +82,11 @@ bool IsAttackedByWhite(const TChessboard& board, int file, int rank) {
 
 bool IsAttackedByBlack(const TChessboard& board, int file, int rank) {
     return IsAttacked(board, board.squares, MakeSquare(file, rank), kBlack);
+}
+
+void CountEveryPieceKind(TChessboard& board) {
+    board.whiteQueens = board.whiteRooks = board.whiteBishops = board.whiteKnights = board.whitePawns = 1;
+    board.blackQueens = board.blackRooks = board.blackBishops = board.blackKnights = board.blackPawns = 1;
 }
 
 int BlackKingFlightSquares(const TChessboard& board) {

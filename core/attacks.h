@@ -1,5 +1,7 @@
 // Who attacks a square. The scans start at the square and walk outward (king, pawns, knights,
-// then the eight rays), so a test costs a few dozen byte reads and no board-wide loop.
+// then the eight rays), so a test costs a few dozen byte reads and no board-wide loop. The board's
+// piece counts let a scan pass over the kinds of attacker the side does not have (no pawns: no pawn
+// squares; no queen or bishop: no diagonals; no queen or rook: no lines).
 #pragma once
 
 #include <cstdint>
@@ -25,6 +27,10 @@ bool IsAttackedByWhite(const TChessboard& board, int file, int rank);
 bool IsAttackedByBlack(const TChessboard& board, int file, int rank);
 // As above on a board whose piece bytes may differ from `board.squares` (a king lifted off).
 bool IsAttacked(const TChessboard& board, const uint8_t* squares, int sq, uint8_t byColour);
+
+// For a board whose piece counts are not kept (a placement set up square by square): every kind
+// of piece counted present on both sides, so that no scan passes over one.
+void CountEveryPieceKind(TChessboard& board);
 
 // Squares next to the Black king it may go to: on the board, not held by a Black piece, and not
 // attacked by White with the king lifted off its square.

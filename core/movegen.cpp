@@ -35,7 +35,12 @@ struct CNodeInfo {
 };
 
 void FindPins(const TChessboard& b, CNodeInfo& info) {
+    const bool white = info.them == kWhite;
+    const int queens = white ? b.whiteQueens : b.blackQueens;
+    const bool diagonals = queens + (white ? b.whiteBishops : b.blackBishops) != 0;
+    const bool lines = queens + (white ? b.whiteRooks : b.blackRooks) != 0;
     for (int d = 0; d < kDirections; ++d) {
+        if (!(IsDiagonal(d) ? diagonals : lines)) continue;
         const CRay& ray = g_geometry.rays[info.king][d];
         const uint8_t slider = info.them | (IsDiagonal(d) ? kBishop : kRook);
         int own = -1;

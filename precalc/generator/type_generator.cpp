@@ -21,7 +21,7 @@ bool HasPieces(const TPrecalcType& type, uint8_t colour, uint8_t pieceType) {
 
 // Whether the position before a move taken back is legal with the mover's side to move: the
 // other king not attacked. `board` holds the position after the move and is left as it was. The
-// attack test reads the king squares and whether knights are there from the board's fields, so
+// attack test reads the king squares and the piece counts from the board's fields, so
 // those are filled in for it.
 bool LegalBefore(TChessboard& board, const TPrecalcType::TPieceSquares& before, const TRetroMove& move,
                  uint8_t mover) {
@@ -32,7 +32,7 @@ bool LegalBefore(TChessboard& board, const TPrecalcType::TPieceSquares& before, 
               otherKing = mover == kWhite ? before[1] : before[0];
     board.whiteKingFile = board.blackKingFile = static_cast<uint8_t>(FileOf(ownKing));
     board.whiteKingRank = board.blackKingRank = static_cast<uint8_t>(RankOf(ownKing));
-    board.whiteKnights = board.blackKnights = 1;
+    CountEveryPieceKind(board);
     const bool legal = !IsAttacked(board, sq, otherKing, mover);
     sq[move.from] = sq[move.to];
     sq[move.to] = kEmpty;
