@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "occupancy.h"
 #include "tables.h"
 
 namespace moremate {
@@ -50,16 +51,14 @@ uint8_t Scan(const TChessboard& board, const uint8_t* sq, int target, uint8_t co
     const int queens = white ? board.whiteQueens : board.blackQueens;
     const bool diagonals = queens + (white ? board.whiteBishops : board.blackBishops) != 0;
     const bool lines = queens + (white ? board.whiteRooks : board.blackRooks) != 0;
+    if (!diagonals && !lines) return answer;
+    const uint64_t occupied = Occupied(sq);
     for (int d = kDirections - 1; d >= 0; --d) {  // diagonals first, then lines
         if (!(IsDiagonal(d) ? diagonals : lines)) continue;
+        const int nearest = FirstOnRay(occupied, target, d);
+        if (nearest < 0) continue;
         const uint8_t slider = colour | (IsDiagonal(d) ? kBishop : kRook);
-        const CRay& ray = g_geometry.rays[target][d];
-        for (int i = 0; i < ray.length; ++i) {
-            const Piece p = sq[ray.squares[i]];
-            if (p == kEmpty) continue;
-            if ((p & (kColourMask | slider)) == slider && found(ray.squares[i])) return answer;
-            break;
-        }
+        if ((sq[nearest] & (kColourMask | slider)) == slider && found(nearest)) return answer;
     }
     return answer;
 }

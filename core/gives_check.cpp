@@ -3,78 +3,77 @@
 #include <cstdlib>
 
 #include "movegen.h"
-#include "tables.h"
+#include "occupancy.h"
 
 namespace moremate {
 namespace {
 
-// Whether the squares strictly between `a` and `b` on a line are empty, counting `vacated` empty.
-bool LineClear(const TChessboard& b, int from, int to, int vacated) {
-    const int dir = g_geometry.direction[from][to];
-    const CRay& ray = g_geometry.rays[from][dir];
-    for (int i = 0; ray.squares[i] != to; ++i) {
-        const int sq = ray.squares[i];
-        if (sq != vacated && b.squares[sq] != kEmpty) return false;
-    }
-    return true;
+// Castling and en passant move two pieces, a promotion may leave the line from its new square to
+// the king through the square it left: those are played (they are rare).
+bool PlayedToSee(const TChessboard& board, const TMove& move) {
+    const Piece piece = board.squares[move.from];
+    return move.PromotedType() || (TypeOf(piece) == kKing && std::abs(move.to - move.from) == 2) ||
+           (TypeOf(piece) == kPawn && move.to == board.epSquare);
 }
 
-bool DirectCheck(const TChessboard& b, uint8_t type, uint8_t colour, int from, int to, int king) {
-    switch (type) {
-        case kKnight: {
-            const int df = std::abs(FileOf(to) - FileOf(king)), dr = std::abs(RankOf(to) - RankOf(king));
-            return df * dr == 2;
-        }
-        case kPawn:
-            return std::abs(FileOf(to) - FileOf(king)) == 1 &&
-                   RankOf(king) - RankOf(to) == (colour == kWhite ? 1 : -1);
-        case kKing:
-            return false;
-        default: {
-            const int dir = g_geometry.direction[to][king];
-            if (dir < 0) return false;
-            const uint8_t needed = IsDiagonal(dir) ? kBishop : kRook;
-            return (type & needed) == needed && LineClear(b, to, king, from);
-        }
-    }
-}
-
-// A piece leaving the line between the king and a slider of its own side.
-bool DiscoveredCheck(const TChessboard& b, uint8_t colour, int from, int to, int king) {
-    const int dir = g_geometry.direction[king][from];
-    if (dir < 0 || ((g_geometry.rayMask[king][dir] >> to) & 1)) return false;
-    const CRay& ray = g_geometry.rays[king][dir];
-    bool passed = false;
-    const uint8_t slider = colour | (IsDiagonal(dir) ? kBishop : kRook);
-    for (int i = 0; i < ray.length; ++i) {
-        const int sq = ray.squares[i];
-        if (sq == from) {
-            passed = true;
-            continue;
-        }
-        const Piece p = b.squares[sq];
-        if (p == kEmpty) continue;
-        return passed && (p & (kColourMask | slider)) == slider;
-    }
-    return false;
+bool Slider(Piece piece, uint8_t colour, int d) {
+    const uint8_t slider = colour | (IsDiagonal(d) ? kBishop : kRook);
+    return (piece & (kColourMask | slider)) == slider;
 }
 
 }  // namespace
 
-bool GivesCheck(const TChessboard& board, const TMove& move) {
-    const Piece piece = board.squares[move.from];
-    const bool castles = TypeOf(piece) == kKing && std::abs(move.to - move.from) == 2;
-    const bool enPassant = TypeOf(piece) == kPawn && move.to == board.epSquare;
-    if (castles || enPassant) {  // rare: two pieces move, so play it
+CCheckSquares::CCheckSquares(const TChessboard& board) {
+    const uint8_t us = board.ToMove();
+    m_nKing = board.KingSquare(Opponent(us));
+    const CJumps& jumps = g_geometry.knight[m_nKing];
+    for (int i = 0; i < jumps.count; ++i) m_nKnight |= Bit(jumps.squares[i]);
+    const int pawnRank = RankOf(m_nKing) + (us == kWhite ? -1 : 1);
+    if (pawnRank >= 0 && pawnRank < 8) {
+        const int file = FileOf(m_nKing);
+        if (file > 0) m_nPawn |= Bit(MakeSquare(file - 1, pawnRank));
+        if (file < 7) m_nPawn |= Bit(MakeSquare(file + 1, pawnRank));
+    }
+    const uint64_t occupied = Occupied(board.squares);
+    for (int d = 0; d < kDirections; ++d) {
+        const int first = FirstOnRay(occupied, m_nKing, d);
+        const uint64_t open =
+            g_geometry.rayMask[m_nKing][d] ^ (first >= 0 ? g_geometry.rayMask[first][d] : 0);
+        (IsDiagonal(d) ? m_nDiagonal : m_nLine) |= open;
+        if (first < 0 || ColourOf(board.squares[first]) != us) continue;
+        const int behind = FirstOnRay(occupied, first, d);
+        if (behind >= 0 && Slider(board.squares[behind], us, d)) m_nUncovers |= Bit(first);
+    }
+}
+
+bool CCheckSquares::Gives(const TChessboard& board, const TMove& move) const {
+    if (PlayedToSee(board, move)) {
         TChessboard after;
         PlayMove(board, move, after);
         return after.InCheck();
     }
-    const uint8_t colour = ColourOf(piece);
-    const int king = board.KingSquare(Opponent(colour));
-    const uint8_t type = move.PromotedType() ? move.PromotedType() : TypeOf(piece);
-    return DirectCheck(board, type, colour, move.from, move.to, king) ||
-           DiscoveredCheck(board, colour, move.from, move.to, king);
+    if ((m_nUncovers >> move.from) & 1) {
+        const int d = g_geometry.direction[m_nKing][move.from];
+        if (!((g_geometry.rayMask[m_nKing][d] >> move.to) & 1)) return true;
+    }
+    switch (TypeOf(board.squares[move.from])) {
+        case kKnight:
+            return (m_nKnight >> move.to) & 1;
+        case kPawn:
+            return (m_nPawn >> move.to) & 1;
+        case kBishop:
+            return (m_nDiagonal >> move.to) & 1;
+        case kRook:
+            return (m_nLine >> move.to) & 1;
+        case kQueen:
+            return ((m_nDiagonal | m_nLine) >> move.to) & 1;
+        default:
+            return false;
+    }
+}
+
+bool GivesCheck(const TChessboard& board, const TMove& move) {
+    return CCheckSquares(board).Gives(board, move);
 }
 
 }  // namespace moremate

@@ -5,6 +5,7 @@
 
 #include "attacks.h"
 #include "gives_check.h"
+#include "occupancy.h"
 #include "tables.h"
 
 namespace moremate {
@@ -39,23 +40,17 @@ void FindPins(const TChessboard& b, CNodeInfo& info) {
     const int queens = white ? b.whiteQueens : b.blackQueens;
     const bool diagonals = queens + (white ? b.whiteBishops : b.blackBishops) != 0;
     const bool lines = queens + (white ? b.whiteRooks : b.blackRooks) != 0;
+    if (!diagonals && !lines) return;
+    const uint64_t occupied = Occupied(b.squares);
     for (int d = 0; d < kDirections; ++d) {
         if (!(IsDiagonal(d) ? diagonals : lines)) continue;
-        const CRay& ray = g_geometry.rays[info.king][d];
+        const int own = FirstOnRay(occupied, info.king, d);
+        if (own < 0 || ColourOf(b.squares[own]) != info.us) continue;
+        const int behind = FirstOnRay(occupied, own, d);
         const uint8_t slider = info.them | (IsDiagonal(d) ? kBishop : kRook);
-        int own = -1;
-        for (int i = 0; i < ray.length; ++i) {
-            const Piece p = b.squares[ray.squares[i]];
-            if (p == kEmpty) continue;
-            if (own < 0 && ColourOf(p) == info.us) {
-                own = ray.squares[i];
-                continue;
-            }
-            if (own >= 0 && (p & (kColourMask | slider)) == slider) {
-                info.pinned |= Bit(own);
-                info.pinDir[own] = static_cast<int8_t>(d);
-            }
-            break;
+        if (behind >= 0 && (b.squares[behind] & (kColourMask | slider)) == slider) {
+            info.pinned |= Bit(own);
+            info.pinDir[own] = static_cast<int8_t>(d);
         }
     }
 }
@@ -253,9 +248,10 @@ int CountLegalMoves(const TChessboard& board) {
 
 void GenerateCheckingMoves(const TChessboard& board, TMoveList& list) {
     list.count = 0;
+    const CCheckSquares checks(board);
     auto sink = [&](int from, int to, uint8_t promotion) {
         const TMove m{static_cast<Square>(from), static_cast<Square>(to), promotion};
-        if (GivesCheck(board, m)) list.moves[list.count++] = m;
+        if (checks.Gives(board, m)) list.moves[list.count++] = m;
         return true;
     };
     // A king step can only check by uncovering a line to the other king, so it needs that line.

@@ -62,7 +62,8 @@ bool ThreatensMate(TMateSearch& search, const TChessboard& node, const TMove& m,
 
 bool KeepChecksAndThreats(const TFilterContext& c, TMoveList& moves) {
     if (!c.node.WhiteToMove()) return false;
-    const auto forcing = [&c](const TMove& m) { return GivesCheck(c.node, m) || BuiltInException(c, m); };
+    const CCheckSquares checks(c.node);
+    const auto forcing = [&](const TMove& m) { return checks.Gives(c.node, m) || BuiltInException(c, m); };
     // After White's move and Black's pass, White has (movesLeft - 1) / 2 moves of the line left.
     const int depth = std::min(ThreatDepth(c.set.params.ffm.mode), (c.node.movesLeft - 1) / 2);
     if (depth < 1) return DropMoves(moves, [&](const TMove& m) { return !forcing(m); });

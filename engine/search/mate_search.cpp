@@ -1,6 +1,7 @@
 #include "mate_search.h"
 
 #include <cstring>
+#include <optional>
 
 #include "core/gives_check.h"
 #include "dead_position.h"
@@ -65,8 +66,10 @@ bool EnPassantPossible(const TChessboard& node) {
 }
 
 bool MatesInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks) {
+    std::optional<CCheckSquares> checks;
+    if (!onlyChecks) checks.emplace(node);
     for (const TMove& m : moves) {
-        if (!onlyChecks && !GivesCheck(node, m)) continue;
+        if (checks && !checks->Gives(node, m)) continue;
         TChessboard child;
         PlayMove(node, m, child);
         if (!HasLegalMove(child)) return true;

@@ -41,9 +41,10 @@ int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMove
     int score[256];
     int kept = 0, checks = 0;
     const int blackKing = board.BlackKingSquare();
+    const CCheckSquares checkSquares(board);
     for (int i = 0; i < list.count; ++i) {
         const TMove m = list.moves[i];
-        const bool check = GivesCheck(board, m);
+        const bool check = checkSquares.Gives(board, m);
         if (checksOnly && !check) continue;
         checks += check;
         const int victim = MaterialValue(TypeOf(board.squares[m.to]));
