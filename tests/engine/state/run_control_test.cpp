@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <thread>
 
@@ -75,6 +76,24 @@ TEST(ConcurrentRunControl, PauseHoldsEverySearchThreadUntilResumeOrStop) {
     EXPECT_TRUE(ended.stopped);
     EXPECT_TRUE(stopped.StoppedByUser());
     EXPECT_FALSE(free.StoppedByUser());
+}
+
+// Holding one thread leaves the other searching; the resume lets the held one go on.
+TEST(ConcurrentRunControl, HoldOneThreadHoldsASingleThreadUntilResume) {
+    CRunRegister freeRegister(20'000), heldRegister(20'000);
+    CRunControl free, held;
+    const TSolveResult expected = Solve(AllSolutions(freeRegister, free), free.StopFlag());
+    held.HoldOneThread();
+    TSolveResult resumed;
+    std::thread run([&] { resumed = Solve(AllSolutions(heldRegister, held), held.StopFlag()); });
+    WaitUntilHeld(held, 1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(held.HeldThreads(), 1);
+    EXPECT_FALSE(held.Paused());
+    held.Resume();
+    run.join();
+    EXPECT_FALSE(resumed.stopped);
+    EXPECT_EQ(Keys(resumed), Keys(expected));
 }
 
 // A skip ends the first move being analysed, as not proven, and the others are searched as ever.
