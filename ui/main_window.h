@@ -64,8 +64,15 @@ class TMainWindow : public QMainWindow {
 
     void SetLanguage(int language);
     bool SelectProblemNumber(uint32_t number);
+    // Goes to the next (or previous) problem that `query` matches; reports when none does.
+    bool FindProblem(const QString& query, bool forward);
+    // Removes the problems that the collection `file` also holds; returns how many.
+    size_t RemovePresentIn(const std::filesystem::path& file);
     // A click on a board square, as the mouse gives it.
     void ClickSquare(int square, Qt::MouseButton button);
+    // A piece dragged in the position setting mode: from a square (none: from the palette) to a
+    // square (none: off the board, taken away).
+    void DropPiece(int from, int to, Piece piece);
     void SetThreads(int threads) { m_nThreads = threads; }
 
   Q_SIGNALS:
@@ -83,6 +90,9 @@ class TMainWindow : public QMainWindow {
     void BuildLayout();
     void BuildMenus();
     void AddCommand(const TCommand& command);
+    // An item of a context menu, labelled from the text table like the menus' items.
+    QAction* ContextAction(QMenu* menu, const char* id, void (TMainWindow::*run)());
+    void BuildContextMenus();
     void BuildToolBar();
     void Relabel();
     QString Text(const char* id) const;
@@ -93,6 +103,7 @@ class TMainWindow : public QMainWindow {
     // The problem anew: its number, description and stipulation (the header), and its moves.
     void ShowProblem();
     void ShowProblemHeader();
+    void ShowLinks();
     void ShowBoard();
     void ShowMoves();
     void UpdateTitle();
@@ -108,6 +119,7 @@ class TMainWindow : public QMainWindow {
     void Edit(const std::function<void(ProblemEntry&)>& change);
     void ChangeStipulation(int delta);
     void ClickInSettingMode(int square, Qt::MouseButton button);
+    void PutPiece(int from, int to, Piece piece);
     void ClickMove(int square);
     void PlayMadeMove(const TMove& move);
 
@@ -119,6 +131,7 @@ class TMainWindow : public QMainWindow {
     void Save();
     void SaveAs();
     void AppendFile();
+    void RemovePresentElsewhere();
     // Position commands.
     void CopyProblem() { CopyRecord(true, true); }
     void CopyWithoutVariants() { CopyRecord(false, true); }
@@ -130,6 +143,14 @@ class TMainWindow : public QMainWindow {
     void PasteAsMirror();
     std::optional<ProblemEntry> PastedEntry(const std::string& text);
     void ReportPasteFailure(const std::string& why);
+    void BulkPaste() { BulkPasteText(false); }
+    void BulkPastePrized() { BulkPasteText(true); }
+    void BulkPasteText(bool prizedOnly);
+    void ShiftPosition(int files, int ranks);
+    void ShiftLeft() { ShiftPosition(-1, 0); }
+    void ShiftRight() { ShiftPosition(1, 0); }
+    void ShiftUp() { ShiftPosition(0, 1); }
+    void ShiftDown() { ShiftPosition(0, -1); }
     void RotatePosition();
     void SwapColoursCommand();
     void CopyMoves();
@@ -140,6 +161,12 @@ class TMainWindow : public QMainWindow {
     void StipulationDown10() { ChangeStipulation(-10); }
     void Undo();
     void Redo();
+    // The description's links and the analysis menu.
+    QString CurrentLink() const;
+    void OpenLink();
+    void CopyLink();
+    void EditDescription();
+    void OpenInNewInstance();
     // Problem commands.
     // F5: the solution, or Black's best defence when the board shows Black to move.
     void Solve() {
@@ -166,6 +193,12 @@ class TMainWindow : public QMainWindow {
     void HistoryBack();
     void HistoryForward();
     void SelectNumber();
+    void SelectFromList();
+    void FindCommand();
+    void FindNext();
+    void FindPrevious();
+    void SimilarPositions();
+    void GoToChosen(const QString& title, const std::vector<size_t>& indexes);
     // View, variant, advanced, help, language.
     void RotateView();
     void ToggleProgressSize();
@@ -203,6 +236,7 @@ class TMainWindow : public QMainWindow {
     size_t m_nShown = 0;          // how many of them the board shows
     bool m_bSettingMode = false;
     int m_nPicked = kNoSquare;  // the first click of a move or of a piece moved in the setting mode
+    std::string m_sFindQuery;   // the last query of the find commands
 
     std::unique_ptr<CReporter> m_pTablebaseReporter;  // the second instance's notice as the options say
     std::unique_ptr<CTablebaseService> m_pTablebase;
@@ -216,8 +250,12 @@ class TMainWindow : public QMainWindow {
     TBoardWidget* m_pBoard = nullptr;
     TPiecePalette* m_pPalette = nullptr;
     QLineEdit* m_pDescription = nullptr;
+    QLabel* m_pLinks = nullptr;  // the description's database references as links
+    QString m_sLink;             // the link the mouse was last over
+    QMenu* m_pLinkMenu = nullptr;
+    QMenu* m_pAnalysisMenu = nullptr;
     QLabel* m_pStipulation = nullptr;
-    QToolButton* m_pNumber = nullptr;
+    TClickButton* m_pNumber = nullptr;
     QListWidget* m_pMoves = nullptr;
     QLabel* m_pMovesTitle = nullptr;
     QLabel* m_pProgressTitle = nullptr;
