@@ -64,6 +64,10 @@ void CEngineRun::Resume() {
     if (m_pControl) m_pControl->Resume();
 }
 
+void CEngineRun::HoldOneThread() {
+    if (m_pControl) m_pControl->HoldOneThread();
+}
+
 bool CEngineRun::Paused() const {
     return m_pControl && m_pControl->Paused();
 }

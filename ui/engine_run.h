@@ -38,6 +38,7 @@ class CEngineRun : public QObject {
     void Stop();
     void Pause();
     void Resume();
+    void HoldOneThread();
     bool Paused() const;
     // False when no first move is being analysed.
     bool Skip();

@@ -172,7 +172,9 @@ class TMainWindow : public QMainWindow {
     void Solve() {
         m_nShown > 0 && !ShownBoard().WhiteToMove() ? FindDefence() : StartRun(false, false, false);
     }
-    void FindDefence();
+    void FindDefence() { StartDefence(false); }
+    void FindThoroughDefence() { StartDefence(true); }
+    void StartDefence(bool thorough);
     void SolveAll() { StartRun(true, false, false); }
     // Solves, then shows the main variant played to its end.
     void SolveAndShowVariant();
@@ -181,6 +183,10 @@ class TMainWindow : public QMainWindow {
     void StartOrStop();
     void StopRun();
     void PauseRun();
+    void PauseOneThread();
+    // The settings a run starts with, as "Show settings of current analysis" shows them.
+    QString RunSettingsText(const char* mode, int threads, int levels) const;
+    void ShowRunSettings();
     void ResumeRun();
     void SkipMove();
     void MoveBack();
@@ -243,6 +249,7 @@ class TMainWindow : public QMainWindow {
     std::unique_ptr<CRunRegister> m_pRunRegister;
     CEngineRun m_run;
     size_t m_nRunIndex = 0;  // the problem being analysed
+    QString m_sRunSettings;  // the settings it runs with
 
     std::map<std::string, QAction*> m_actions;
     std::map<std::string, QMenu*> m_menus;

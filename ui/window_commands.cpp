@@ -58,9 +58,12 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"prob.all", "menu.problem", "Shift+F5", &TMainWindow::SolveAll},
         {"prob.whole", "menu.problem", "Alt+F5", &TMainWindow::SolveAndShowVariant},
         {"prob.defence", "menu.problem", "", &TMainWindow::FindDefence},
+        {"prob.thorough", "menu.problem", "", &TMainWindow::FindThoroughDefence},
         {"prob.stop", "menu.problem", "", &TMainWindow::StopRun},
         {"prob.pause", "menu.problem", "", &TMainWindow::PauseRun},
+        {"prob.pauseone", "menu.problem", "", &TMainWindow::PauseOneThread},
         {"prob.resume", "menu.problem", "", &TMainWindow::ResumeRun},
+        {"prob.settings", "menu.problem", "", &TMainWindow::ShowRunSettings},
         {"prob.skip", "menu.problem", "", &TMainWindow::SkipMove},
         {"prob.hybrid", "menu.problem", "", &TMainWindow::SolveHybrid},
         {"prob.brute", "menu.problem", "", &TMainWindow::SolveBruteForce},
@@ -173,8 +176,10 @@ void TMainWindow::BuildToolBar() {
     m_pStart->setAutoRaise(true);
     m_tips[m_pStart] = "tip.start";
     connect(m_pStart, &QToolButton::clicked, this, &TMainWindow::StartOrStop);
-    connect(m_pStart, &TClickButton::RightClicked, this, [this] {
-        if (!Analysing()) return SolveAll();
+    connect(m_pStart, &TClickButton::RightClicked, this, [this](Qt::KeyboardModifiers modifiers) {
+        if (!Analysing())
+            return m_nShown > 0 && !ShownBoard().WhiteToMove() ? FindThoroughDefence() : SolveAll();
+        if (modifiers & Qt::ControlModifier) return PauseOneThread();
         m_run.Paused() ? ResumeRun() : PauseRun();
     });
     connect(m_pStart, &TClickButton::MiddleClicked, this, &TMainWindow::SolveAndShowVariant);

@@ -54,12 +54,18 @@ void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
     }
     m_nRunIndex = m_collection.CurrentIndex();
     m_pProgress->setPlainText(Text("label.running"));
+    m_sRunSettings = RunSettingsText(bruteForce     ? "mode.brute"
+                                     : hybrid       ? "mode.hybrid"
+                                     : allSolutions ? "mode.all"
+                                                    : "mode.first",
+                                     settings.threads, settings.levels);
     m_run.Start(entry, settings, m_options, *m_pRunRegister);
     UpdateRunState();
 }
 
-// Black's best defence in the position shown, reached by White's move made on the board.
-void TMainWindow::FindDefence() {
+// Black's best defence in the position shown, reached by White's move made on the board; the
+// thorough one also lists every reply with White's mate after it.
+void TMainWindow::StartDefence(bool thorough) {
     if (Analysing() || m_collection.Size() == 0) return;
     const TChessboard shown = ShownBoard();
     if (m_nShown == 0 || shown.WhiteToMove()) {
@@ -73,7 +79,8 @@ void TMainWindow::FindDefence() {
     const TOptions options = m_options;
     m_nRunIndex = m_collection.CurrentIndex();
     m_pProgress->setPlainText(Text("label.running"));
-    m_run.StartWork([entry, before, key, options](CRunControl& control) {
+    m_sRunSettings = RunSettingsText(thorough ? "mode.thorough" : "mode.defence", 1, 1);
+    m_run.StartWork([entry, before, key, options, thorough](CRunControl& control) {
         TSolvingTask task = MakeSolvingTask(entry);
         if (!before.empty()) PlayMovesAfter(task, MoveSequenceText(task.position, before));
         task.position.problem = &task.root;
@@ -89,9 +96,10 @@ void TMainWindow::FindDefence() {
         report.problem = entry.m_nNumber;
         report.result = "defence";
         try {
+            const TDefence defence = FindBlackDefence(search, afterKey);
             report.outcome = "Thread looking for black's defence in problem " +
-                             std::to_string(entry.m_nNumber) + "\n" +
-                             DefenceText(afterKey, FindBlackDefence(search, afterKey));
+                             std::to_string(entry.m_nNumber) + "\n" + DefenceText(afterKey, defence);
+            if (thorough) report.outcome.append("\n").append(EveryReplyText(afterKey, defence));
         } catch (const TSearchStopped&) {
             report.result = "stopped";
             report.outcome = kAnalysisStoppedText;
@@ -120,6 +128,27 @@ void TMainWindow::StopRun() {
 void TMainWindow::PauseRun() {
     if (Analysing()) m_run.Pause();
     UpdateRunState();
+}
+
+void TMainWindow::PauseOneThread() {
+    if (Analysing()) m_run.HoldOneThread();
+    UpdateRunState();
+}
+
+QString TMainWindow::RunSettingsText(const char* mode, int threads, int levels) const {
+    const ProblemEntry& entry = m_collection.Current();
+    const auto yesNo = [this](bool yes) { return Text(yes ? "label.yes" : "label.no"); };
+    return Text("label.runsettings")
+        .arg(QString::number(entry.m_nNumber), QString::number(entry.StipulationMoves()), Text(mode),
+             QString::number(threads), QString::number(levels),
+             QString::number(std::max(0, static_cast<int>(m_options.m_shObserverLevels))),
+             yesNo(m_options.m_bQuickMode), yesNo(m_options.m_bUseGlobalRules),
+             yesNo(m_options.m_shLichessLevels > 0));
+}
+
+void TMainWindow::ShowRunSettings() {
+    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
+                      (Analysing() ? m_sRunSettings : Text("msg.norun")).toStdString());
 }
 
 void TMainWindow::ResumeRun() {
@@ -195,9 +224,10 @@ void TMainWindow::RunFinished(const TProblemReport& report) {
 void TMainWindow::UpdateRunState() {
     const bool running = Analysing();
     m_pStart->setIcon(style()->standardIcon(running ? QStyle::SP_MediaStop : QStyle::SP_MediaPlay));
-    for (const char* id : {"prob.stop", "prob.pause", "prob.resume", "prob.skip"})
+    for (const char* id : {"prob.stop", "prob.pause", "prob.pauseone", "prob.resume", "prob.skip"})
         m_actions.at(id)->setEnabled(running);
-    for (const char* id : {"prob.solve", "prob.all", "prob.hybrid", "prob.brute"})
+    for (const char* id :
+         {"prob.solve", "prob.all", "prob.hybrid", "prob.brute", "prob.defence", "prob.thorough"})
         m_actions.at(id)->setEnabled(!running);
     m_pDescription->setReadOnly(running);
     Say(running ? (m_run.Paused() ? Title("prob.pause") : Text("label.running")) : Text("label.ready"));

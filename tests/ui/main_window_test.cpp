@@ -358,6 +358,12 @@ class TMainWindowTest : public QObject {
         QVERIFY(Reported(*m_pReporter, "Thread looking for black's defence in problem 1"));
         QVERIFY(m_pWindow->ProgressText().contains("Thread looking for black's defence"));
         QCOMPARE(m_pWindow->Collection().Current().m_answerKind, AnswerKind::None);  // nothing written
+        QApplication::clipboard()->setText("Qa7-a3");  // one reply refutes, the other is mated by Ke1-d2
+        Trigger("pos.paste");
+        Trigger("prob.thorough");
+        WaitForRun();
+        QCOMPARE(m_pWindow->ProgressText().section("Every reply:\n", 1),
+                 QString("Kc1-c2 (no mate)\nKc1-b1 (#1)"));
     }
 
     void refusesEditsDuringARun() {
@@ -365,6 +371,9 @@ class TMainWindowTest : public QObject {
         const ProblemEntry before = m_pWindow->Collection().Current();
         Trigger("prob.all");
         QVERIFY(m_pWindow->Analysing());
+        Trigger("prob.settings");
+        QVERIFY(Reported(*m_pReporter, "Problem 2 (#5)\nMode: all solutions\nThreads: 1"));
+        Trigger("prob.pauseone");  // the stop below ends the held thread too
         for (const char* id : {"pos.stipup", "pos.paste", "pos.rotate", "pos.setting", "file.default"})
             Trigger(id);
         QVERIFY(m_pWindow->Collection().Current() == before);
