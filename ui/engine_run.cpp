@@ -72,8 +72,8 @@ bool CEngineRun::Paused() const {
     return m_pControl && m_pControl->Paused();
 }
 
-bool CEngineRun::Skip() {
-    return m_pControl && m_pControl->Skip();
+bool CEngineRun::Skip(size_t count) {
+    return m_pControl && m_pControl->Skip(count);
 }
 
 }  // namespace moremate::ui

@@ -188,7 +188,9 @@ class TMainWindow : public QMainWindow {
     QString RunSettingsText(const char* mode, int threads, int levels) const;
     void ShowRunSettings();
     void ResumeRun();
-    void SkipMove();
+    void SkipMove() { SkipMoves(1); }
+    void SkipFiveMoves() { SkipMoves(5); }
+    void SkipMoves(size_t count);
     void MoveBack();
     void MoveForward();
     void NextProblem();

@@ -209,6 +209,7 @@ const std::vector<TTextRow> kTable = {
     {"ctx.copymoves", "Kopiuj wykonane ruchy", "Copy moves made", "Копіювати зроблені ходи"},
     {"ctx.newinstance", "Wyświetl pozycję w nowym oknie programu",
      "Display position in new instance of program", "Показати позицію в новому екземплярі програми"},
+    {"ctx.skip5", "Pomiń 5 ruchów analizy", "Skip 5 moves of analysis", "Пропустити 5 ходів аналізу"},
     {"ctx.skipnext", "Przejdź do analizy następnego ruchu", "Skip to analysis of next move",
      "Перейти до аналізу наступного ходу"},
     // Tool tips.

@@ -48,10 +48,11 @@ void TMainWindow::BuildContextMenus() {
     ContextAction(m_pAnalysisMenu, "ctx.copymoves", &TMainWindow::CopyMoves);
     ContextAction(m_pAnalysisMenu, "ctx.newinstance", &TMainWindow::OpenInNewInstance);
     m_pAnalysisMenu->addSeparator();
+    ContextAction(m_pAnalysisMenu, "ctx.skip5", &TMainWindow::SkipFiveMoves);
     ContextAction(m_pAnalysisMenu, "ctx.skipnext", &TMainWindow::SkipMove);
     m_pProgress->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_pProgress, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
-        m_actions.at("ctx.skipnext")->setEnabled(Analysing());
+        for (const char* id : {"ctx.skip5", "ctx.skipnext"}) m_actions.at(id)->setEnabled(Analysing());
         m_pAnalysisMenu->popup(m_pProgress->mapToGlobal(at));
     });
 

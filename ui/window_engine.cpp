@@ -156,8 +156,8 @@ void TMainWindow::ResumeRun() {
     UpdateRunState();
 }
 
-void TMainWindow::SkipMove() {
-    if (Analysing() && !m_run.Skip())
+void TMainWindow::SkipMoves(size_t count) {
+    if (Analysing() && !m_run.Skip(count))
         m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), kSkipFailedText);
 }
 

@@ -48,16 +48,18 @@ int CRunControl::HeldThreads() const {
     return m_nHeld;
 }
 
-bool CRunControl::Skip() {
+bool CRunControl::Skip(size_t count) {
     std::lock_guard lock(m_mutex);
     const TSlot* first = nullptr;
     for (const TSlot* slot : m_vAnalysed)
         if (!slot->bSkip && (!first || slot->index < first->index)) first = slot;
     if (!first) return false;
-    const size_t index = first->index;
-    m_vSkipped.push_back(index);
+    const size_t from = first->index;
+    for (size_t index = from; index < from + count; ++index)
+        if (std::find(m_vSkipped.begin(), m_vSkipped.end(), index) == m_vSkipped.end())
+            m_vSkipped.push_back(index);
     for (TSlot* slot : m_vAnalysed) {
-        if (slot->index != index) continue;
+        if (slot->index < from || slot->index >= from + count || slot->bSkip) continue;
         slot->bSkip = true;
         ++m_nSkipsPending;
     }

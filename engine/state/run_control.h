@@ -55,9 +55,10 @@ class CRunControl {
     // Search threads waiting for the resume.
     int HeldThreads() const;
 
-    // Skips the first move with the lowest index among those being analysed and not yet skipped.
+    // Skips the first move with the lowest index among those being analysed and not yet skipped,
+    // and the `count` - 1 moves after it (those not yet begun are skipped when they begin).
     // False when there is none (the run is between passes, building main lines, or not running).
-    bool Skip();
+    bool Skip(size_t count = 1);
 
     // Called by the passes.
     void PassStarted(int number, const std::string& letter, uint32_t mask);

@@ -141,6 +141,11 @@ TEST(ConcurrentRunControl, SkipEndsTheMoveBeingAnalysedAndGoesOnWithTheNext) {
     EXPECT_EQ(control.AnalyseFirstMove(0, mate), kDoubtful);
     control.FirstMovesStarted(static_cast<size_t>(moves.count));
     EXPECT_EQ(control.AnalyseFirstMove(0, mate), kMate);
+    // Skipping three moves from the one being analysed: the next two are skipped when they begin.
+    const auto skipThree = [&] { return control.Skip(3) ? uint8_t{kMate} : uint8_t{kNoMate}; };
+    EXPECT_EQ(control.AnalyseFirstMove(2, skipThree), kMate);
+    for (size_t i : {3, 4}) EXPECT_EQ(control.AnalyseFirstMove(i, mate), kDoubtful) << i;
+    EXPECT_EQ(control.AnalyseFirstMove(5, mate), kMate);
 }
 
 TEST(ConcurrentProgressTick, TicksCarryThePassUnderWayUntilStopped) {
