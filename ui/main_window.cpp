@@ -33,6 +33,8 @@ TMainWindow::TMainWindow(const TOptions& options, CReporter& reporter, QWidget* 
     BuildMenus();
     BuildToolBar();
     BuildContextMenus();
+    BuildSystemMenus();
+    BuildTray();
     connect(&m_run, &CEngineRun::Progressed, this, &TMainWindow::ShowProgress);
     connect(&m_run, &CEngineRun::Finished, this, &TMainWindow::RunFinished);
     Relabel();

@@ -17,6 +17,7 @@
 #include "engine_run.h"
 #include "problem_collection.h"
 #include "settings/options.h"
+#include "settings/process_priority.h"
 #include "tablebase/tablebase_service.h"
 
 class QAction;
@@ -25,6 +26,7 @@ class QLineEdit;
 class QListWidget;
 class QMenu;
 class QPlainTextEdit;
+class QSystemTrayIcon;
 class QToolButton;
 
 namespace moremate::ui {
@@ -46,6 +48,8 @@ class TMainWindow : public QMainWindow {
     // The default collection "myChessProblems.cp" in the program folder, created when missing.
     bool OpenDefaultCollection();
     static std::filesystem::path DefaultCollectionPath();
+    // The file of the help page of the Help menu's item `id` (empty for another id).
+    static std::filesystem::path HelpPagePath(const std::string& id);
 
     // What the window shows and holds, for its tests and its screenshots.
     QAction* Action(const std::string& id) const;
@@ -81,6 +85,7 @@ class TMainWindow : public QMainWindow {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
     struct TCommand;
@@ -221,6 +226,25 @@ class TMainWindow : public QMainWindow {
     void ChooseThreads();
     // Provokes the crash of the kind the user chooses (AddTestCrashHandlerMenuItem).
     void TestCrash();
+    // Priority, processors, tray, help pages.
+    void BuildSystemMenus();
+    void ShowPriority();
+    void SetPriority(ProcessPriority priority);
+    void PriorityHigh() { SetPriority(ProcessPriority::High); }
+    void PriorityAboveNormal() { SetPriority(ProcessPriority::AboveNormal); }
+    void PriorityNormal() { SetPriority(ProcessPriority::Normal); }
+    void PriorityBelowNormal() { SetPriority(ProcessPriority::BelowNormal); }
+    void PriorityLow() { SetPriority(ProcessPriority::Low); }
+    void FillProcessors(QMenu* menu);
+    void BuildTray();
+    void ShowFromTray();
+    void CloseFromTray();
+    void OpenHelp(const char* id);
+    void OpenManual() { OpenHelp("help.manual"); }
+    void OpenReadme() { OpenHelp("help.readme"); }
+    void OpenFaq() { OpenHelp("help.faq"); }
+    void OpenHints() { OpenHelp("help.hints"); }
+    void OpenSolutionModes() { OpenHelp("help.modes"); }
     void Polish() { SetLanguage(kPolish); }
     void English() { SetLanguage(kEnglish); }
     void Ukrainian() { SetLanguage(kUkrainian); }
@@ -271,6 +295,7 @@ class TMainWindow : public QMainWindow {
     QPlainTextEdit* m_pProgress = nullptr;
     TClickButton* m_pStart = nullptr;
     bool m_bProgressLarge = false;
+    QSystemTrayIcon* m_pTray = nullptr;  // none where the desktop has no tray
 };
 
 }  // namespace moremate::ui

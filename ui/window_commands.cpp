@@ -91,6 +91,16 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"adv.regstatus", "menu.advanced", "", &TMainWindow::RegisterStatus},
         {"adv.clearreg", "menu.advanced", "", &TMainWindow::ClearRegister},
         {"adv.globalstatus", "menu.advanced", "", &TMainWindow::GlobalRegisterStatus},
+        {"prio.high", "menu.priority", "", &TMainWindow::PriorityHigh},
+        {"prio.above", "menu.priority", "", &TMainWindow::PriorityAboveNormal},
+        {"prio.normal", "menu.priority", "", &TMainWindow::PriorityNormal},
+        {"prio.below", "menu.priority", "", &TMainWindow::PriorityBelowNormal},
+        {"prio.low", "menu.priority", "", &TMainWindow::PriorityLow},
+        {"help.manual", "menu.help", "", &TMainWindow::OpenManual},
+        {"help.readme", "menu.help", "", &TMainWindow::OpenReadme},
+        {"help.faq", "menu.help", "", &TMainWindow::OpenFaq},
+        {"help.hints", "menu.help", "", &TMainWindow::OpenHints},
+        {"help.modes", "menu.help", "", &TMainWindow::OpenSolutionModes},
         {"help.about", "menu.help", "", &TMainWindow::About},
         {"help.threads", "menu.help", "", &TMainWindow::ChooseThreads},
         {"lang.polish", "menu.language", "", &TMainWindow::Polish},
@@ -128,19 +138,6 @@ void TMainWindow::BuildMenus() {
         languages->addAction(action);
     }
 }
-
-namespace {
-
-// A tool icon drawn from a piece glyph: the hand of the position setting mode.
-QIcon PieceIcon(Piece piece) {
-    QPixmap pixmap(32, 32);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    DrawPiece(painter, QRectF(0, 0, 32, 32), piece);
-    return QIcon(pixmap);
-}
-
-}  // namespace
 
 void TMainWindow::BuildToolBar() {
     QToolBar* bar = addToolBar("tools");

@@ -22,6 +22,7 @@
 #include "problems/annotations/problem_variants.h"
 #include "settings/instance_lock.h"
 #include "settings/options_dialog.h"
+#include "settings/process_priority.h"
 #include "ui/board_widget.h"
 #include "ui/instance_notice.h"
 #include "ui/main_window.h"
@@ -422,6 +423,16 @@ class TMainWindowTest : public QObject {
         }
         for (const TTextRow& row : TextTable())
             QVERIFY2(*row.polish && *row.english && *row.ukrainian, row.id);
+    }
+
+    // Every help item has its page; the priority items set the process's class.
+    void helpPagesAndPriority() {
+        for (const char* id : {"help.manual", "help.readme", "help.faq", "help.hints", "help.modes"})
+            QVERIFY2(std::filesystem::is_regular_file(TMainWindow::HelpPagePath(id)), id);
+        Trigger("prio.low");  // lowering needs no privilege
+        QCOMPARE(CurrentPriority(), ProcessPriority::Low);
+        QVERIFY(m_pWindow->Action("prio.low")->isChecked());
+        QVERIFY(!m_pWindow->Action("prio.normal")->isChecked());
     }
 
     void closingOffersToSave() {
