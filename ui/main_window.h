@@ -27,6 +27,7 @@ class QListWidget;
 class QMenu;
 class QPlainTextEdit;
 class QSystemTrayIcon;
+class QToolBar;
 class QToolButton;
 
 namespace moremate::ui {
@@ -34,6 +35,7 @@ namespace moremate::ui {
 class TBoardWidget;
 class TClickButton;
 class TPiecePalette;
+class TUpDownButton;
 
 class TMainWindow : public QMainWindow {
     Q_OBJECT
@@ -77,7 +79,10 @@ class TMainWindow : public QMainWindow {
     // A piece dragged in the position setting mode: from a square (none: from the palette) to a
     // square (none: off the board, taken away).
     void DropPiece(int from, int to, Piece piece);
-    void SetThreads(int threads) { m_nThreads = threads; }
+    // The threads of the next run, 1 to kMaxThreads.
+    void SetThreads(int threads);
+    int Threads() const { return m_nThreads; }
+    static constexpr int kMaxThreads = 64;
 
   Q_SIGNALS:
     // The analysis ended and its results are shown and written into the problem.
@@ -99,6 +104,8 @@ class TMainWindow : public QMainWindow {
     QAction* ContextAction(QMenu* menu, const char* id, void (TMainWindow::*run)());
     void BuildContextMenus();
     void BuildToolBar();
+    void AddThreadsTool(QToolBar* bar);
+    void AddVariantTools(QToolBar* bar);
     void Relabel();
     QString Text(const char* id) const;
     // The text of a menu item as a dialog's title: without its shortcut and mnemonic.
@@ -255,6 +262,7 @@ class TMainWindow : public QMainWindow {
     void RunFinished(const TProblemReport& report);
     void WriteResult(ProblemEntry& entry, const TProblemReport& report) const;
     void UpdateRunState();
+    void ShowRegisterCount();
     // Moves to another problem after the question of a running analysis.
     void Navigate(const std::function<bool(TProblemCollection&)>& move);
 
@@ -295,6 +303,9 @@ class TMainWindow : public QMainWindow {
     QPlainTextEdit* m_pProgress = nullptr;
     TClickButton* m_pStart = nullptr;
     bool m_bProgressLarge = false;
+    TUpDownButton* m_pThreadsTool = nullptr;
+    QLabel* m_pRegisterCount = nullptr;  // the positions in the temporary register
+    bool m_bRemainingMoves = false;      // the moves made numbered by the moves left, not ordinally
     QSystemTrayIcon* m_pTray = nullptr;  // none where the desktop has no tray
 };
 

@@ -2,6 +2,8 @@
 // member that carries it out; the menus and the toolbar are built from it.
 #include <QAction>
 #include <QActionGroup>
+#include <QCheckBox>
+#include <QLabel>
 #include <QMenuBar>
 #include <QPainter>
 #include <QStyle>
@@ -10,6 +12,7 @@
 #include "click_button.h"
 #include "main_window.h"
 #include "piece_glyphs.h"
+#include "up_down_button.h"
 
 namespace moremate::ui {
 
@@ -165,10 +168,16 @@ void TMainWindow::BuildToolBar() {
     });
     tool("file.save", "tip.save", s->standardIcon(QStyle::SP_DialogSaveButton));
     tool("pos.setting", "tip.setting", PieceIcon(MakePiece(kWhite, kKnight)));
+    AddThreadsTool(bar);
     tool("view.rotate", "tip.rotate", s->standardIcon(QStyle::SP_BrowserReload));
     tool("adv.options", "tip.options", s->standardIcon(QStyle::SP_FileDialogDetailedView));
     tool("view.progress", "tip.progress", s->standardIcon(QStyle::SP_TitleBarUnshadeButton));
     bar->addSeparator();
+    m_pRegisterCount = new QLabel("0", bar);
+    m_pRegisterCount->setMinimumWidth(64);
+    m_pRegisterCount->setAlignment(Qt::AlignCenter);
+    m_tips[m_pRegisterCount] = "tip.registercount";
+    bar->addWidget(m_pRegisterCount);
     m_pStart = new TClickButton(bar);
     m_pStart->setAutoRaise(true);
     m_tips[m_pStart] = "tip.start";
@@ -184,6 +193,44 @@ void TMainWindow::BuildToolBar() {
     bar->addSeparator();
     tool("prob.prev", "tip.prev", s->standardIcon(QStyle::SP_MediaSeekBackward));
     tool("prob.next", "tip.next", s->standardIcon(QStyle::SP_MediaSeekForward));
+    AddVariantTools(bar);
+}
+
+// The threads of the next run: the upper half of the tool adds one, the lower half takes one.
+void TMainWindow::AddThreadsTool(QToolBar* bar) {
+    m_pThreadsTool = new TUpDownButton(bar);
+    m_pThreadsTool->setObjectName("tool.threads");
+    m_pThreadsTool->setAutoRaise(true);
+    m_pThreadsTool->setMinimumWidth(32);
+    m_tips[m_pThreadsTool] = "tip.threads";
+    connect(m_pThreadsTool, &TUpDownButton::Up, this, [this] { SetThreads(m_nThreads + 1); });
+    connect(m_pThreadsTool, &TUpDownButton::Down, this, [this] { SetThreads(m_nThreads - 1); });
+    bar->addWidget(m_pThreadsTool);
+    SetThreads(m_nThreads);
+}
+
+void TMainWindow::SetThreads(int threads) {
+    m_nThreads = std::clamp(threads, 1, kMaxThreads);
+    m_pThreadsTool->setText(QString::number(m_nThreads));
+}
+
+// The numbering of the moves made, and the main variant's tool.
+void TMainWindow::AddVariantTools(QToolBar* bar) {
+    auto* remaining = new QCheckBox(bar);
+    remaining->setObjectName("tool.remaining");
+    m_tips[remaining] = "tip.remaining";
+    connect(remaining, &QCheckBox::toggled, this, [this](bool on) {
+        m_bRemainingMoves = on;
+        ShowMoves();
+    });
+    bar->addWidget(remaining);
+    auto* main = new TClickButton(bar);
+    main->setAutoRaise(true);
+    main->setIcon(PieceIcon(MakePiece(kWhite, kQueen)));
+    m_tips[main] = "tip.mainvariant";
+    connect(main, &QToolButton::clicked, this, &TMainWindow::SaveMainVariant);
+    connect(main, &TClickButton::RightClicked, this, [this] { Menu("menu.variant")->popup(QCursor::pos()); });
+    bar->addWidget(main);
 }
 
 }  // namespace moremate::ui

@@ -1,6 +1,7 @@
 // The main window's engine commands: starting a run of the current problem on the engine
 // thread, steering it, showing its progress, and writing its results into the problem.
 #include <QInputDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QStyle>
@@ -165,6 +166,7 @@ void TMainWindow::ShowProgress(const TRunProgress& progress) {
     if (!Analysing()) return;
     m_pProgress->setPlainText(
         ProgressAreaText(progress, TGlobalRegisters::Instance().MemoryBytes(), m_nLanguage));
+    ShowRegisterCount();
 }
 
 // The keys go into the record's answer when it has none, and the main line of the first key
@@ -187,6 +189,7 @@ void TMainWindow::WriteResult(ProblemEntry& entry, const TProblemReport& report)
 
 void TMainWindow::RunFinished(const TProblemReport& report) {
     UpdateRunState();
+    ShowRegisterCount();
     QString text = QString::fromStdString(report.outcome).trimmed();
     if (!report.keysLong.empty()) {
         QStringList keys;
@@ -239,6 +242,15 @@ void TMainWindow::ClearRegister() {
         return;
     }
     m_pRunRegister.reset();
+    ShowRegisterCount();
+}
+
+// The register's counters are atomic: they are read while the engine fills it.
+void TMainWindow::ShowRegisterCount() {
+    const uint64_t count = m_pRunRegister ? uint64_t{m_pRunRegister->WhiteToMove().ElementCount()} +
+                                                m_pRunRegister->BlackToMove().ElementCount()
+                                          : 0;
+    m_pRegisterCount->setText(QString::number(count));
 }
 
 void TMainWindow::RegisterStatus() {
@@ -270,9 +282,9 @@ void TMainWindow::TestCrash() {
 
 void TMainWindow::ChooseThreads() {
     bool ok = false;
-    const int threads =
-        QInputDialog::getInt(this, Text("label.threads"), Text("label.threads"), m_nThreads, 1, 64, 1, &ok);
-    if (ok) m_nThreads = threads;
+    const int threads = QInputDialog::getInt(this, Text("label.threads"), Text("label.threads"), m_nThreads,
+                                             1, kMaxThreads, 1, &ok);
+    if (ok) SetThreads(threads);
 }
 
 }  // namespace moremate::ui

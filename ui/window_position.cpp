@@ -103,7 +103,11 @@ void TMainWindow::ShowMoves() {
     const std::vector<TChessboard> line = PlayLine(start, m_vMoves, m_vMoves.size());
     for (size_t i = 0; i < m_vMoves.size(); ++i) {
         const bool white = line[i].WhiteToMove();
-        const size_t number = (i + (start.WhiteToMove() ? 0 : 1)) / 2 + 1;
+        const size_t ordinal = (i + (start.WhiteToMove() ? 0 : 1)) / 2 + 1;
+        const int moves = m_collection.Current().StipulationMoves();
+        const bool remaining = m_bRemainingMoves && m_collection.Current().m_type == ProblemType::Directmate;
+        const int64_t number =
+            remaining ? moves - static_cast<int64_t>(ordinal) + 1 : static_cast<int64_t>(ordinal);
         const QString text = QString("%1%2 %3")
                                  .arg(number)
                                  .arg(white ? "." : "...")

@@ -4,13 +4,16 @@
 #include <unistd.h>
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QInputDialog>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QToolButton>
 #include <QtTest>
 
 #include <fstream>
@@ -222,6 +225,25 @@ class TMainWindowTest : public QObject {
         QVERIFY2(report.find("6 #9: #9 > MaxStipulationForBulkInsert (6)") != std::string::npos,
                  report.c_str());
         QVERIFY2(report.find("hello world: ") != std::string::npos, report.c_str());
+    }
+
+    // The threads tool: its upper half adds a thread, its lower half takes one, never below one;
+    // the box numbers the moves made by the moves left.
+    void toolsStepThreadsAndNumberMoves() {
+        auto* threads = m_pWindow->findChild<QToolButton*>("tool.threads");
+        QTest::mouseClick(threads, Qt::LeftButton, {}, QPoint(threads->width() / 2, 1));
+        QCOMPARE(m_pWindow->Threads(), 2);
+        for (int i = 0; i < 2; ++i)
+            QTest::mouseClick(threads, Qt::LeftButton, {},
+                              QPoint(threads->width() / 2, threads->height() - 2));
+        QCOMPARE(m_pWindow->Threads(), 1);
+        QCOMPARE(threads->text(), QString("1"));
+        QApplication::clipboard()->setText("1. Qa7-f2 Kc1-b1");
+        Trigger("pos.paste");
+        m_pWindow->findChild<QCheckBox*>("tool.remaining")->setChecked(true);
+        const QListWidget* moves = m_pWindow->findChild<QListWidget*>();
+        QCOMPARE(moves->item(0)->text(), QString("2. Qa7-f2"));
+        QCOMPARE(moves->item(1)->text(), QString("2... Kc1-b1"));
     }
 
     void copiesTheRecordWithOrWithoutAnnotations_data() {
