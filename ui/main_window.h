@@ -106,6 +106,7 @@ class TMainWindow : public QMainWindow {
     void BuildToolBar();
     void AddThreadsTool(QToolBar* bar);
     void AddVariantTools(QToolBar* bar);
+    void AddPeekTool(QToolBar* bar);
     void Relabel();
     QString Text(const char* id) const;
     // The text of a menu item as a dialog's title: without its shortcut and mnemonic.
@@ -305,7 +306,9 @@ class TMainWindow : public QMainWindow {
     bool m_bProgressLarge = false;
     TUpDownButton* m_pThreadsTool = nullptr;
     QLabel* m_pRegisterCount = nullptr;  // the positions in the temporary register
-    bool m_bRemainingMoves = false;      // the moves made numbered by the moves left, not ordinally
+    bool m_bRemainingMoves = false;
+    int m_nPeek = 0;  // the observed line shown: 0 all, k the k-th      // the moves made numbered by the
+                      // moves left, not ordinally
     QSystemTrayIcon* m_pTray = nullptr;  // none where the desktop has no tray
 };
 

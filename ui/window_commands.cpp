@@ -193,6 +193,7 @@ void TMainWindow::BuildToolBar() {
     bar->addSeparator();
     tool("prob.prev", "tip.prev", s->standardIcon(QStyle::SP_MediaSeekBackward));
     tool("prob.next", "tip.next", s->standardIcon(QStyle::SP_MediaSeekForward));
+    AddPeekTool(bar);
     AddVariantTools(bar);
 }
 
@@ -212,6 +213,23 @@ void TMainWindow::AddThreadsTool(QToolBar* bar) {
 void TMainWindow::SetThreads(int threads) {
     m_nThreads = std::clamp(threads, 1, kMaxThreads);
     m_pThreadsTool->setText(QString::number(m_nThreads));
+}
+
+// The thread whose line the progress area shows: "A" all of them, else the k-th line.
+void TMainWindow::AddPeekTool(QToolBar* bar) {
+    auto* peek = new TUpDownButton(bar);
+    peek->setObjectName("tool.peek");
+    peek->setAutoRaise(true);
+    peek->setMinimumWidth(32);
+    peek->setText("A");
+    m_tips[peek] = "tip.peek";
+    const auto step = [this, peek](int delta) {
+        m_nPeek = std::clamp(m_nPeek + delta, 0, kMaxThreads);
+        peek->setText(m_nPeek == 0 ? QString("A") : QString::number(m_nPeek));
+    };
+    connect(peek, &TUpDownButton::Up, this, [step] { step(1); });
+    connect(peek, &TUpDownButton::Down, this, [step] { step(-1); });
+    bar->addWidget(peek);
 }
 
 // The numbering of the moves made, and the main variant's tool.

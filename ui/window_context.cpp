@@ -71,7 +71,7 @@ void TMainWindow::ShowLinks() {
                      .arg(url.toHtmlEscaped(),
                           QString::fromStdString(DescriptionReference(reference)).toHtmlEscaped());
     }
-    m_sLink = links.isEmpty() ? QString() : m_sLink;
+    m_sLink.clear();
     m_pLinks->setText(links.join("&nbsp;&nbsp;"));
     m_pLinks->setVisible(!links.isEmpty());
 }

@@ -165,7 +165,7 @@ void TMainWindow::SkipMoves(size_t count) {
 void TMainWindow::ShowProgress(const TRunProgress& progress) {
     if (!Analysing()) return;
     m_pProgress->setPlainText(
-        ProgressAreaText(progress, TGlobalRegisters::Instance().MemoryBytes(), m_nLanguage));
+        ProgressAreaText(progress, TGlobalRegisters::Instance().MemoryBytes(), m_nLanguage, m_nPeek));
     ShowRegisterCount();
 }
 

@@ -14,7 +14,7 @@ namespace moremate::ui {
 
 bool TMainWindow::FindProblem(const QString& query, bool forward) {
     m_sFindQuery = query.toStdString();
-    bool found = false;
+    bool found = true;  // stays so when the user keeps a running analysis's problem
     Navigate([this, forward, &found](TProblemCollection& c) {
         found = c.Find(m_sFindQuery, forward);
         return found;

@@ -32,6 +32,7 @@
 #include "ui/options_window.h"
 #include "ui/piece_palette.h"
 #include "ui/problem_search.h"
+#include "ui/progress_text.h"
 #include "ui/start_log.h"
 #include "ui/texts.h"
 
@@ -487,6 +488,17 @@ class TMainWindowTest : public QObject {
         QCOMPARE(next.Reports().size(), box ? size_t{2} : size_t{1});
         QCOMPARE(next.Reports().back().sText, std::string("another report"));
         QCOMPARE(shown == kSecondInstanceReadOnly, status);
+    }
+
+    void peekedLines() {
+        const std::string all = "Observed: 1.Qb6-f6 2.Qf6-d8 | 1.Kd2-c3 | 1.Ra1-a8";
+        const std::pair<int, std::string> cases[] = {{0, all},
+                                                     {1, "Observed: 1.Qb6-f6 2.Qf6-d8"},
+                                                     {2, "Observed: 1.Kd2-c3"},
+                                                     {3, "Observed: 1.Ra1-a8"},
+                                                     {4, ""}};
+        for (const auto& [peek, shown] : cases) QCOMPARE(PeekedLines(all, peek), shown);
+        QCOMPARE(PeekedLines("", 2), std::string());
     }
 
     void startLogLines() {
