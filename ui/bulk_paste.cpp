@@ -1,5 +1,6 @@
 #include "bulk_paste.h"
 
+#include <charconv>
 #include <sstream>
 
 #include "core/chess_exception.h"
@@ -34,9 +35,17 @@ std::vector<std::string> Pieces(const std::string& text) {
 // A FEN, optionally followed by "#n": a problem with White to move.
 bool ReadFenLine(const std::string& line, std::vector<ProblemEntry>& entries) {
     const size_t hash = line.rfind('#');
+    int moves = 2;
+    if (hash != std::string::npos) {
+        const std::string n = Trimmed(line.substr(hash + 1));
+        const auto [end, error] = std::from_chars(n.data(), n.data() + n.size(), moves);
+        if (error != std::errc{} || end != n.data() + n.size() || moves < 1 ||
+            moves > (kPositionPlies - 1) / 2)
+            return false;
+    }
     TForeignProblem problem;
     if (!ReadFen(Trimmed(line.substr(0, hash)), problem.board)) return false;
-    problem.nMoves = hash == std::string::npos ? 2 : std::stoi(line.substr(hash + 1));
+    problem.nMoves = moves;
     entries.push_back(ForeignProblemEntry(problem, 0));
     return true;
 }
