@@ -65,7 +65,12 @@ std::optional<size_t> TPiecePalette::CellAt(const QPointF& point) const {
 void TPiecePalette::mousePressEvent(QMouseEvent* event) {
     m_pressed = CellAt(event->position());
     m_pointPressed = event->position().toPoint();
+}
+
+// A click (a press and a release without a drag between) chooses the cell, or drops the choice.
+void TPiecePalette::mouseReleaseEvent(QMouseEvent*) {
     if (m_pressed) Choose(m_chosen == kCells[*m_pressed] ? std::nullopt : std::optional(kCells[*m_pressed]));
+    m_pressed.reset();
 }
 
 void TPiecePalette::mouseMoveEvent(QMouseEvent* event) {
