@@ -66,6 +66,18 @@ std::optional<std::string> SwapColours(TChessboard& board, std::string& descript
     return SetUpTransformed(board, squares);
 }
 
+std::optional<std::string> Shift(TChessboard& board, int files, int ranks) {
+    uint8_t squares[64] = {};
+    for (int sq = 0; sq < 64; ++sq) {
+        if (board.squares[sq] == kEmpty) continue;
+        const int file = FileOf(sq) + files, rank = RankOf(sq) + ranks;
+        if (file < 0 || file > 7 || rank < 0 || rank > 7)
+            throw ChessException("The position cannot be shifted: a piece would leave the board");
+        squares[MakeSquare(file, rank)] = board.squares[sq];
+    }
+    return SetUpTransformed(board, squares);
+}
+
 std::optional<std::string> Rotate90(TChessboard& board, std::string& description) {
     uint8_t squares[64];
     for (int sq = 0; sq < 64; ++sq) squares[MakeSquare(RankOf(sq), 7 - FileOf(sq))] = board.squares[sq];

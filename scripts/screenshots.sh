@@ -65,7 +65,7 @@ focus 'moremate - problems.cp'
 keys F5
 sleep 6
 shot gui-running.png
-xdotool mousemove 258 38 click 1
+xdotool mousemove 356 38 click 1  # the start/stop tool
 sleep 3
 # The #20 before it (Ctrl+Shift+Left), solved to the end.
 keys ctrl+shift+Left

@@ -2,6 +2,8 @@
 
 #include <sched.h>
 
+#include "process_threads.h"
+
 namespace moremate {
 
 static_assert(kMaxProcessors == CPU_SETSIZE);
@@ -21,7 +23,8 @@ bool WriteProcessAffinity(const TProcessorMask& mask) {
     for (std::size_t i = 0; i < kMaxProcessors; ++i) {
         if (mask[i]) CPU_SET(i, &set);
     }
-    return sched_setaffinity(0, sizeof(set), &set) == 0;
+    return ForEachProcessThread(
+        [&set](pid_t thread) { return sched_setaffinity(thread, sizeof(set), &set) == 0; });
 }
 
 std::string ProcessorMenuText(std::size_t processor, int languageId) {

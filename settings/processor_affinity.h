@@ -20,6 +20,7 @@ inline constexpr const char* kAffinityChangedOutside =
     "Settings were changed outside the program.\nRetry the attempt to change settings.";
 
 std::optional<TProcessorMask> ReadProcessAffinity();
+// Sets the mask of every thread of the process.
 bool WriteProcessAffinity(const TProcessorMask& mask);
 
 // Items are numbered as the system numbers its processors, from 0.

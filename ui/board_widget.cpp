@@ -1,10 +1,14 @@
 #include "board_widget.h"
 
+#include <QApplication>
+#include <QDrag>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
 
 #include "interface_state.h"
+#include "piece_drag.h"
 #include "piece_glyphs.h"
 
 namespace moremate::ui {
@@ -105,9 +109,55 @@ void TBoardWidget::paintEvent(QPaintEvent*) {
     DrawCoordinates(painter, board);
 }
 
+void TBoardWidget::SetDragging(bool dragging) {
+    m_bDragging = dragging;
+    m_nPressed = -1;
+    setAcceptDrops(dragging);
+}
+
 void TBoardWidget::mousePressEvent(QMouseEvent* event) {
     const int square = SquareAt(event->position().toPoint());
-    if (square >= 0) Q_EMIT SquareClicked(square, event->button());
+    if (square < 0) return;
+    if (!m_bDragging || event->button() != Qt::LeftButton)
+        return Q_EMIT SquareClicked(square, event->button());
+    m_nPressed = square;
+    m_pointPressed = event->position().toPoint();
+}
+
+void TBoardWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (m_nPressed >= 0 && event->button() == Qt::LeftButton)
+        Q_EMIT SquareClicked(m_nPressed, Qt::LeftButton);
+    m_nPressed = -1;
+}
+
+// A piece dragged off the board is taken away.
+void TBoardWidget::mouseMoveEvent(QMouseEvent* event) {
+    if (m_nPressed < 0 ||
+        (event->position().toPoint() - m_pointPressed).manhattanLength() < QApplication::startDragDistance())
+        return;
+    const int from = m_nPressed;
+    m_nPressed = -1;
+    const Piece piece = m_squares[static_cast<size_t>(from)];
+    if (piece != kEmpty && !DragPiece(this, {piece, from})) Q_EMIT PieceDropped(from, kNoSquare, piece);
+}
+
+void TBoardWidget::dragEnterEvent(QDragEnterEvent* event) {
+    if (DroppedPiece(event->mimeData())) event->acceptProposedAction();
+}
+
+void TBoardWidget::dragMoveEvent(QDragMoveEvent* event) {
+    if (SquareAt(event->position().toPoint()) >= 0)
+        event->acceptProposedAction();
+    else
+        event->ignore();
+}
+
+void TBoardWidget::dropEvent(QDropEvent* event) {
+    const std::optional<TDraggedPiece> dragged = DroppedPiece(event->mimeData());
+    const int square = SquareAt(event->position().toPoint());
+    if (!dragged || square < 0) return event->ignore();
+    event->acceptProposedAction();
+    Q_EMIT PieceDropped(dragged->from, square, dragged->piece);
 }
 
 }  // namespace moremate::ui

@@ -64,12 +64,16 @@ void CEngineRun::Resume() {
     if (m_pControl) m_pControl->Resume();
 }
 
+void CEngineRun::HoldOneThread() {
+    if (m_pControl) m_pControl->HoldOneThread();
+}
+
 bool CEngineRun::Paused() const {
     return m_pControl && m_pControl->Paused();
 }
 
-bool CEngineRun::Skip() {
-    return m_pControl && m_pControl->Skip();
+bool CEngineRun::Skip(size_t count) {
+    return m_pControl && m_pControl->Skip(count);
 }
 
 }  // namespace moremate::ui

@@ -38,9 +38,11 @@ class CEngineRun : public QObject {
     void Stop();
     void Pause();
     void Resume();
+    void HoldOneThread();
     bool Paused() const;
-    // False when no first move is being analysed.
-    bool Skip();
+    // Skips the first move being analysed and the `count` - 1 after it; false when no first move
+    // is being analysed.
+    bool Skip(size_t count = 1);
 
   Q_SIGNALS:
     void Progressed(moremate::TRunProgress progress);

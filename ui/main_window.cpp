@@ -32,6 +32,9 @@ TMainWindow::TMainWindow(const TOptions& options, CReporter& reporter, QWidget* 
     BuildLayout();
     BuildMenus();
     BuildToolBar();
+    BuildContextMenus();
+    BuildSystemMenus();
+    BuildTray();
     connect(&m_run, &CEngineRun::Progressed, this, &TMainWindow::ShowProgress);
     connect(&m_run, &CEngineRun::Finished, this, &TMainWindow::RunFinished);
     Relabel();
@@ -53,9 +56,10 @@ void TMainWindow::BuildLayout() {
 
     auto* left = new QVBoxLayout;
     auto* top = new QHBoxLayout;
-    m_pNumber = new QToolButton(central);
+    m_pNumber = new TClickButton(central);
     m_pNumber->setAutoRaise(true);
     connect(m_pNumber, &QToolButton::clicked, this, &TMainWindow::SelectNumber);
+    connect(m_pNumber, &TClickButton::RightClicked, this, &TMainWindow::SelectFromList);
     m_tips[m_pNumber] = "tip.number";
     m_pDescription = new QLineEdit(central);
     m_tips[m_pDescription] = "tip.description";
@@ -90,10 +94,15 @@ void TMainWindow::BuildLayout() {
     top->addWidget(m_pStipulation);
     top->addLayout(arrows);
     left->addLayout(top);
+    m_pLinks = new QLabel(central);
+    m_pLinks->setTextInteractionFlags(Qt::LinksAccessibleByMouse);
+    m_pLinks->hide();
+    left->addWidget(m_pLinks);
 
     m_pBoard = new TBoardWidget(central);
     m_tips[m_pBoard] = "tip.board";
     connect(m_pBoard, &TBoardWidget::SquareClicked, this, &TMainWindow::ClickSquare);
+    connect(m_pBoard, &TBoardWidget::PieceDropped, this, &TMainWindow::DropPiece);
     left->addWidget(m_pBoard, 1);
     m_pPalette = new TPiecePalette(central);
     m_pPalette->hide();

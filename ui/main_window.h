@@ -17,6 +17,7 @@
 #include "engine_run.h"
 #include "problem_collection.h"
 #include "settings/options.h"
+#include "settings/process_priority.h"
 #include "tablebase/tablebase_service.h"
 
 class QAction;
@@ -25,6 +26,8 @@ class QLineEdit;
 class QListWidget;
 class QMenu;
 class QPlainTextEdit;
+class QSystemTrayIcon;
+class QToolBar;
 class QToolButton;
 
 namespace moremate::ui {
@@ -32,6 +35,7 @@ namespace moremate::ui {
 class TBoardWidget;
 class TClickButton;
 class TPiecePalette;
+class TUpDownButton;
 
 class TMainWindow : public QMainWindow {
     Q_OBJECT
@@ -46,6 +50,8 @@ class TMainWindow : public QMainWindow {
     // The default collection "myChessProblems.cp" in the program folder, created when missing.
     bool OpenDefaultCollection();
     static std::filesystem::path DefaultCollectionPath();
+    // The file of the help page of the Help menu's item `id` (empty for another id).
+    static std::filesystem::path HelpPagePath(const std::string& id);
 
     // What the window shows and holds, for its tests and its screenshots.
     QAction* Action(const std::string& id) const;
@@ -64,9 +70,19 @@ class TMainWindow : public QMainWindow {
 
     void SetLanguage(int language);
     bool SelectProblemNumber(uint32_t number);
+    // Goes to the next (or previous) problem that `query` matches; reports when none does.
+    bool FindProblem(const QString& query, bool forward);
+    // Removes the problems that the collection `file` also holds; returns how many.
+    size_t RemovePresentIn(const std::filesystem::path& file);
     // A click on a board square, as the mouse gives it.
     void ClickSquare(int square, Qt::MouseButton button);
-    void SetThreads(int threads) { m_nThreads = threads; }
+    // A piece dragged in the position setting mode: from a square (none: from the palette) to a
+    // square (none: off the board, taken away).
+    void DropPiece(int from, int to, Piece piece);
+    // The threads of the next run, 1 to kMaxThreads.
+    void SetThreads(int threads);
+    int Threads() const { return m_nThreads; }
+    static constexpr int kMaxThreads = 64;
 
   Q_SIGNALS:
     // The analysis ended and its results are shown and written into the problem.
@@ -74,6 +90,7 @@ class TMainWindow : public QMainWindow {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
     struct TCommand;
@@ -83,7 +100,13 @@ class TMainWindow : public QMainWindow {
     void BuildLayout();
     void BuildMenus();
     void AddCommand(const TCommand& command);
+    // An item of a context menu, labelled from the text table like the menus' items.
+    QAction* ContextAction(QMenu* menu, const char* id, void (TMainWindow::*run)());
+    void BuildContextMenus();
     void BuildToolBar();
+    void AddThreadsTool(QToolBar* bar);
+    void AddVariantTools(QToolBar* bar);
+    void AddPeekTool(QToolBar* bar);
     void Relabel();
     QString Text(const char* id) const;
     // The text of a menu item as a dialog's title: without its shortcut and mnemonic.
@@ -93,6 +116,7 @@ class TMainWindow : public QMainWindow {
     // The problem anew: its number, description and stipulation (the header), and its moves.
     void ShowProblem();
     void ShowProblemHeader();
+    void ShowLinks();
     void ShowBoard();
     void ShowMoves();
     void UpdateTitle();
@@ -108,6 +132,7 @@ class TMainWindow : public QMainWindow {
     void Edit(const std::function<void(ProblemEntry&)>& change);
     void ChangeStipulation(int delta);
     void ClickInSettingMode(int square, Qt::MouseButton button);
+    void PutPiece(int from, int to, Piece piece);
     void ClickMove(int square);
     void PlayMadeMove(const TMove& move);
 
@@ -119,6 +144,7 @@ class TMainWindow : public QMainWindow {
     void Save();
     void SaveAs();
     void AppendFile();
+    void RemovePresentElsewhere();
     // Position commands.
     void CopyProblem() { CopyRecord(true, true); }
     void CopyWithoutVariants() { CopyRecord(false, true); }
@@ -130,6 +156,14 @@ class TMainWindow : public QMainWindow {
     void PasteAsMirror();
     std::optional<ProblemEntry> PastedEntry(const std::string& text);
     void ReportPasteFailure(const std::string& why);
+    void BulkPaste() { BulkPasteText(false); }
+    void BulkPastePrized() { BulkPasteText(true); }
+    void BulkPasteText(bool prizedOnly);
+    void ShiftPosition(int files, int ranks);
+    void ShiftLeft() { ShiftPosition(-1, 0); }
+    void ShiftRight() { ShiftPosition(1, 0); }
+    void ShiftUp() { ShiftPosition(0, 1); }
+    void ShiftDown() { ShiftPosition(0, -1); }
     void RotatePosition();
     void SwapColoursCommand();
     void CopyMoves();
@@ -140,12 +174,20 @@ class TMainWindow : public QMainWindow {
     void StipulationDown10() { ChangeStipulation(-10); }
     void Undo();
     void Redo();
+    // The description's links and the analysis menu.
+    QString CurrentLink() const;
+    void OpenLink();
+    void CopyLink();
+    void EditDescription();
+    void OpenInNewInstance();
     // Problem commands.
     // F5: the solution, or Black's best defence when the board shows Black to move.
     void Solve() {
         m_nShown > 0 && !ShownBoard().WhiteToMove() ? FindDefence() : StartRun(false, false, false);
     }
-    void FindDefence();
+    void FindDefence() { StartDefence(false); }
+    void FindThoroughDefence() { StartDefence(true); }
+    void StartDefence(bool thorough);
     void SolveAll() { StartRun(true, false, false); }
     // Solves, then shows the main variant played to its end.
     void SolveAndShowVariant();
@@ -154,8 +196,14 @@ class TMainWindow : public QMainWindow {
     void StartOrStop();
     void StopRun();
     void PauseRun();
+    void PauseOneThread();
+    // The settings a run starts with, as "Show settings of current analysis" shows them.
+    QString RunSettingsText(const char* mode, int threads, int levels) const;
+    void ShowRunSettings();
     void ResumeRun();
-    void SkipMove();
+    void SkipMove() { SkipMoves(1); }
+    void SkipFiveMoves() { SkipMoves(5); }
+    void SkipMoves(size_t count);
     void MoveBack();
     void MoveForward();
     void NextProblem();
@@ -166,6 +214,12 @@ class TMainWindow : public QMainWindow {
     void HistoryBack();
     void HistoryForward();
     void SelectNumber();
+    void SelectFromList();
+    void FindCommand();
+    void FindNext();
+    void FindPrevious();
+    void SimilarPositions();
+    void GoToChosen(const QString& title, const std::vector<size_t>& indexes);
     // View, variant, advanced, help, language.
     void RotateView();
     void ToggleProgressSize();
@@ -180,6 +234,25 @@ class TMainWindow : public QMainWindow {
     void ChooseThreads();
     // Provokes the crash of the kind the user chooses (AddTestCrashHandlerMenuItem).
     void TestCrash();
+    // Priority, processors, tray, help pages.
+    void BuildSystemMenus();
+    void ShowPriority();
+    void SetPriority(ProcessPriority priority);
+    void PriorityHigh() { SetPriority(ProcessPriority::High); }
+    void PriorityAboveNormal() { SetPriority(ProcessPriority::AboveNormal); }
+    void PriorityNormal() { SetPriority(ProcessPriority::Normal); }
+    void PriorityBelowNormal() { SetPriority(ProcessPriority::BelowNormal); }
+    void PriorityLow() { SetPriority(ProcessPriority::Low); }
+    void FillProcessors(QMenu* menu);
+    void BuildTray();
+    void ShowFromTray();
+    void CloseFromTray();
+    void OpenHelp(const char* id);
+    void OpenManual() { OpenHelp("help.manual"); }
+    void OpenReadme() { OpenHelp("help.readme"); }
+    void OpenFaq() { OpenHelp("help.faq"); }
+    void OpenHints() { OpenHelp("help.hints"); }
+    void OpenSolutionModes() { OpenHelp("help.modes"); }
     void Polish() { SetLanguage(kPolish); }
     void English() { SetLanguage(kEnglish); }
     void Ukrainian() { SetLanguage(kUkrainian); }
@@ -190,6 +263,7 @@ class TMainWindow : public QMainWindow {
     void RunFinished(const TProblemReport& report);
     void WriteResult(ProblemEntry& entry, const TProblemReport& report) const;
     void UpdateRunState();
+    void ShowRegisterCount();
     // Moves to another problem after the question of a running analysis.
     void Navigate(const std::function<bool(TProblemCollection&)>& move);
 
@@ -203,12 +277,14 @@ class TMainWindow : public QMainWindow {
     size_t m_nShown = 0;          // how many of them the board shows
     bool m_bSettingMode = false;
     int m_nPicked = kNoSquare;  // the first click of a move or of a piece moved in the setting mode
+    std::string m_sFindQuery;   // the last query of the find commands
 
     std::unique_ptr<CReporter> m_pTablebaseReporter;  // the second instance's notice as the options say
     std::unique_ptr<CTablebaseService> m_pTablebase;
     std::unique_ptr<CRunRegister> m_pRunRegister;
     CEngineRun m_run;
     size_t m_nRunIndex = 0;  // the problem being analysed
+    QString m_sRunSettings;  // the settings it runs with
 
     std::map<std::string, QAction*> m_actions;
     std::map<std::string, QMenu*> m_menus;
@@ -216,14 +292,24 @@ class TMainWindow : public QMainWindow {
     TBoardWidget* m_pBoard = nullptr;
     TPiecePalette* m_pPalette = nullptr;
     QLineEdit* m_pDescription = nullptr;
+    QLabel* m_pLinks = nullptr;  // the description's database references as links
+    QString m_sLink;             // the link the mouse was last over
+    QMenu* m_pLinkMenu = nullptr;
+    QMenu* m_pAnalysisMenu = nullptr;
     QLabel* m_pStipulation = nullptr;
-    QToolButton* m_pNumber = nullptr;
+    TClickButton* m_pNumber = nullptr;
     QListWidget* m_pMoves = nullptr;
     QLabel* m_pMovesTitle = nullptr;
     QLabel* m_pProgressTitle = nullptr;
     QPlainTextEdit* m_pProgress = nullptr;
     TClickButton* m_pStart = nullptr;
     bool m_bProgressLarge = false;
+    TUpDownButton* m_pThreadsTool = nullptr;
+    QLabel* m_pRegisterCount = nullptr;  // the positions in the temporary register
+    bool m_bRemainingMoves = false;
+    int m_nPeek = 0;  // the observed line shown: 0 all, k the k-th      // the moves made numbered by the
+                      // moves left, not ordinally
+    QSystemTrayIcon* m_pTray = nullptr;  // none where the desktop has no tray
 };
 
 }  // namespace moremate::ui

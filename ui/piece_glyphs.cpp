@@ -48,4 +48,12 @@ void DrawPiece(QPainter& painter, const QRectF& square, Piece piece) {
     painter.restore();
 }
 
+QIcon PieceIcon(Piece piece) {
+    QPixmap pixmap(32, 32);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    DrawPiece(painter, QRectF(0, 0, 32, 32), piece);
+    return QIcon(pixmap);
+}
+
 }  // namespace moremate::ui

@@ -2,6 +2,7 @@
 // path, filled in the piece's colour and edged in the other, so that it stays sharp at any size.
 #pragma once
 
+#include <QIcon>
 #include <QPainter>
 #include <QRectF>
 
@@ -13,5 +14,8 @@ namespace moremate::ui {
 inline constexpr const char* kBoardFontFamily = "DejaVu Sans";
 
 void DrawPiece(QPainter& painter, const QRectF& square, Piece piece);
+
+// An icon of one piece (the hand of the position setting mode, the tray icon).
+QIcon PieceIcon(Piece piece);
 
 }  // namespace moremate::ui

@@ -1,9 +1,11 @@
 #include "piece_palette.h"
 
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <array>
 
+#include "piece_drag.h"
 #include "piece_glyphs.h"
 
 namespace moremate::ui {
@@ -54,10 +56,30 @@ void TPiecePalette::paintEvent(QPaintEvent*) {
     }
 }
 
-void TPiecePalette::mousePressEvent(QMouseEvent* event) {
+std::optional<size_t> TPiecePalette::CellAt(const QPointF& point) const {
     for (size_t i = 0; i < kCells.size(); ++i)
-        if (CellRect(i).contains(event->position()))
-            Choose(m_chosen == kCells[i] ? std::nullopt : std::optional(kCells[i]));
+        if (CellRect(i).contains(point)) return i;
+    return std::nullopt;
+}
+
+void TPiecePalette::mousePressEvent(QMouseEvent* event) {
+    m_pressed = CellAt(event->position());
+    m_pointPressed = event->position().toPoint();
+}
+
+// A click (a press and a release without a drag between) chooses the cell, or drops the choice.
+void TPiecePalette::mouseReleaseEvent(QMouseEvent*) {
+    if (m_pressed) Choose(m_chosen == kCells[*m_pressed] ? std::nullopt : std::optional(kCells[*m_pressed]));
+    m_pressed.reset();
+}
+
+void TPiecePalette::mouseMoveEvent(QMouseEvent* event) {
+    if (!m_pressed || kCells[*m_pressed] == kEmpty ||
+        (event->position().toPoint() - m_pointPressed).manhattanLength() < QApplication::startDragDistance())
+        return;
+    const Piece piece = kCells[*m_pressed];
+    m_pressed.reset();
+    DragPiece(this, {piece, kNoSquare});
 }
 
 }  // namespace moremate::ui

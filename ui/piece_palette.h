@@ -1,5 +1,6 @@
 // TPiecePalette: the pieces offered in the position setting mode, White's and Black's six and an
-// empty cell that clears squares. A click chooses one; the board's click then puts it down.
+// empty cell that clears squares. A click chooses one; the board's click then puts it down. A
+// piece may also be dragged onto the board.
 #pragma once
 
 #include <QWidget>
@@ -23,11 +24,16 @@ class TPiecePalette : public QWidget {
   protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
   private:
     QRectF CellRect(size_t index) const;
+    std::optional<size_t> CellAt(const QPointF& point) const;
 
     std::optional<Piece> m_chosen;
+    std::optional<size_t> m_pressed;  // the cell of a press that may become a drag
+    QPoint m_pointPressed;
 };
 
 }  // namespace moremate::ui

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "core/chess_exception.h"
+#include "problem_search.h"
 #include "problems/format/collection_files.h"
 #include "problems/format/collection_reader.h"
 
@@ -86,15 +87,58 @@ bool TProblemCollection::GoForward() {
     return Step(m_vForward, m_vBack);
 }
 
+bool TProblemCollection::Find(const std::string& query, bool forward) {
+    for (size_t i = m_nCurrent; forward ? i + 1 < m_vEntries.size() : i > 0;) {
+        i = forward ? i + 1 : i - 1;
+        if (ProblemMatches(m_vEntries[i], query)) return GoTo(i);
+    }
+    return false;
+}
+
+uint32_t TProblemCollection::HighestNumber() const {
+    uint32_t highest = 0;
+    for (const ProblemEntry& e : m_vEntries) highest = std::max(highest, e.m_nNumber);
+    return highest;
+}
+
 void TProblemCollection::AddProblem() {
     std::vector<ProblemEntry> fresh;
     ReadCollectionText(kNewCollectionText, fresh, {});
-    uint32_t highest = 0;
-    for (const ProblemEntry& e : m_vEntries) highest = std::max(highest, e.m_nNumber);
-    fresh.front().m_nNumber = highest + 1;
-    m_vEntries.push_back(fresh.front());
+    AddProblems(std::move(fresh));
+}
+
+void TProblemCollection::AddProblems(std::vector<ProblemEntry> entries) {
+    if (entries.empty()) return;
+    const size_t first = m_vEntries.size();
+    uint32_t number = HighestNumber();
+    for (ProblemEntry& e : entries) {
+        e.m_nNumber = ++number;
+        m_vEntries.push_back(std::move(e));
+    }
     m_bModified = true;
-    GoTo(m_vEntries.size() - 1);
+    GoTo(first);
+}
+
+size_t TProblemCollection::RemovePresentIn(const std::vector<ProblemEntry>& others) {
+    const auto present = [&others](const ProblemEntry& e) {
+        return std::any_of(others.begin(), others.end(),
+                           [&e](const ProblemEntry& o) { return SameProblem(e, o); });
+    };
+    std::vector<ProblemEntry> kept;
+    size_t current = 0;
+    for (size_t i = 0; i < m_vEntries.size(); ++i) {
+        if (i == m_nCurrent) current = kept.size();
+        if (!present(m_vEntries[i])) kept.push_back(m_vEntries[i]);
+    }
+    if (kept.empty()) kept.push_back(m_vEntries.back());
+    const size_t removed = m_vEntries.size() - kept.size();
+    if (removed == 0) return 0;
+    m_vEntries = std::move(kept);
+    m_nCurrent = std::min(current, m_vEntries.size() - 1);
+    m_vBack.clear();
+    m_vForward.clear();
+    m_bModified = true;
+    return removed;
 }
 
 void TProblemCollection::Moved(size_t from) {

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <string>
 #include <vector>
 
 #include "problems/format/problem_entry.h"
@@ -30,6 +31,7 @@ class TProblemCollection {
     size_t CurrentIndex() const { return m_nCurrent; }
     const ProblemEntry& Current() const { return m_vEntries.at(m_nCurrent); }
     const ProblemEntry& At(size_t index) const { return m_vEntries.at(index); }
+    const std::vector<ProblemEntry>& Entries() const { return m_vEntries; }
     // Replaces a record; the collection counts as modified when it differs.
     void Set(size_t index, const ProblemEntry& entry);
     void SetCurrent(const ProblemEntry& entry) { Set(m_nCurrent, entry); }
@@ -44,13 +46,24 @@ class TProblemCollection {
     bool GoToNumber(uint32_t number);
     bool GoBack();
     bool GoForward();
+    // Goes to the next problem after the current one (or the one before it) that `query`
+    // matches (ProblemMatches); false when none does.
+    bool Find(const std::string& query, bool forward);
 
     // Adds a problem after the last one, numbered one above the highest number, with the two
     // kings of a new collection, and goes to it.
     void AddProblem();
+    // Adds `entries` after the last problem, renumbered upwards from one above the highest
+    // number, and goes to the first of them.
+    void AddProblems(std::vector<ProblemEntry> entries);
+    // Removes the problems that `others` also holds (SameProblem); the current problem is the
+    // first one left at or after it. The history of viewed problems is dropped. Never empties
+    // the collection: the number of problems removed is returned (all but one at most).
+    size_t RemovePresentIn(const std::vector<ProblemEntry>& others);
 
   private:
     void Moved(size_t from);
+    uint32_t HighestNumber() const;
 
     std::vector<ProblemEntry> m_vEntries;
     std::filesystem::path m_pathFile;

@@ -2,6 +2,8 @@
 // member that carries it out; the menus and the toolbar are built from it.
 #include <QAction>
 #include <QActionGroup>
+#include <QCheckBox>
+#include <QLabel>
 #include <QMenuBar>
 #include <QPainter>
 #include <QStyle>
@@ -10,6 +12,7 @@
 #include "click_button.h"
 #include "main_window.h"
 #include "piece_glyphs.h"
+#include "up_down_button.h"
 
 namespace moremate::ui {
 
@@ -29,6 +32,7 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"file.save", "menu.file", "Ctrl+S", &TMainWindow::Save},
         {"file.saveas", "menu.file", "", &TMainWindow::SaveAs},
         {"file.append", "menu.file", "", &TMainWindow::AppendFile},
+        {"file.remove", "menu.file", "", &TMainWindow::RemovePresentElsewhere},
         {"file.exit", "menu.file", "", nullptr},
         {"pos.copy", "menu.position", "Ctrl+C", &TMainWindow::CopyProblem},
         {"pos.copynovar", "menu.position", "", &TMainWindow::CopyWithoutVariants},
@@ -37,8 +41,14 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"pos.copyfullfen", "menu.position", "", &TMainWindow::CopyFullFen},
         {"pos.paste", "menu.position", "Ctrl+V", &TMainWindow::Paste},
         {"pos.pastemirror", "menu.position", "", &TMainWindow::PasteAsMirror},
+        {"pos.bulk", "menu.position", "", &TMainWindow::BulkPaste},
+        {"pos.bulkprized", "menu.position", "", &TMainWindow::BulkPastePrized},
         {"pos.rotate", "menu.position", "", &TMainWindow::RotatePosition},
         {"pos.swap", "menu.position", "", &TMainWindow::SwapColoursCommand},
+        {"pos.left", "menu.position", "Ctrl+L", &TMainWindow::ShiftLeft},
+        {"pos.right", "menu.position", "Ctrl+R", &TMainWindow::ShiftRight},
+        {"pos.up", "menu.position", "Ctrl+U", &TMainWindow::ShiftUp},
+        {"pos.down", "menu.position", "Ctrl+D", &TMainWindow::ShiftDown},
         {"pos.copymoves", "menu.position", "", &TMainWindow::CopyMoves},
         {"pos.setting", "menu.position", "", &TMainWindow::ToggleSettingMode},
         {"pos.stipup", "menu.position", "", &TMainWindow::StipulationUp},
@@ -51,9 +61,12 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"prob.all", "menu.problem", "Shift+F5", &TMainWindow::SolveAll},
         {"prob.whole", "menu.problem", "Alt+F5", &TMainWindow::SolveAndShowVariant},
         {"prob.defence", "menu.problem", "", &TMainWindow::FindDefence},
+        {"prob.thorough", "menu.problem", "", &TMainWindow::FindThoroughDefence},
         {"prob.stop", "menu.problem", "", &TMainWindow::StopRun},
         {"prob.pause", "menu.problem", "", &TMainWindow::PauseRun},
+        {"prob.pauseone", "menu.problem", "", &TMainWindow::PauseOneThread},
         {"prob.resume", "menu.problem", "", &TMainWindow::ResumeRun},
+        {"prob.settings", "menu.problem", "", &TMainWindow::ShowRunSettings},
         {"prob.skip", "menu.problem", "", &TMainWindow::SkipMove},
         {"prob.hybrid", "menu.problem", "", &TMainWindow::SolveHybrid},
         {"prob.brute", "menu.problem", "", &TMainWindow::SolveBruteForce},
@@ -66,7 +79,12 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"prob.last", "menu.problem", "Ctrl+End", &TMainWindow::LastProblem},
         {"prob.history", "menu.problem", "Ctrl+-", &TMainWindow::HistoryBack},
         {"prob.return", "menu.problem", "Ctrl++", &TMainWindow::HistoryForward},
+        {"prob.find", "menu.problem", "Ctrl+F", &TMainWindow::FindCommand},
+        {"prob.findnext", "menu.problem", "F3", &TMainWindow::FindNext},
+        {"prob.findprev", "menu.problem", "Shift+F3", &TMainWindow::FindPrevious},
         {"prob.select", "menu.problem", "Ctrl+G", &TMainWindow::SelectNumber},
+        {"prob.list", "menu.problem", "Ctrl+Shift+G", &TMainWindow::SelectFromList},
+        {"prob.similar", "menu.problem", "", &TMainWindow::SimilarPositions},
         {"view.rotate", "menu.view", "", &TMainWindow::RotateView},
         {"view.progress", "menu.view", "", &TMainWindow::ToggleProgressSize},
         {"var.savemain", "menu.variant", "", &TMainWindow::SaveMainVariant},
@@ -76,6 +94,16 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"adv.regstatus", "menu.advanced", "", &TMainWindow::RegisterStatus},
         {"adv.clearreg", "menu.advanced", "", &TMainWindow::ClearRegister},
         {"adv.globalstatus", "menu.advanced", "", &TMainWindow::GlobalRegisterStatus},
+        {"prio.high", "menu.priority", "", &TMainWindow::PriorityHigh},
+        {"prio.above", "menu.priority", "", &TMainWindow::PriorityAboveNormal},
+        {"prio.normal", "menu.priority", "", &TMainWindow::PriorityNormal},
+        {"prio.below", "menu.priority", "", &TMainWindow::PriorityBelowNormal},
+        {"prio.low", "menu.priority", "", &TMainWindow::PriorityLow},
+        {"help.manual", "menu.help", "", &TMainWindow::OpenManual},
+        {"help.readme", "menu.help", "", &TMainWindow::OpenReadme},
+        {"help.faq", "menu.help", "", &TMainWindow::OpenFaq},
+        {"help.hints", "menu.help", "", &TMainWindow::OpenHints},
+        {"help.modes", "menu.help", "", &TMainWindow::OpenSolutionModes},
         {"help.about", "menu.help", "", &TMainWindow::About},
         {"help.threads", "menu.help", "", &TMainWindow::ChooseThreads},
         {"lang.polish", "menu.language", "", &TMainWindow::Polish},
@@ -114,19 +142,6 @@ void TMainWindow::BuildMenus() {
     }
 }
 
-namespace {
-
-// A tool icon drawn from a piece glyph: the hand of the position setting mode.
-QIcon PieceIcon(Piece piece) {
-    QPixmap pixmap(32, 32);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    DrawPiece(painter, QRectF(0, 0, 32, 32), piece);
-    return QIcon(pixmap);
-}
-
-}  // namespace
-
 void TMainWindow::BuildToolBar() {
     QToolBar* bar = addToolBar("tools");
     bar->setMovable(false);
@@ -153,16 +168,24 @@ void TMainWindow::BuildToolBar() {
     });
     tool("file.save", "tip.save", s->standardIcon(QStyle::SP_DialogSaveButton));
     tool("pos.setting", "tip.setting", PieceIcon(MakePiece(kWhite, kKnight)));
+    AddThreadsTool(bar);
     tool("view.rotate", "tip.rotate", s->standardIcon(QStyle::SP_BrowserReload));
     tool("adv.options", "tip.options", s->standardIcon(QStyle::SP_FileDialogDetailedView));
     tool("view.progress", "tip.progress", s->standardIcon(QStyle::SP_TitleBarUnshadeButton));
     bar->addSeparator();
+    m_pRegisterCount = new QLabel("0", bar);
+    m_pRegisterCount->setMinimumWidth(64);
+    m_pRegisterCount->setAlignment(Qt::AlignCenter);
+    m_tips[m_pRegisterCount] = "tip.registercount";
+    bar->addWidget(m_pRegisterCount);
     m_pStart = new TClickButton(bar);
     m_pStart->setAutoRaise(true);
     m_tips[m_pStart] = "tip.start";
     connect(m_pStart, &QToolButton::clicked, this, &TMainWindow::StartOrStop);
-    connect(m_pStart, &TClickButton::RightClicked, this, [this] {
-        if (!Analysing()) return SolveAll();
+    connect(m_pStart, &TClickButton::RightClicked, this, [this](Qt::KeyboardModifiers modifiers) {
+        if (!Analysing())
+            return m_nShown > 0 && !ShownBoard().WhiteToMove() ? FindThoroughDefence() : SolveAll();
+        if (modifiers & Qt::ControlModifier) return PauseOneThread();
         m_run.Paused() ? ResumeRun() : PauseRun();
     });
     connect(m_pStart, &TClickButton::MiddleClicked, this, &TMainWindow::SolveAndShowVariant);
@@ -170,6 +193,62 @@ void TMainWindow::BuildToolBar() {
     bar->addSeparator();
     tool("prob.prev", "tip.prev", s->standardIcon(QStyle::SP_MediaSeekBackward));
     tool("prob.next", "tip.next", s->standardIcon(QStyle::SP_MediaSeekForward));
+    AddPeekTool(bar);
+    AddVariantTools(bar);
+}
+
+// The threads of the next run: the upper half of the tool adds one, the lower half takes one.
+void TMainWindow::AddThreadsTool(QToolBar* bar) {
+    m_pThreadsTool = new TUpDownButton(bar);
+    m_pThreadsTool->setObjectName("tool.threads");
+    m_pThreadsTool->setAutoRaise(true);
+    m_pThreadsTool->setMinimumWidth(32);
+    m_tips[m_pThreadsTool] = "tip.threads";
+    connect(m_pThreadsTool, &TUpDownButton::Up, this, [this] { SetThreads(m_nThreads + 1); });
+    connect(m_pThreadsTool, &TUpDownButton::Down, this, [this] { SetThreads(m_nThreads - 1); });
+    bar->addWidget(m_pThreadsTool);
+    SetThreads(m_nThreads);
+}
+
+void TMainWindow::SetThreads(int threads) {
+    m_nThreads = std::clamp(threads, 1, kMaxThreads);
+    m_pThreadsTool->setText(QString::number(m_nThreads));
+}
+
+// The thread whose line the progress area shows: "A" all of them, else the k-th line.
+void TMainWindow::AddPeekTool(QToolBar* bar) {
+    auto* peek = new TUpDownButton(bar);
+    peek->setObjectName("tool.peek");
+    peek->setAutoRaise(true);
+    peek->setMinimumWidth(32);
+    peek->setText("A");
+    m_tips[peek] = "tip.peek";
+    const auto step = [this, peek](int delta) {
+        m_nPeek = std::clamp(m_nPeek + delta, 0, kMaxThreads);
+        peek->setText(m_nPeek == 0 ? QString("A") : QString::number(m_nPeek));
+    };
+    connect(peek, &TUpDownButton::Up, this, [step] { step(1); });
+    connect(peek, &TUpDownButton::Down, this, [step] { step(-1); });
+    bar->addWidget(peek);
+}
+
+// The numbering of the moves made, and the main variant's tool.
+void TMainWindow::AddVariantTools(QToolBar* bar) {
+    auto* remaining = new QCheckBox(bar);
+    remaining->setObjectName("tool.remaining");
+    m_tips[remaining] = "tip.remaining";
+    connect(remaining, &QCheckBox::toggled, this, [this](bool on) {
+        m_bRemainingMoves = on;
+        ShowMoves();
+    });
+    bar->addWidget(remaining);
+    auto* main = new TClickButton(bar);
+    main->setAutoRaise(true);
+    main->setIcon(PieceIcon(MakePiece(kWhite, kQueen)));
+    m_tips[main] = "tip.mainvariant";
+    connect(main, &QToolButton::clicked, this, &TMainWindow::SaveMainVariant);
+    connect(main, &TClickButton::RightClicked, this, [this] { Menu("menu.variant")->popup(QCursor::pos()); });
+    bar->addWidget(main);
 }
 
 }  // namespace moremate::ui

@@ -1,6 +1,7 @@
 // The main window's engine commands: starting a run of the current problem on the engine
 // thread, steering it, showing its progress, and writing its results into the problem.
 #include <QInputDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QStyle>
@@ -55,12 +56,18 @@ void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
     }
     m_nRunIndex = m_collection.CurrentIndex();
     m_pProgress->setPlainText(Text("label.running"));
+    m_sRunSettings = RunSettingsText(bruteForce     ? "mode.brute"
+                                     : hybrid       ? "mode.hybrid"
+                                     : allSolutions ? "mode.all"
+                                                    : "mode.first",
+                                     settings.threads, settings.levels);
     m_run.Start(entry, settings, m_options, *m_pRunRegister);
     UpdateRunState();
 }
 
-// Black's best defence in the position shown, reached by White's move made on the board.
-void TMainWindow::FindDefence() {
+// Black's best defence in the position shown, reached by White's move made on the board; the
+// thorough one also lists every reply with White's mate after it.
+void TMainWindow::StartDefence(bool thorough) {
     if (Analysing() || m_collection.Size() == 0) return;
     const TChessboard shown = ShownBoard();
     if (m_nShown == 0 || shown.WhiteToMove()) {
@@ -74,7 +81,8 @@ void TMainWindow::FindDefence() {
     const TOptions options = m_options;
     m_nRunIndex = m_collection.CurrentIndex();
     m_pProgress->setPlainText(Text("label.running"));
-    m_run.StartWork([entry, before, key, options](CRunControl& control) {
+    m_sRunSettings = RunSettingsText(thorough ? "mode.thorough" : "mode.defence", 1, 1);
+    m_run.StartWork([entry, before, key, options, thorough](CRunControl& control) {
         TSolvingTask task = MakeSolvingTask(entry);
         if (!before.empty()) PlayMovesAfter(task, MoveSequenceText(task.position, before));
         task.position.problem = &task.root;
@@ -90,9 +98,10 @@ void TMainWindow::FindDefence() {
         report.problem = entry.m_nNumber;
         report.result = "defence";
         try {
+            const TDefence defence = FindBlackDefence(search, afterKey);
             report.outcome = "Thread looking for black's defence in problem " +
-                             std::to_string(entry.m_nNumber) + "\n" +
-                             DefenceText(afterKey, FindBlackDefence(search, afterKey));
+                             std::to_string(entry.m_nNumber) + "\n" + DefenceText(afterKey, defence);
+            if (thorough) report.outcome.append("\n").append(EveryReplyText(afterKey, defence));
         } catch (const TSearchStopped&) {
             report.result = "stopped";
             report.outcome = kAnalysisStoppedText;
@@ -123,20 +132,42 @@ void TMainWindow::PauseRun() {
     UpdateRunState();
 }
 
+void TMainWindow::PauseOneThread() {
+    if (Analysing()) m_run.HoldOneThread();
+    UpdateRunState();
+}
+
+QString TMainWindow::RunSettingsText(const char* mode, int threads, int levels) const {
+    const ProblemEntry& entry = m_collection.Current();
+    const auto yesNo = [this](bool yes) { return Text(yes ? "label.yes" : "label.no"); };
+    return Text("label.runsettings")
+        .arg(QString::number(entry.m_nNumber), QString::number(entry.StipulationMoves()), Text(mode),
+             QString::number(threads), QString::number(levels),
+             QString::number(std::max(0, static_cast<int>(m_options.m_shObserverLevels))),
+             yesNo(m_options.m_bQuickMode), yesNo(m_options.m_bUseGlobalRules),
+             yesNo(m_options.m_shLichessLevels > 0));
+}
+
+void TMainWindow::ShowRunSettings() {
+    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
+                      (Analysing() ? m_sRunSettings : Text("msg.norun")).toStdString());
+}
+
 void TMainWindow::ResumeRun() {
     if (Analysing()) m_run.Resume();
     UpdateRunState();
 }
 
-void TMainWindow::SkipMove() {
-    if (Analysing() && !m_run.Skip())
+void TMainWindow::SkipMoves(size_t count) {
+    if (Analysing() && !m_run.Skip(count))
         m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), kSkipFailedText);
 }
 
 void TMainWindow::ShowProgress(const TRunProgress& progress) {
     if (!Analysing()) return;
     m_pProgress->setPlainText(
-        ProgressAreaText(progress, TGlobalRegisters::Instance().MemoryBytes(), m_nLanguage));
+        ProgressAreaText(progress, TGlobalRegisters::Instance().MemoryBytes(), m_nLanguage, m_nPeek));
+    ShowRegisterCount();
 }
 
 // The keys go into the record's answer when it has none, and the main line of the first key
@@ -159,6 +190,7 @@ void TMainWindow::WriteResult(ProblemEntry& entry, const TProblemReport& report)
 
 void TMainWindow::RunFinished(const TProblemReport& report) {
     UpdateRunState();
+    ShowRegisterCount();
     QString text = QString::fromStdString(report.outcome).trimmed();
     if (!report.keysLong.empty()) {
         QStringList keys;
@@ -196,9 +228,10 @@ void TMainWindow::RunFinished(const TProblemReport& report) {
 void TMainWindow::UpdateRunState() {
     const bool running = Analysing();
     m_pStart->setIcon(style()->standardIcon(running ? QStyle::SP_MediaStop : QStyle::SP_MediaPlay));
-    for (const char* id : {"prob.stop", "prob.pause", "prob.resume", "prob.skip"})
+    for (const char* id : {"prob.stop", "prob.pause", "prob.pauseone", "prob.resume", "prob.skip"})
         m_actions.at(id)->setEnabled(running);
-    for (const char* id : {"prob.solve", "prob.all", "prob.hybrid", "prob.brute"})
+    for (const char* id :
+         {"prob.solve", "prob.all", "prob.hybrid", "prob.brute", "prob.defence", "prob.thorough"})
         m_actions.at(id)->setEnabled(!running);
     m_pDescription->setReadOnly(running);
     Say(running ? (m_run.Paused() ? Title("prob.pause") : Text("label.running")) : Text("label.ready"));
@@ -210,6 +243,15 @@ void TMainWindow::ClearRegister() {
         return;
     }
     m_pRunRegister.reset();
+    ShowRegisterCount();
+}
+
+// The register's counters are atomic: they are read while the engine fills it.
+void TMainWindow::ShowRegisterCount() {
+    const uint64_t count = m_pRunRegister ? uint64_t{m_pRunRegister->WhiteToMove().ElementCount()} +
+                                                m_pRunRegister->BlackToMove().ElementCount()
+                                          : 0;
+    m_pRegisterCount->setText(QString::number(count));
 }
 
 void TMainWindow::RegisterStatus() {
@@ -241,9 +283,9 @@ void TMainWindow::TestCrash() {
 
 void TMainWindow::ChooseThreads() {
     bool ok = false;
-    const int threads =
-        QInputDialog::getInt(this, Text("label.threads"), Text("label.threads"), m_nThreads, 1, 64, 1, &ok);
-    if (ok) m_nThreads = threads;
+    const int threads = QInputDialog::getInt(this, Text("label.threads"), Text("label.threads"), m_nThreads,
+                                             1, kMaxThreads, 1, &ok);
+    if (ok) SetThreads(threads);
 }
 
 }  // namespace moremate::ui

@@ -9,6 +9,8 @@
 #include <QToolButton>
 
 #include "board_widget.h"
+#include "bulk_paste.h"
+#include "click_button.h"
 #include "core/chess_exception.h"
 #include "core/chessboard_id.h"
 #include "core/fen.h"
@@ -69,6 +71,7 @@ void TMainWindow::ShowProblemHeader() {
     m_pDescription->setText(QString::fromStdString(entry.m_sDescription));
     m_pDescription->setCursorPosition(0);
     m_pStipulation->setText(StipulationText(entry));
+    ShowLinks();
     UpdateTitle();
 }
 
@@ -100,7 +103,11 @@ void TMainWindow::ShowMoves() {
     const std::vector<TChessboard> line = PlayLine(start, m_vMoves, m_vMoves.size());
     for (size_t i = 0; i < m_vMoves.size(); ++i) {
         const bool white = line[i].WhiteToMove();
-        const size_t number = (i + (start.WhiteToMove() ? 0 : 1)) / 2 + 1;
+        const size_t ordinal = (i + (start.WhiteToMove() ? 0 : 1)) / 2 + 1;
+        const int moves = m_collection.Current().StipulationMoves();
+        const bool remaining = m_bRemainingMoves && m_collection.Current().m_type == ProblemType::Directmate;
+        const int64_t number =
+            remaining ? moves - static_cast<int64_t>(ordinal) + 1 : static_cast<int64_t>(ordinal);
         const QString text = QString("%1%2 %3")
                                  .arg(number)
                                  .arg(white ? "." : "...")
@@ -141,30 +148,33 @@ void TMainWindow::ChangeStipulation(int delta) {
     });
 }
 
-// The squares as edited, with the derived fields of a valid position when it is one; the rule
-// it breaks goes to the status bar.
 void TMainWindow::ClickInSettingMode(int square, Qt::MouseButton button) {
     const std::optional<Piece> chosen = m_pPalette->Chosen();
-    int from = kNoSquare;
-    Piece put = kEmpty;
-    if (button == Qt::RightButton) {
-        put = kEmpty;
-    } else if (chosen) {
-        put = *chosen;
-    } else if (m_nPicked < 64) {
-        from = m_nPicked;
-        put = m_collection.Current().m_position.board.squares[from];
+    if (button == Qt::RightButton) return PutPiece(kNoSquare, square, kEmpty);
+    if (chosen) return PutPiece(kNoSquare, square, *chosen);
+    if (m_nPicked < 64) {
+        const int from = m_nPicked;
         m_nPicked = kNoSquare;
-    } else {
-        if (m_collection.Current().m_position.board.squares[square] != kEmpty) m_nPicked = square;
-        m_pBoard->SetMarked(m_nPicked);
-        return;
+        return PutPiece(from, square, m_collection.Current().m_position.board.squares[from]);
     }
+    if (m_collection.Current().m_position.board.squares[square] != kEmpty) m_nPicked = square;
+    m_pBoard->SetMarked(m_nPicked);
+}
+
+void TMainWindow::DropPiece(int from, int to, Piece piece) {
+    if (!m_bSettingMode) return;
+    m_nPicked = kNoSquare;
+    PutPiece(from, to, piece);
+}
+
+// The squares as edited, with the derived fields of a valid position when it is one; the rule
+// it breaks goes to the status bar.
+void TMainWindow::PutPiece(int from, int to, Piece piece) {
     QString problem;
     Edit([&](ProblemEntry& e) {
         TChessboard& board = e.m_position.board;
         if (from < 64) board.squares[from] = kEmpty;
-        board.squares[square] = put;
+        if (to < 64) board.squares[to] = piece;
         try {
             Validate(board, true);
         } catch (const ChessException& ex) {
@@ -228,6 +238,7 @@ void TMainWindow::ToggleSettingMode() {
     m_nPicked = kNoSquare;
     m_pPalette->Choose(std::nullopt);
     m_pPalette->setVisible(m_bSettingMode);
+    m_pBoard->SetDragging(m_bSettingMode);
     if (m_bSettingMode) {
         m_vMoves.clear();
         m_nShown = 0;
@@ -303,6 +314,35 @@ void TMainWindow::PasteAsMirror() {
     } catch (const ChessException& e) {
         ReportPasteFailure(e.what());
     }
+}
+
+// The problems of the clipboard go after the last one; the first of them is shown.
+void TMainWindow::BulkPasteText(bool prizedOnly) {
+    if (RefuseWhileAnalysing()) return;
+    const TBulkPaste paste =
+        ReadBulkPaste(QApplication::clipboard()->text().toStdString(),
+                      m_options.m_nMaxStipulationForBulkInsert, prizedOnly, {&m_reporter, m_nLanguage});
+    if (!paste.entries.empty()) {
+        m_collection.AddProblems(paste.entries);
+        m_history.Clear();
+        ShowProblem();
+    }
+    std::string text = Text("msg.bulkadded").arg(paste.entries.size()).toStdString();
+    for (const std::string& fault : paste.faults) text += "\n" + fault;
+    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), text);
+}
+
+void TMainWindow::ShiftPosition(int files, int ranks) {
+    QString problem;
+    try {
+        Edit([&](ProblemEntry& e) {
+            if (const auto fault = Shift(e.m_position.board, files, ranks))
+                problem = QString::fromStdString(*fault);
+        });
+    } catch (const ChessException& e) {
+        problem = e.what();
+    }
+    if (!problem.isEmpty()) Say(problem);
 }
 
 void TMainWindow::RotatePosition() {

@@ -1,5 +1,7 @@
 #include "black_defence.h"
 
+#include <algorithm>
+
 #include "core/notation.h"
 
 namespace moremate {
@@ -30,6 +32,7 @@ TDefence FindBlackDefence(TMateSearch& search, const TChessboard& node) {
         TChessboard child;
         PlayMove(node, m, child);
         const int mateIn = search.ShortestMate(child);
+        defence.each.emplace_back(m, mateIn);
         if (mateIn == 0) {
             defence.refutations.push_back(m);
         } else if (mateIn > defence.mateIn) {
@@ -40,6 +43,21 @@ TDefence FindBlackDefence(TMateSearch& search, const TChessboard& node) {
         }
     }
     return defence;
+}
+
+std::string EveryReplyText(const TChessboard& node, const TDefence& defence) {
+    std::vector<std::pair<TMove, int>> replies = defence.each;
+    const auto resistance = [](int mateIn) { return mateIn == 0 ? 1 << 30 : mateIn; };
+    std::stable_sort(replies.begin(), replies.end(), [&](const auto& a, const auto& b) {
+        return resistance(a.second) > resistance(b.second);
+    });
+    std::string text = "Every reply:";
+    for (const auto& [move, mateIn] : replies) {
+        text += "\n";
+        text += MoveToText(node, move);
+        text += mateIn == 0 ? std::string(" (no mate)") : " (#" + std::to_string((mateIn + 1) / 2) + ")";
+    }
+    return text;
 }
 
 std::string DefenceText(const TChessboard& node, const TDefence& defence) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/chessboard.h"
@@ -11,10 +12,11 @@
 namespace moremate {
 
 struct TDefence {
-    int replies = 0;                 // Black's legal moves
-    std::vector<TMove> refutations;  // replies after which White has no mate in the moves left
-    std::vector<TMove> best;         // without a refutation: the replies that put mate off longest
-    int mateIn = 0;                  // White's mate after the best replies, in half-moves
+    int replies = 0;                          // Black's legal moves
+    std::vector<TMove> refutations;           // replies after which White has no mate in the moves left
+    std::vector<TMove> best;                  // without a refutation: the replies that put mate off longest
+    int mateIn = 0;                           // White's mate after the best replies, in half-moves
+    std::vector<std::pair<TMove, int>> each;  // every reply with White's mate after it (0: none)
 };
 
 // `node` has Black to move and `node.movesLeft` half-moves to the end of the stipulation.
@@ -23,5 +25,9 @@ TDefence FindBlackDefence(TMateSearch& search, const TChessboard& node);
 // "Mate in the requested stipulation was refuted with: ...", "Not found any defence against mate.
 // The best looks: ...", "The only reply: ...", "No valid move found", with equivalent moves.
 std::string DefenceText(const TChessboard& node, const TDefence& defence);
+
+// The thorough report: every reply with White's mate after it, "Kb1 (#2)", or "Kb1 (no mate)",
+// the longest resistance first.
+std::string EveryReplyText(const TChessboard& node, const TDefence& defence);
 
 }  // namespace moremate

@@ -28,9 +28,17 @@ void CRunControl::Pause() {
     UpdateAttention();
 }
 
+void CRunControl::HoldOneThread() {
+    std::lock_guard lock(m_mutex);
+    ++m_nHoldsPending;
+    UpdateAttention();
+}
+
 void CRunControl::Resume() {
     std::lock_guard lock(m_mutex);
     m_bPaused = false;
+    m_nHoldsPending = 0;
+    ++m_nResumes;
     UpdateAttention();
     m_cvResume.notify_all();
 }
@@ -40,16 +48,18 @@ int CRunControl::HeldThreads() const {
     return m_nHeld;
 }
 
-bool CRunControl::Skip() {
+bool CRunControl::Skip(size_t count) {
     std::lock_guard lock(m_mutex);
     const TSlot* first = nullptr;
     for (const TSlot* slot : m_vAnalysed)
         if (!slot->bSkip && (!first || slot->index < first->index)) first = slot;
     if (!first) return false;
-    const size_t index = first->index;
-    m_vSkipped.push_back(index);
+    const size_t from = first->index;
+    for (size_t index = from; index < from + count; ++index)
+        if (std::find(m_vSkipped.begin(), m_vSkipped.end(), index) == m_vSkipped.end())
+            m_vSkipped.push_back(index);
     for (TSlot* slot : m_vAnalysed) {
-        if (slot->index != index) continue;
+        if (slot->index < from || slot->index >= from + count || slot->bSkip) continue;
         slot->bSkip = true;
         ++m_nSkipsPending;
     }
@@ -87,12 +97,20 @@ void CRunControl::Attend() {
         ++m_nHeld;
         m_cvResume.wait(lock, [this] { return !m_bPaused || m_bStop; });
         --m_nHeld;
+    } else if (m_nHoldsPending > 0 && !m_bStop) {
+        --m_nHoldsPending;
+        UpdateAttention();
+        ++m_nHeld;
+        const unsigned resumes = m_nResumes;
+        m_cvResume.wait(lock, [this, resumes] { return m_nResumes != resumes || m_bStop; });
+        --m_nHeld;
     }
     if (s_pAnalysed && s_pAnalysed->bSkip && !m_bStop) throw TMoveSkipped{};
 }
 
 void CRunControl::UpdateAttention() {
-    m_nAttention.store(m_bPaused || m_nSkipsPending > 0 ? 1 : 0, std::memory_order_relaxed);
+    m_nAttention.store(m_bPaused || m_nSkipsPending > 0 || m_nHoldsPending > 0 ? 1 : 0,
+                       std::memory_order_relaxed);
 }
 
 CRunControl::TFirstMove::TFirstMove(CRunControl& control, size_t index)

@@ -1,8 +1,8 @@
 // CRunControl: what the interface asks of a solving run while it runs, and what the run is doing
 // at the moment. Stop ends the run; pause holds every search thread at its next node until resume
-// or stop; skip ends the analysis of the first White move being analysed, and the run goes on
-// with the next one. The search sees the control through TSearchEnvironment::control and polls it
-// at every node, next to the stop flag.
+// or stop, and pausing one thread holds a single one; skip ends the analysis of the first White move being
+// analysed, and the run goes on with the next one. The search sees the control through
+// TSearchEnvironment::control and polls it at every node, next to the stop flag.
 //
 //     CRunControl control;
 //     request.environment.control = &control;
@@ -49,12 +49,16 @@ class CRunControl {
     void Pause();
     void Resume();
     bool Paused() const { return m_bPaused.load(); }
+    // Holds the next search thread to reach a node until resume or stop, the others going on:
+    // the run then uses one thread fewer. Each call holds one more thread.
+    void HoldOneThread();
     // Search threads waiting for the resume.
     int HeldThreads() const;
 
-    // Skips the first move with the lowest index among those being analysed and not yet skipped.
+    // Skips the first move with the lowest index among those being analysed and not yet skipped,
+    // and the `count` - 1 moves after it (those not yet begun are skipped when they begin).
     // False when there is none (the run is between passes, building main lines, or not running).
-    bool Skip();
+    bool Skip(size_t count = 1);
 
     // Called by the passes.
     void PassStarted(int number, const std::string& letter, uint32_t mask);
@@ -117,6 +121,8 @@ class CRunControl {
     std::vector<TSlot*> m_vAnalysed;  // first moves being analysed
     int m_nSkipsPending = 0;
     int m_nHeld = 0;
+    int m_nHoldsPending = 0;  // threads to be held singly, not yet reached
+    unsigned m_nResumes = 0;  // a held thread goes on when this changes
     TPassProgress m_pass;
     size_t m_nFirstMoves = 0, m_nFirstMovesBegun = 0;  // of the round under way
     std::vector<size_t> m_vSkipped;                    // first moves of the round skipped

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "core/chess_exception.h"
 #include "core/fen.h"
 #include "core/movegen.h"
 #include "tests/support/positions.h"
@@ -98,6 +99,34 @@ TEST(Transforms, StartANewLine) {
     std::string description;
     SwapColours(b, description);
     EXPECT_EQ(CastlingRights(b), kWhiteKingside | kWhiteQueenside | kBlackKingside | kBlackQueenside);
+}
+
+TEST(Shift, MovesEveryPieceOrRefusesWhenOneWouldLeaveTheBoard) {
+    struct Case {
+        const char* start;
+        int files, ranks;
+        const char* after;  // nullptr: refused, the board kept
+        bool fault;         // the shifted position breaks a rule
+    };
+    const char* const corner = "4k3/8/8/8/8/8/1P6/R3K3";
+    for (const Case& c :
+         {Case{corner, 1, 0, "5k2/8/8/8/8/8/2P5/1R3K2", false}, Case{corner, -1, 0, nullptr, false},
+          Case{corner, 0, 1, nullptr, false}, Case{corner, 0, -1, nullptr, false},
+          Case{corner, 3, 0, "7k/8/8/8/8/8/4P3/3R3K", false}, Case{corner, 4, 0, nullptr, false},
+          Case{"8/4k3/1P6/8/8/8/8/4K3", 0, 1, "4k3/1P6/8/8/8/8/4K3/8", false},
+          Case{"8/4k3/1P6/8/8/8/8/4K3", 0, 2, nullptr, false},
+          Case{"4k3/1P6/8/8/8/8/4K3/8", 0, -1, "8/4k3/1P6/8/8/8/8/4K3", false},
+          Case{"8/4k3/8/8/8/4K3/1P6/8", 0, -1, "8/8/4k3/8/8/8/4K3/1P6", true}}) {
+        TChessboard b = Board(c.start);
+        if (!c.after) {
+            EXPECT_THROW(Shift(b, c.files, c.ranks), ChessException) << c.start << c.files << c.ranks;
+            EXPECT_EQ(WriteFenPlacement(b), c.start);
+            continue;
+        }
+        const std::optional<std::string> fault = Shift(b, c.files, c.ranks);
+        EXPECT_EQ(WriteFenPlacement(b), c.after);
+        EXPECT_EQ(fault.has_value(), c.fault) << c.after;
+    }
 }
 
 }  // namespace

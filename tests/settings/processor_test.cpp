@@ -1,6 +1,13 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
 
 #include "settings/machine.h"
+#include "settings/process_priority.h"
 #include "settings/processor_affinity.h"
 #include "tests/support/temp_folder.h"
 
@@ -38,6 +45,22 @@ TEST(ProcessorToggle, StaleMenuIsReportedAndChangesNothing) {
     ASSERT_EQ(reporter.Reports().size(), 1u);
     EXPECT_EQ(reporter.Reports()[0].sText,
               "Settings were changed outside the program.\nRetry the attempt to change settings.");
+}
+
+// Lowering the priority needs no privilege; a thread already running is lowered too.
+TEST(ProcessPriority, EveryThreadOfTheProcessTakesIt) {
+    std::atomic<pid_t> thread{0};
+    std::atomic<bool> done{false};
+    std::thread other([&] {
+        thread = gettid();
+        while (!done) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    });
+    while (thread == 0) std::this_thread::yield();
+    EXPECT_TRUE(SetProcessPriority(ProcessPriority::Low));
+    EXPECT_EQ(getpriority(PRIO_PROCESS, static_cast<id_t>(thread.load())), NiceValue(ProcessPriority::Low));
+    EXPECT_EQ(CurrentPriority(), ProcessPriority::Low);
+    done = true;
+    other.join();
 }
 
 TEST(ProcessorCount, CountsDistinctCoresOfAllPackages) {

@@ -4,13 +4,16 @@
 #include <unistd.h>
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QInputDialog>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QToolButton>
 #include <QtTest>
 
 #include <fstream>
@@ -22,11 +25,14 @@
 #include "problems/annotations/problem_variants.h"
 #include "settings/instance_lock.h"
 #include "settings/options_dialog.h"
+#include "settings/process_priority.h"
 #include "ui/board_widget.h"
 #include "ui/instance_notice.h"
 #include "ui/main_window.h"
 #include "ui/options_window.h"
 #include "ui/piece_palette.h"
+#include "ui/problem_search.h"
+#include "ui/progress_text.h"
 #include "ui/start_log.h"
 #include "ui/texts.h"
 
@@ -145,6 +151,102 @@ class TMainWindowTest : public QObject {
         QCOMPARE(m_pWindow->MovesShown(), size_t{1});
     }
 
+    void findsProblems_data() {
+        QTest::addColumn<QString>("query");
+        QTest::addColumn<bool>("forward");
+        QTest::addColumn<uint>("number");  // where the search ends; 1: not found
+        QTest::newRow("description") << "third" << true << 3u;
+        QTest::newRow("case ignored") << "LONGER" << true << 2u;
+        QTest::newRow("number") << "3" << true << 3u;
+        QTest::newRow("FEN placement") << "8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1" << true << 3u;
+        QTest::newRow("the current one is not found again") << "mate in two" << true << 1u;
+        QTest::newRow("nothing before the first") << "third" << false << 1u;
+        QTest::newRow("blank") << " " << true << 1u;
+    }
+
+    void findsProblems() {
+        QFETCH(QString, query);
+        QFETCH(bool, forward);
+        QFETCH(uint, number);
+        QCOMPARE(m_pWindow->FindProblem(query, forward), number != 1u);
+        QCOMPARE(m_pWindow->Collection().Current().m_nNumber, number);
+        QCOMPARE(Reported(*m_pReporter, "matches"), number == 1u);
+    }
+
+    void findsSimilarAndRemovesProblemsPresentElsewhere() {
+        const auto entry = [](const char* fen) {
+            ProblemEntry e;
+            ReadFen(fen, e.m_position.board);
+            return e;
+        };
+        const std::vector<ProblemEntry> entries = {
+            entry("4k3/8/8/8/8/8/8/R3K3"), entry("4k3/8/8/8/8/8/8/R3K2B"),      // + a piece: 1 square
+            entry("4k3/8/8/8/8/8/8/1R2K1B1"), entry("4k3/8/8/8/8/8/R7/4K1BB"),  // 3 squares, 4 squares
+            entry("4k3/8/8/8/8/8/8/4K2R")};                                     // a1-h1: 2 squares
+        QCOMPARE(SimilarProblems(entries, 0), (std::vector<size_t>{1, 4, 2}));
+        // The other file holds problem 3 under another number, and problem 2 as a #4.
+        const std::filesystem::path other = std::filesystem::path(m_dir.path().toStdString()) / "other.cp";
+        std::ofstream(other) << "UTF-8\n\n9 #3\n{\n\tFEN: 8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1\n}\n\n"
+                                "8 #4\n{\n\tFEN: 1k2K3/8/5R2/R4r2/8/5P2/5P2/8 w - - 0 1\n}\n";
+        Trigger("prob.last");
+        QCOMPARE(m_pWindow->RemovePresentIn(other), size_t{1});
+        QCOMPARE(m_pWindow->Collection().Size(), size_t{2});
+        QCOMPARE(m_pWindow->Collection().Current().m_nNumber, 2u);
+        QVERIFY(m_pWindow->Collection().Modified());
+    }
+
+    void bulkPasteTakesTheGoodPiecesAndNamesTheBad_data() {
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<QList<uint>>("stipulations");  // of the problems added, in order
+        QTest::newRow("all") << "pos.bulk" << QList<uint>{2, 3, 3};
+        QTest::newRow("prized only") << "pos.bulkprized" << QList<uint>{3};
+    }
+
+    void bulkPasteTakesTheGoodPiecesAndNamesTheBad() {
+        QFETCH(QString, action);
+        QFETCH(QList<uint>, stipulations);
+        QApplication::clipboard()->setText(
+            "5 #2\n{\n\tFEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n}\n\n"
+            "4k3/8/8/8/8/8/8/R3K3 w - - 0 1 #3\n\n"
+            "8/8/8/8/8/8/8/8 w - - 0 1\n\n"                           // no kings
+            "6 #9\n{\n\tFEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n}\n\n"  // too long
+            "\\begin{diagram}\n\\author{A. B.}\n\\award{1st Prize}\n\\stip{\\#3}\n"
+            "%\\fen{8/8/8/8/P7/3PQ3/3K4/k7}\n\\end{diagram}\n"
+            "hello world\n");
+        Trigger(action.toUtf8().constData());
+        const TProblemCollection& c = m_pWindow->Collection();
+        QCOMPARE(c.Size(), size_t(3 + stipulations.size()));
+        QCOMPARE(c.CurrentIndex(), size_t{3});
+        for (qsizetype i = 0; i < stipulations.size(); ++i) {
+            QCOMPARE(c.At(3 + size_t(i)).StipulationMoves(), int(stipulations[i]));
+            QCOMPARE(c.At(3 + size_t(i)).m_nNumber, uint32_t(4 + i));
+        }
+        const std::string report = m_pReporter->Reports().back().sText;
+        QVERIFY2(report.find("8/8/8/8/8/8/8/8 w - - 0 1: ") != std::string::npos, report.c_str());
+        QVERIFY2(report.find("6 #9: #9 > MaxStipulationForBulkInsert (6)") != std::string::npos,
+                 report.c_str());
+        QVERIFY2(report.find("hello world: ") != std::string::npos, report.c_str());
+    }
+
+    // The threads tool: its upper half adds a thread, its lower half takes one, never below one;
+    // the box numbers the moves made by the moves left.
+    void toolsStepThreadsAndNumberMoves() {
+        auto* threads = m_pWindow->findChild<QToolButton*>("tool.threads");
+        QTest::mouseClick(threads, Qt::LeftButton, {}, QPoint(threads->width() / 2, 1));
+        QCOMPARE(m_pWindow->Threads(), 2);
+        for (int i = 0; i < 2; ++i)
+            QTest::mouseClick(threads, Qt::LeftButton, {},
+                              QPoint(threads->width() / 2, threads->height() - 2));
+        QCOMPARE(m_pWindow->Threads(), 1);
+        QCOMPARE(threads->text(), QString("1"));
+        QApplication::clipboard()->setText("1. Qa7-f2 Kc1-b1");
+        Trigger("pos.paste");
+        m_pWindow->findChild<QCheckBox*>("tool.remaining")->setChecked(true);
+        const QListWidget* moves = m_pWindow->findChild<QListWidget*>();
+        QCOMPARE(moves->item(0)->text(), QString("2. Qa7-f2"));
+        QCOMPARE(moves->item(1)->text(), QString("2... Kc1-b1"));
+    }
+
     void copiesTheRecordWithOrWithoutAnnotations_data() {
         QTest::addColumn<QString>("action");
         QTest::addColumn<bool>("variant");
@@ -194,6 +296,14 @@ class TMainWindowTest : public QObject {
                               << "2K1k2r/8/8/8/8/8/q7/8";
         QTest::newRow("setting mode") << "setting"
                                       << "8/Q7/8/8/8/8/8/R1k1K2R";
+        QTest::newRow("drag a7-b7") << "drag"
+                                    << "8/1Q6/8/8/8/8/8/2k1K2R";
+        QTest::newRow("drag off the board") << "drag off"
+                                            << "8/8/8/8/8/8/8/2k1K2R";
+        QTest::newRow("shift up") << "pos.up"
+                                  << "Q7/8/8/8/8/8/2k1K2R/8";
+        QTest::newRow("shift left: the queen would leave") << "pos.left"
+                                                           << "8/Q7/8/8/8/8/8/2k1K2R";
     }
 
     void editsAndUndoes() {
@@ -205,6 +315,10 @@ class TMainWindowTest : public QObject {
             QVERIFY(m_pWindow->SettingMode());
             m_pWindow->Palette()->Choose(MakePiece(kWhite, kRook));
             m_pWindow->ClickSquare(0, Qt::LeftButton);  // a1
+        } else if (edit.startsWith("drag")) {
+            m_pWindow->DropPiece(48, 49, MakePiece(kWhite, kQueen));  // refused outside the setting mode
+            Trigger("pos.setting");
+            m_pWindow->DropPiece(48, edit == "drag" ? 49 : kNoSquare, MakePiece(kWhite, kQueen));
         } else {
             Trigger(edit.toUtf8().constData());
         }
@@ -268,6 +382,12 @@ class TMainWindowTest : public QObject {
         QVERIFY(Reported(*m_pReporter, "Thread looking for black's defence in problem 1"));
         QVERIFY(m_pWindow->ProgressText().contains("Thread looking for black's defence"));
         QCOMPARE(m_pWindow->Collection().Current().m_answerKind, AnswerKind::None);  // nothing written
+        QApplication::clipboard()->setText("Qa7-a3");  // one reply refutes, the other is mated by Ke1-d2
+        Trigger("pos.paste");
+        Trigger("prob.thorough");
+        WaitForRun();
+        QCOMPARE(m_pWindow->ProgressText().section("Every reply:\n", 1),
+                 QString("Kc1-c2 (no mate)\nKc1-b1 (#1)"));
     }
 
     void refusesEditsDuringARun() {
@@ -275,6 +395,9 @@ class TMainWindowTest : public QObject {
         const ProblemEntry before = m_pWindow->Collection().Current();
         Trigger("prob.all");
         QVERIFY(m_pWindow->Analysing());
+        Trigger("prob.settings");
+        QVERIFY(Reported(*m_pReporter, "Problem 2 (#5)\nMode: all solutions\nThreads: 1"));
+        Trigger("prob.pauseone");  // the stop below ends the held thread too
         for (const char* id : {"pos.stipup", "pos.paste", "pos.rotate", "pos.setting", "file.default"})
             Trigger(id);
         QVERIFY(m_pWindow->Collection().Current() == before);
@@ -325,6 +448,16 @@ class TMainWindowTest : public QObject {
             QVERIFY2(*row.polish && *row.english && *row.ukrainian, row.id);
     }
 
+    // Every help item has its page; the priority items set the process's class.
+    void helpPagesAndPriority() {
+        for (const char* id : {"help.manual", "help.readme", "help.faq", "help.hints", "help.modes"})
+            QVERIFY2(std::filesystem::is_regular_file(TMainWindow::HelpPagePath(id)), id);
+        Trigger("prio.low");  // lowering needs no privilege
+        QCOMPARE(CurrentPriority(), ProcessPriority::Low);
+        QVERIFY(m_pWindow->Action("prio.low")->isChecked());
+        QVERIFY(!m_pWindow->Action("prio.normal")->isChecked());
+    }
+
     void closingOffersToSave() {
         Trigger("pos.stipup");
         m_pReporter->QueueAnswer(ReportAnswer::Cancel);
@@ -355,6 +488,17 @@ class TMainWindowTest : public QObject {
         QCOMPARE(next.Reports().size(), box ? size_t{2} : size_t{1});
         QCOMPARE(next.Reports().back().sText, std::string("another report"));
         QCOMPARE(shown == kSecondInstanceReadOnly, status);
+    }
+
+    void peekedLines() {
+        const std::string all = "Observed: 1.Qb6-f6 2.Qf6-d8 | 1.Kd2-c3 | 1.Ra1-a8";
+        const std::pair<int, std::string> cases[] = {{0, all},
+                                                     {1, "Observed: 1.Qb6-f6 2.Qf6-d8"},
+                                                     {2, "Observed: 1.Kd2-c3"},
+                                                     {3, "Observed: 1.Ra1-a8"},
+                                                     {4, ""}};
+        for (const auto& [peek, shown] : cases) QCOMPARE(PeekedLines(all, peek), shown);
+        QCOMPARE(PeekedLines("", 2), std::string());
     }
 
     void startLogLines() {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <thread>
 
@@ -77,6 +78,24 @@ TEST(ConcurrentRunControl, PauseHoldsEverySearchThreadUntilResumeOrStop) {
     EXPECT_FALSE(free.StoppedByUser());
 }
 
+// Holding one thread leaves the other searching; the resume lets the held one go on.
+TEST(ConcurrentRunControl, HoldOneThreadHoldsASingleThreadUntilResume) {
+    CRunRegister freeRegister(20'000), heldRegister(20'000);
+    CRunControl free, held;
+    const TSolveResult expected = Solve(AllSolutions(freeRegister, free), free.StopFlag());
+    held.HoldOneThread();
+    TSolveResult resumed;
+    std::thread run([&] { resumed = Solve(AllSolutions(heldRegister, held), held.StopFlag()); });
+    WaitUntilHeld(held, 1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(held.HeldThreads(), 1);
+    EXPECT_FALSE(held.Paused());
+    held.Resume();
+    run.join();
+    EXPECT_FALSE(resumed.stopped);
+    EXPECT_EQ(Keys(resumed), Keys(expected));
+}
+
 // A skip ends the first move being analysed, as not proven, and the others are searched as ever.
 TEST(ConcurrentRunControl, SkipEndsTheMoveBeingAnalysedAndGoesOnWithTheNext) {
     const TChessboard root = test::Problem(kMateInFour, 7);
@@ -122,6 +141,11 @@ TEST(ConcurrentRunControl, SkipEndsTheMoveBeingAnalysedAndGoesOnWithTheNext) {
     EXPECT_EQ(control.AnalyseFirstMove(0, mate), kDoubtful);
     control.FirstMovesStarted(static_cast<size_t>(moves.count));
     EXPECT_EQ(control.AnalyseFirstMove(0, mate), kMate);
+    // Skipping three moves from the one being analysed: the next two are skipped when they begin.
+    const auto skipThree = [&] { return control.Skip(3) ? uint8_t{kMate} : uint8_t{kNoMate}; };
+    EXPECT_EQ(control.AnalyseFirstMove(2, skipThree), kMate);
+    for (size_t i : {3, 4}) EXPECT_EQ(control.AnalyseFirstMove(i, mate), kDoubtful) << i;
+    EXPECT_EQ(control.AnalyseFirstMove(5, mate), kMate);
 }
 
 TEST(ConcurrentProgressTick, TicksCarryThePassUnderWayUntilStopped) {
