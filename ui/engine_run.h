@@ -41,9 +41,12 @@ class CEngineRun : public QObject {
     bool Paused() const;
     // False when no first move is being analysed.
     bool Skip();
+    // A line for the progress area, from the engine thread (a test's report lines).
+    void Say(const std::string& line) { Q_EMIT Said(QString::fromStdString(line)); }
 
   Q_SIGNALS:
     void Progressed(moremate::TRunProgress progress);
+    void Said(QString line);
     // The run ended; its thread is joined by the time the slots run.
     void Finished(moremate::TProblemReport report);
 

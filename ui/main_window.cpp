@@ -34,6 +34,9 @@ TMainWindow::TMainWindow(const TOptions& options, CReporter& reporter, QWidget* 
     BuildToolBar();
     connect(&m_run, &CEngineRun::Progressed, this, &TMainWindow::ShowProgress);
     connect(&m_run, &CEngineRun::Finished, this, &TMainWindow::RunFinished);
+    connect(&m_run, &CEngineRun::Said, this, [this](const QString& line) {
+        m_pProgress->appendPlainText(line.endsWith('\n') ? line.chopped(1) : line);
+    });
     Relabel();
     UpdateRunState();
     resize(1000, 720);
@@ -90,6 +93,9 @@ void TMainWindow::BuildLayout() {
     top->addWidget(m_pStipulation);
     top->addLayout(arrows);
     left->addLayout(top);
+    m_pAnnotations = new QLabel(central);
+    m_pAnnotations->setWordWrap(true);
+    left->addWidget(m_pAnnotations);
 
     m_pBoard = new TBoardWidget(central);
     m_tips[m_pBoard] = "tip.board";

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "edit_history.h"
+#include "engine/heuristics/heuristic_set.h"
 #include "engine_run.h"
 #include "problem_collection.h"
 #include "settings/options.h"
@@ -25,6 +26,7 @@ class QLineEdit;
 class QListWidget;
 class QMenu;
 class QPlainTextEdit;
+class QTimer;
 class QToolButton;
 
 namespace moremate::ui {
@@ -67,6 +69,8 @@ class TMainWindow : public QMainWindow {
     // A click on a board square, as the mouse gives it.
     void ClickSquare(int square, Qt::MouseButton button);
     void SetThreads(int threads) { m_nThreads = threads; }
+    // Tells of an analysis that the last session left unfinished (its auto-saved register data).
+    void ShowRecoveryNotice();
 
   Q_SIGNALS:
     // The analysis ended and its results are shown and written into the problem.
@@ -184,7 +188,54 @@ class TMainWindow : public QMainWindow {
     void English() { SetLanguage(kEnglish); }
     void Ukrainian() { SetLanguage(kUkrainian); }
 
+    // Heuristics, tags, sort indications and variants (window_annotations.cpp).
+    void SolveWithHeuristics();
+    void SolveAllWithHeuristics();
+    // The heuristics dialog on the current problem's set; false when the user cancels.
+    bool ChooseHeuristics();
+    void ShowAnnotations();
+    void AddTagCommand();
+    void RemoveTagCommand();
+    void AppendTagsCommand();
+    void EditSortIndications();
+    void SaveVariantAs();
+    void ShowVariant();
+    void AnimateMainVariant();
+    void AnimateVariant();
+    void StopAnimation();
+    void RenameVariantCommand();
+    void DeleteVariantCommand();
+    // A name chosen among the problem's variants (or, `editable`, typed anew); none: cancelled.
+    std::optional<std::string> AskVariantName(const QString& title, bool editable);
+    void Animate(const std::vector<TMove>& moves);
+    std::vector<ProblemEntry> AllEntries() const;
+    // The register commands (window_registers.cpp).
+    bool RefuseRegisterCommand();
+    std::filesystem::path DefaultRegisterFile() const;
+    bool SaveRegisterTo(const std::filesystem::path& file);
+    void ReadRegisterFile(const std::filesystem::path& file);
+    void SaveRegister();
+    void SaveRegisterAs();
+    void ReadRegister();
+    void ReadRegisterFrom();
+    void PinRegister();
+    void UnpinRegister();
+
+    // Regression tests, scripts and the precalculated data (window_tests.cpp), each run on the
+    // engine thread; their report comes back as a run's with the result kToolResult.
+    static constexpr const char* kToolResult = "tool";
+    bool RefuseTool();
+    void StartTool(const std::function<std::string(CRunControl&)>& work);
+    void StartRegressionTest(bool quick);
+    void RegressionTest() { StartRegressionTest(false); }
+    void QuickRegressionTest() { StartRegressionTest(true); }
+    void RunScript();
+    void PositionInformation();
+    void PrecalculateType();
+    void VerifyType();
+
     // The engine.
+    TSolveSettings RunSettings() const;
     void StartRun(bool allSolutions, bool hybrid, bool bruteForce);
     void ShowProgress(const TRunProgress& progress);
     void RunFinished(const TProblemReport& report);
@@ -224,6 +275,11 @@ class TMainWindow : public QMainWindow {
     QPlainTextEdit* m_pProgress = nullptr;
     TClickButton* m_pStart = nullptr;
     bool m_bProgressLarge = false;
+    std::optional<THeuristicSet> m_oRunHeuristics;       // the next run's pass-1 set, chosen in the dialog
+    std::optional<THeuristicSet> m_oPreviousHeuristics;  // the set chosen last time
+    QLabel* m_pAnnotations = nullptr;                    // the problem's tags and sort indications
+    QTimer* m_pAnimation = nullptr;
+    bool m_bScriptRunning = false;
 };
 
 }  // namespace moremate::ui

@@ -69,6 +69,7 @@ void TMainWindow::ShowProblemHeader() {
     m_pDescription->setText(QString::fromStdString(entry.m_sDescription));
     m_pDescription->setCursorPosition(0);
     m_pStipulation->setText(StipulationText(entry));
+    ShowAnnotations();
     UpdateTitle();
 }
 

@@ -85,11 +85,12 @@ TSolutionCount SolutionCount(const ProblemEntry& entry, const TSolveSettings& se
 TPredefinedHeuristics PassOneSet(const ProblemEntry& entry, const TChessboard& root,
                                  const TSolveSettings& settings) {
     if (settings.noHeuristics) return {};
-    THeuristicSet set =
-        settings.heuristics ? ReadHeuristicSetText(*settings.heuristics).m_set : PositionTypeHeuristics(root);
+    THeuristicSet set = settings.userSet      ? *settings.userSet
+                        : settings.heuristics ? ReadHeuristicSetText(*settings.heuristics).m_set
+                                              : PositionTypeHeuristics(root);
     set = ApplyProblemHeuristics(entry, set);
     TPredefinedHeuristics added = ApplyPredefinedAdditionalHeuristics(set, settings.additionalHeuristics);
-    if (!added.m_bDlfuForbidden || settings.heuristics) return added;
+    if (!added.m_bDlfuForbidden || settings.UserChoseSet()) return added;
     set.Remove(SH_DONTLETFIGUREUNBLOCK);
     return ApplyPredefinedAdditionalHeuristics(set, settings.additionalHeuristics);
 }
@@ -123,7 +124,7 @@ TPassState PassState(const ProblemEntry& entry, const TChessboard& root, const T
     const TPredefinedHeuristics passOne = PassOneSet(entry, root, settings);
     state.set = passOne.m_set;
     // The engine asks for dynamic DLFU only with a set of its own choice, and "!DLFU" refuses it.
-    state.pendingDynamicDlfu = !settings.noHeuristics && !settings.heuristics &&
+    state.pendingDynamicDlfu = !settings.noHeuristics && !settings.UserChoseSet() &&
                                state.set.params.dlfuDynamic && PositionTypeCheck(root).pendingDynamicDlfu;
     state.relaxationAllowed = !entry.Has(kOptDontRelaxHeuristics);
     state.pass2Allowed = !settings.noPassTwo && !entry.Has(kOptDontRunPassTwo);
