@@ -23,17 +23,18 @@ struct TFieldRow {
     bool TFields::*check;
     std::string TFields::*value;  // null: none
     int group;                    // 0 black king, 1 figures, 2 White's moves
+    bool sub = false;             // an option of the row above it, indented
 };
 
 const TFieldRow kFieldRows[] = {
     {"heur.outofedge", &TFields::m_bOutOfEdge, nullptr, 0},
     {"heur.outofextedge", &TFields::m_bOutOfExtEdge, nullptr, 0},
     {"heur.kingmove", &TFields::m_bDontLetKingMove, nullptr, 0},
-    {"heur.allowexc", &TFields::m_bAllowExc, nullptr, 0},
+    {"heur.allowexc", &TFields::m_bAllowExc, nullptr, 0, true},
     {"heur.nearcorner", &TFields::m_bKeepNearCorner, &TFields::m_sCornerDistance, 0},
-    {"heur.advpawn", &TFields::m_bOnAdvancedPawn, nullptr, 0},
-    {"heur.figcaptured", &TFields::m_bOnFigureCaptured, &TFields::m_sFiguresToCapture, 0},
-    {"heur.defer", &TFields::m_bDeferCheck, &TFields::m_sDeferMoves, 0},
+    {"heur.advpawn", &TFields::m_bOnAdvancedPawn, nullptr, 0, true},
+    {"heur.figcaptured", &TFields::m_bOnFigureCaptured, &TFields::m_sFiguresToCapture, 0, true},
+    {"heur.defer", &TFields::m_bDeferCheck, &TFields::m_sDeferMoves, 0, true},
     {"heur.inclpawns", &TFields::m_bInclPawns, nullptr, 1},
     {"heur.inclpromo", &TFields::m_bInclPromotablePawns, nullptr, 1},
     {"heur.maindiag", &TFields::m_bDontLeaveMainDiagonal, &TFields::m_sMainDiagonalFigure, 1},
@@ -110,6 +111,7 @@ void THeuristicsWindow::BuildFields(QGridLayout* grid) {
         const int line = group->rowCount();
         auto* check = new QCheckBox(UiText(row.id, m_nLanguage), this);
         check->setObjectName(row.id);
+        if (row.sub) check->setStyleSheet("margin-left: 18px");
         group->addWidget(check, line, 0);
         m_checks[row.id] = check;
         if (!row.value) continue;

@@ -40,7 +40,7 @@ QStringList Texts(const std::vector<std::string>& texts) {
 bool TMainWindow::ChooseHeuristics() {
     THeuristicSet set;
     try {
-        set = m_oPreviousHeuristics.value_or(EngineHeuristics(m_collection.Current()));
+        set = EngineHeuristics(m_collection.Current());
     } catch (const ChessException& e) {
         m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
         return false;

@@ -93,6 +93,7 @@ void ReadLinesAndMoves(const THeuristicsDialogFields& f, THeuristicSet& set) {
 
 }  // namespace
 
+// The parameter texts of heuristics that are off stay empty: their fields show nothing.
 THeuristicsDialogFields DialogFieldsOfSet(const THeuristicSet& set) {
     const THeuristicParameters& p = set.params;
     THeuristicsDialogFields f;
@@ -107,7 +108,7 @@ THeuristicsDialogFields DialogFieldsOfSet(const THeuristicSet& set) {
     f.m_bDeferCheck = p.edgeRelaxation.deferCheck;
     if (f.m_bDeferCheck) f.m_sDeferMoves = std::to_string(p.edgeRelaxation.deferMoves);
     f.m_bKeepNearCorner = set.Has(SH_KEEPKINGNEARCORNER);
-    f.m_sCornerDistance = HeuristicParameterText(SH_KEEPKINGNEARCORNER, p);
+    if (f.m_bKeepNearCorner) f.m_sCornerDistance = HeuristicParameterText(SH_KEEPKINGNEARCORNER, p);
     f.m_bInclPawns = p.loseFiguresPawns == 1;
     f.m_bInclPromotablePawns = p.loseFiguresPawns >= 2;
     f.m_bDontLeaveMainDiagonal = set.Has(SH_DONTLEAVEMAINDIAGONAL);
@@ -120,9 +121,9 @@ THeuristicsDialogFields DialogFieldsOfSet(const THeuristicSet& set) {
     f.m_bKeyWhiteFigure = set.Has(SH_KEYWHITEFIGURE);
     f.m_sKeyWhiteFigure = HeuristicSquareText(p.keyWhiteFigure);
     f.m_bKeyLine = set.Has(SH_KEYLINE);
-    f.m_sKeyLine = HeuristicParameterText(SH_KEYLINE, p);
+    if (f.m_bKeyLine) f.m_sKeyLine = HeuristicParameterText(SH_KEYLINE, p);
     f.m_bKeyDiagonal = set.Has(SH_KEYDIAGONAL);
-    f.m_sKeyDiagonal = HeuristicParameterText(SH_KEYDIAGONAL, p);
+    if (f.m_bKeyDiagonal) f.m_sKeyDiagonal = HeuristicParameterText(SH_KEYDIAGONAL, p);
     f.m_bSkipPassive = set.Has(SH_SKIPWORSTWHITEMOVES) && p.skipPassive;
     f.m_bSkipWorst = set.Has(SH_SKIPWORSTWHITEMOVES) && !p.skipPassive;
     f.m_bFindForcedMate = set.Has(SH_FINDFORCEDMATE);
