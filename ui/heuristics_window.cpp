@@ -17,21 +17,35 @@ namespace {
 
 using TFields = THeuristicsDialogFields;
 
-// A check box of the fields, with the text field of its parameter when it has one.
+using TParams = THeuristicParameters;
+
+// A check box of the fields (with the text field of its parameter when it has one), or one of a
+// flag of the parameter block that the fields do not carry.
 struct TFieldRow {
     const char* id;
-    bool TFields::*check;
-    std::string TFields::*value;  // null: none
+    bool TFields::*check;         // null: a flag row
+    std::string TFields::*value;  // null: no text field
     int group;                    // 0 black king, 1 figures, 2 White's moves
     bool sub = false;             // an option of the row above it, indented
+    bool& (*flag)(TParams&) = nullptr;
 };
 
 const TFieldRow kFieldRows[] = {
     {"heur.outofedge", &TFields::m_bOutOfEdge, nullptr, 0},
     {"heur.outofextedge", &TFields::m_bOutOfExtEdge, nullptr, 0},
+    {"heur.inclcorner", nullptr, nullptr, 0, true, [](TParams& p) -> bool& { return p.inclCorner; }},
+    {"heur.edgestrict", nullptr, nullptr, 0, true, [](TParams& p) -> bool& { return p.edgeStrict; }},
     {"heur.advpawn", &TFields::m_bOnAdvancedPawn, nullptr, 0, true},
     {"heur.figcaptured", &TFields::m_bOnFigureCaptured, &TFields::m_sFiguresToCapture, 0, true},
+    {"heur.alsopawns", nullptr, nullptr, 0, true,
+     [](TParams& p) -> bool& { return p.edgeRelaxation.alsoPawns; }},
     {"heur.defer", &TFields::m_bDeferCheck, &TFields::m_sDeferMoves, 0, true},
+    {"heur.skipdefer", nullptr, nullptr, 0, true,
+     [](TParams& p) -> bool& { return p.edgeRelaxation.skipDeferIfNoBalanceChange; }},
+    {"heur.extonly", nullptr, nullptr, 0, true,
+     [](TParams& p) -> bool& { return p.edgeRelaxation.extEdgeOnly; }},
+    {"heur.autorelax", nullptr, nullptr, 0, true,
+     [](TParams& p) -> bool& { return p.edgeRelaxation.automatic; }},
     {"heur.kingmove", &TFields::m_bDontLetKingMove, nullptr, 0},
     {"heur.allowexc", &TFields::m_bAllowExc, nullptr, 0, true},
     {"heur.nearcorner", &TFields::m_bKeepNearCorner, &TFields::m_sCornerDistance, 0},
@@ -42,10 +56,17 @@ const TFieldRow kFieldRows[] = {
     {"heur.keyfigure", &TFields::m_bKeyWhiteFigure, &TFields::m_sKeyWhiteFigure, 1},
     {"heur.keyline", &TFields::m_bKeyLine, &TFields::m_sKeyLine, 1},
     {"heur.keydiag", &TFields::m_bKeyDiagonal, &TFields::m_sKeyDiagonal, 1},
+    {"heur.promotedstrict", nullptr, nullptr, 1, false, [](TParams& p) -> bool& { return p.promotedStrict; }},
+    {"heur.surroundstrict", nullptr, nullptr, 1, false,
+     [](TParams& p) -> bool& { return p.surroundedStrict; }},
     {"heur.skippassive", &TFields::m_bSkipPassive, nullptr, 2},
     {"heur.skipworst", &TFields::m_bSkipWorst, nullptr, 2},
     {"heur.ffm", &TFields::m_bFindForcedMate, &TFields::m_sFfmRelaxations, 2},
+    {"heur.ffmtwice", nullptr, nullptr, 2, true, [](TParams& p) -> bool& { return p.ffm.twoCycles; }},
+    {"heur.ffmcaptures", nullptr, nullptr, 2, true,
+     [](TParams& p) -> bool& { return p.ffm.captureNearBlackKing; }},
     {"heur.seasnake", &TFields::m_bSeaSnake, nullptr, 2},
+    {"heur.relax", &TFields::m_bRelaxHeuristics, nullptr, 2},
 };
 
 // The heuristics shown as plain check boxes, with their labels.
@@ -149,8 +170,9 @@ void THeuristicsWindow::BuildPlainBits(QGridLayout* grid) {
 
 void THeuristicsWindow::Show(const THeuristicSet& set) {
     const TFields fields = DialogFieldsOfSet(set);
+    TParams params = set.params;
     for (const TFieldRow& row : kFieldRows) {
-        m_checks.at(row.id)->setChecked(fields.*row.check);
+        m_checks.at(row.id)->setChecked(row.check ? fields.*row.check : row.flag(params));
         if (row.value) m_fields.at(row.id)->setText(QString::fromStdString(fields.*row.value));
     }
     m_fields.at("heur.quickdepth")->setText(QString::fromStdString(fields.m_sQuickMateDepth));
@@ -172,6 +194,7 @@ void THeuristicsWindow::RestorePrevious() {
 THeuristicsDialogFields THeuristicsWindow::Fields() const {
     TFields fields;
     for (const TFieldRow& row : kFieldRows) {
+        if (!row.check) continue;
         fields.*row.check = m_checks.at(row.id)->isChecked();
         if (row.value) fields.*row.value = m_fields.at(row.id)->text().trimmed().toStdString();
     }
@@ -197,6 +220,9 @@ bool THeuristicsWindow::TakeSet() {
     }
     for (const std::string& note : check.m_vsNotes) m_reporter.Report(title, note);
     m_chosen = SetOfDialogFields(fields, PlainBits(), m_chosen);
+    for (const TFieldRow& row : kFieldRows)
+        if (row.flag) row.flag(m_chosen.params) = m_checks.at(row.id)->isChecked();
+    m_bRelax = fields.m_bRelaxHeuristics;
     accept();
     return true;
 }

@@ -36,6 +36,8 @@ class THeuristicsWindow : public QDialog {
     // The checks of "Find solution"; true (and the dialog accepted) when they pass.
     bool TakeSet();
     const THeuristicSet& Chosen() const { return m_chosen; }
+    // Whether the passes may relax the chosen set ("Let relax heuristics").
+    bool Relaxes() const { return m_bRelax; }
 
   private:
     void BuildFields(QGridLayout* grid);
@@ -46,6 +48,7 @@ class THeuristicsWindow : public QDialog {
     uint32_t PlainBits() const;
 
     THeuristicSet m_chosen;
+    bool m_bRelax = true;
     TChessboard m_position;
     std::optional<THeuristicSet> m_previous;
     int m_nLanguage;

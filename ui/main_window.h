@@ -276,6 +276,7 @@ class TMainWindow : public QMainWindow {
     TClickButton* m_pStart = nullptr;
     bool m_bProgressLarge = false;
     std::optional<THeuristicSet> m_oRunHeuristics;       // the next run's pass-1 set, chosen in the dialog
+    bool m_bRunRelaxes = true;                           // and whether the passes may relax it
     std::optional<THeuristicSet> m_oPreviousHeuristics;  // the set chosen last time
     QLabel* m_pAnnotations = nullptr;                    // the problem's tags and sort indications
     QTimer* m_pAnimation = nullptr;

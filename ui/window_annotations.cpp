@@ -49,6 +49,7 @@ bool TMainWindow::ChooseHeuristics() {
                              m_reporter, this);
     if (dialog.exec() != QDialog::Accepted) return false;
     m_oRunHeuristics = m_oPreviousHeuristics = dialog.Chosen();
+    m_bRunRelaxes = dialog.Relaxes();
     return true;
 }
 

@@ -38,6 +38,7 @@ void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
     const ProblemEntry& entry = m_collection.Current();
     TSolveSettings settings = RunSettings();
     settings.userSet = std::exchange(m_oRunHeuristics, std::nullopt);
+    settings.noRelaxation = !std::exchange(m_bRunRelaxes, true);
     settings.allSolutions = allSolutions;
     settings.hybrid = hybrid;
     settings.bruteForce = bruteForce;

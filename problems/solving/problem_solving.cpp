@@ -126,7 +126,7 @@ TPassState PassState(const ProblemEntry& entry, const TChessboard& root, const T
     // The engine asks for dynamic DLFU only with a set of its own choice, and "!DLFU" refuses it.
     state.pendingDynamicDlfu = !settings.noHeuristics && !settings.UserChoseSet() &&
                                state.set.params.dlfuDynamic && PositionTypeCheck(root).pendingDynamicDlfu;
-    state.relaxationAllowed = !entry.Has(kOptDontRelaxHeuristics);
+    state.relaxationAllowed = !entry.Has(kOptDontRelaxHeuristics) && !settings.noRelaxation;
     state.pass2Allowed = !settings.noPassTwo && !entry.Has(kOptDontRunPassTwo);
     state.stopRelaxOnFirstSolution = entry.m_bStopRelaxOnFirstSolution;
     state.quickMode = options.m_bQuickMode;

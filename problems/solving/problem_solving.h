@@ -30,6 +30,7 @@ struct TSolveSettings {
     std::string additionalHeuristics;       // tokens added to pass 1's set ("SafeMode", "DLFU(h1,d5)", ...)
     bool noHeuristics = false;
     bool noPassTwo = false;
+    bool noRelaxation = false;  // pass 1's set is not relaxed (the record's DONTRELAXHEURISTICS for one run)
     TProofNumberMode proofNumber = TProofNumberMode::Auto;  // the proof-number pass before the others
     int timeLimitSeconds = 0;
     int threads = 1;

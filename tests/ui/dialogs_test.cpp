@@ -39,11 +39,11 @@ bool Reported(const CRecordingReporter& reporter, const std::string& text) {
     return false;
 }
 
-// Answers the next input dialogs with `texts`, one each, in turn.
-void AnswerInputs(QStringList texts) {
-    QTimer::singleShot(0, [texts] {
+// Answers the next input dialogs with `texts`, one each, in turn; gives up when none opens.
+void AnswerInputs(QStringList texts, int tries = 100) {
+    QTimer::singleShot(0, [texts, tries] {
         auto* dialog = qobject_cast<QInputDialog*>(QApplication::activeModalWidget());
-        if (!dialog) return AnswerInputs(texts);  // not open yet
+        if (!dialog) return void(tries > 0 ? AnswerInputs(texts, tries - 1) : void());
         dialog->setTextValue(texts.front());
         dialog->accept();
         if (texts.size() > 1) AnswerInputs(texts.mid(1));
@@ -93,9 +93,9 @@ class TDialogsTest : public QObject {
     }
 
     void heuristicsDialogChecksItsFields_data() {
-        QTest::addColumn<QStringList>("checked");
-        QTest::addColumn<QString>("field");    // "id=text"
-        QTest::addColumn<QString>("outcome");  // the message, or the chosen set's text
+        QTest::addColumn<QStringList>("checked");  // "!" in front: unchecked
+        QTest::addColumn<QString>("field");        // "id=text"
+        QTest::addColumn<QString>("outcome");      // a message shown, or the chosen set's text ("SH_...")
         QTest::newRow("king move and edge") << QStringList{"heur.kingmove", "heur.outofedge"} << ""
                                             << "Conflict of heuristics (\"Don't let bl.king move (unless "
                                                "immed.mate)\" and \"Don't let bl.king out of the edge\")";
@@ -112,6 +112,12 @@ class TDialogsTest : public QObject {
                                               "heur.nearcorner"}
                                << "heur.nearcorner=3S"
                                << "SH_DONTLETKINGMOVE(excptns), SH_3MOVESTOMATE, SH_KEEPKINGNEARCORNER(3S)";
+        QTest::newRow("flag") << QStringList{"heur.surrounded", "heur.surroundstrict", "!heur.relax"} << ""
+                              << "SH_ASSERTBLACKKINGSURROUNDED(strict)";
+        QTest::newRow("ffm note")
+            << QStringList{"heur.ffm", "!heur.relax"} << "heur.ffm=2"
+            << "Note: relaxation of heuristics is off, so setting for FFM (2 time(s)) will be "
+               "ignored";
     }
 
     void heuristicsDialogChecksItsFields() {
@@ -121,14 +127,17 @@ class TDialogsTest : public QObject {
         TChessboard board;
         QVERIFY(ReadFen("7k/8/8/8/8/8/8/K7 w - - 0 1", board));
         THeuristicsWindow dialog({}, board, std::nullopt, kEnglish, *m_pReporter);
-        for (const QString& id : checked) dialog.Check(id.toStdString())->setChecked(true);
+        for (const QString& id : checked)
+            dialog.Check(QString(id).remove('!').toStdString())->setChecked(!id.startsWith('!'));
         if (!field.isEmpty())
             dialog.Field(field.section('=', 0, 0).toStdString())->setText(field.section('=', 1));
         const bool taken = dialog.TakeSet();
-        if (taken)
+        QCOMPARE(taken, outcome.startsWith("SH_") || outcome.startsWith("Note"));
+        if (outcome.startsWith("SH_"))
             QCOMPARE(QString::fromStdString(HeuristicSetText(dialog.Chosen())), outcome);
         else
             QVERIFY(Reported(*m_pReporter, outcome.toStdString()));
+        QCOMPARE(dialog.Relaxes(), !checked.contains("!heur.relax"));
     }
 
     void variantsAreSavedRenamedAndDeleted() {
@@ -180,6 +189,24 @@ class TDialogsTest : public QObject {
         QVERIFY(number && std::filesystem::exists(ReferencedRegisterFile(*number)));
         Trigger("adv.unpinreg");
         QVERIFY(!m_pWindow->Collection().Current().m_annotations.sTmpReg);
+    }
+
+    void quickRegressionTestReportsIntoTheProgressArea() {
+        const std::filesystem::path was = std::filesystem::current_path();
+        std::filesystem::current_path(Folder());  // the test's log goes to the working folder
+        std::ofstream(Folder() / "one.cp") << "UTF-8\n\n1 #2\n{\n\tFEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n"
+                                              "\tAnswer: a7-f2\n}\n";
+        QVERIFY(m_pWindow->OpenCollection(Folder() / "one.cp"));
+        QSignalSpy finished(m_pWindow.get(), &TMainWindow::AnalysisFinished);
+        Trigger("adv.quicktest");
+        QVERIFY(m_pWindow->Analysing());
+        Trigger("adv.regtest");
+        QVERIFY(Reported(*m_pReporter, "Solving is pending."));
+        QVERIFY(finished.wait(60000));
+        std::filesystem::current_path(was);
+        QVERIFY(m_pWindow->ProgressText().contains("Short regression test (64 sec.) started of"));
+        QVERIFY(m_pWindow->ProgressText().contains(QRegularExpression("Test #1 M\\d+ ok")));
+        QVERIFY(Reported(*m_pReporter, "Regression test: all tests ok"));
     }
 
     void recoveryNoticeOnceForAProcessGone_data() {
