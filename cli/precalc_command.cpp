@@ -8,6 +8,7 @@
 #include "core/fen.h"
 #include "position_arg.h"
 #include "precalc/generator/generator.h"
+#include "precalc/generator/longest_mate.h"
 #include "precalc/generator/lookahead.h"
 #include "precalc/generator/verification.h"
 #include "precalc/global/recompress.h"
@@ -127,24 +128,16 @@ int RunVerify(TProgramContext& context, const TPrecalcArgs& args) {
 void PrintTypeInfo(TGlobalRegisters& registers, const TPrecalcType& type) {
     const TGlobalRegister& reg = registers.Require(type);
     const CGlobalStorage& storage = reg.Storage();
-    uint64_t longestAt = 0;
-    uint16_t longest = 0;
-    for (uint64_t i = 0; i < type.PlacementCount(); ++i) {
-        const uint16_t v = storage.Element(i);
-        if (v != kUnknownMate && v > longest && (storage.ElementSize() == 2 || v != 255)) {
-            longest = v;
-            longestAt = i;
-        }
-    }
+    const TLongestMate longest = LongestMate(type, storage);
     fmt::print("Type: {}\nFile: {}\nIndexes: {} ({} per side to move)\nForm: {}\nMemory: {} bytes\n",
                type.Description(), registers.FileToLoad(type).string(), storage.ElementCount(),
                type.PlacementCount(), StorageFormName(storage.Form()), storage.MemoryBytes());
     TChessboard board;
-    if (longest == 0 || !SetUpPlacement(type, longestAt, true, board)) {
+    if (longest.nValue == 0 || !SetUpPlacement(type, longest.nIndex, true, board)) {
         fmt::print("Longest mate: none\n");
         return;
     }
-    fmt::print("Longest mate: White mates in {}: {} w\n", longest, WriteFenPlacement(board));
+    fmt::print("Longest mate: White mates in {}: {} w\n", longest.nValue, WriteFenPlacement(board));
 }
 
 int RunInfo(TProgramContext& context, const TPrecalcArgs& args) {

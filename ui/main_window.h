@@ -221,8 +221,8 @@ class TMainWindow : public QMainWindow {
     void PinRegister();
     void UnpinRegister();
 
-    // Regression tests, scripts and the precalculated data (window_tests.cpp), each run on the
-    // engine thread; their report comes back as a run's with the result kToolResult.
+    // Regression tests and scripts (window_tests.cpp), each run on the engine thread like the long
+    // tools on the precalculated data; their report comes back as a run's with the result kToolResult.
     static constexpr const char* kToolResult = "tool";
     bool RefuseTool();
     void StartTool(const std::function<std::string(CRunControl&)>& work);
@@ -230,9 +230,18 @@ class TMainWindow : public QMainWindow {
     void RegressionTest() { StartRegressionTest(false); }
     void QuickRegressionTest() { StartRegressionTest(true); }
     void RunScript();
+    // The precalculated data of the position shown (window_precalc.cpp).
     void PositionInformation();
     void PrecalculateType();
     void VerifyType();
+    void StepInType(int step);
+    void NextInType() { StepInType(1); }
+    void PreviousInType() { StepInType(-1); }
+    void SetTypePosition(const TChessboard& board, uint64_t index);
+    void PasteTypeIndex();
+    void StepToLongestMate(int step);
+    void NextLongestMate() { StepToLongestMate(1); }
+    void PreviousLongestMate() { StepToLongestMate(-1); }
 
     // The engine.
     TSolveSettings RunSettings() const;

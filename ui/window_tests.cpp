@@ -1,22 +1,16 @@
-// The main window's long tools: regression tests (full and quick) of the open collection, scripts
-// of tests, and the precalculated data of the current position's type (look-up, generation,
-// verification). Each runs on the engine thread like an analysis, refused while another runs;
-// its lines reach the progress area as they come and its summary a message box at the end.
+// The main window's regression tests (full and quick) of the open collection and scripts of tests.
+// Like the long tools on the precalculated data (window_precalc.cpp) each runs on the engine thread
+// as an analysis does, refused while another runs; its lines reach the progress area as they come
+// and its summary a message box at the end.
 #include <fmt/format.h>
 
 #include <QFileDialog>
 #include <QPlainTextEdit>
 
-#include "core/chess_exception.h"
-#include "core/fen.h"
 #include "main_window.h"
-#include "precalc/generator/generator.h"
-#include "precalc/generator/verification.h"
-#include "precalc/types/precalc_files.h"
 #include "problems/regression/regression_test.h"
 #include "problems/regression/script.h"
 #include "problems/regression/solved_problems_db.h"
-#include "settings/machine.h"
 #include "settings/program_folder.h"
 #include "texts.h"
 
@@ -33,13 +27,6 @@ std::string TestSummary(const TRegressionTestResult& result) {
     return std::string(result.bAnyFailed ? "Regression test: some tests failed"
                                          : "Regression test: all tests ok") +
            "\n" + result.logFile.string();
-}
-
-// The type of the position, or the reason why there is none.
-TPrecalcType TypeOf(const TChessboard& board) {
-    const std::optional<TPrecalcType> type = TPrecalcType::OfPosition(board.squares);
-    if (!type) throw ChessException("The position is of no precalculated type");
-    return *type;
 }
 
 }  // namespace
@@ -105,49 +92,6 @@ void TMainWindow::RunScript() {
     });
     connect(
         &m_run, &CEngineRun::Finished, this, [this] { m_bScriptRunning = false; }, Qt::SingleShotConnection);
-}
-
-void TMainWindow::PositionInformation() {
-    if (RefuseTool()) return;
-    StartTool([board = ShownBoard()](CRunControl&) {
-        TGlobalRegister* reg = TGlobalRegisters::Instance().Find(board);
-        const int halfMoves = reg ? reg->HalfMovesToMate(board) : kStoredUnknown;
-        const std::string fen =
-            fmt::format("{} {}", WriteFenPlacement(board), board.WhiteToMove() ? 'w' : 'b');
-        if (halfMoves == kStoredUnknown) return fen + ": unknown (no precalculated data)";
-        if (halfMoves == kStoredNoMate) return fen + ": no mate";
-        if (halfMoves == 0) return fen + ": Black is mated";
-        return fmt::format("{}: White mates in {}", fen, (halfMoves + 1) / 2);
-    });
-}
-
-void TMainWindow::PrecalculateType() {
-    if (RefuseTool()) return;
-    StartTool([run = &m_run, board = ShownBoard()](CRunControl&) {
-        TGenerationOptions options;
-        options.m_kind = StorageKindNamed("lz4");
-        options.m_nThreads = std::max(1u, LogicalProcessorCount());
-        const TPrecalcType type = TypeOf(board);
-        EnsureTypeData(TGlobalRegisters::Instance(), type, options, [run](const TGenerationReport& r) {
-            run->Say(r.m_sDescription + ": " + std::to_string(r.m_nIndexes) + " indexes, longest mate " +
-                     std::to_string(r.m_nLongestMate));
-        });
-        return fmt::format("{}: {}", type.Description(),
-                           TGlobalRegisters::Instance().FileToLoad(type).string());
-    });
-}
-
-void TMainWindow::VerifyType() {
-    if (RefuseTool()) return;
-    StartTool([board = ShownBoard()](CRunControl&) {
-        TGlobalRegisters& registers = TGlobalRegisters::Instance();
-        const TPrecalcType type = TypeOf(board);
-        const TVerificationReport r =
-            VerifyTypeData(registers, registers.Require(type), std::max(1u, LogicalProcessorCount()), false);
-        return fmt::format("{}: {} indexes checked, {} fault(s){}{}", type.Description(), r.m_nChecked,
-                           r.m_nFaults, r.m_nFaults != 0 ? "\n" : "",
-                           r.m_nFaults != 0 ? r.m_faultFile.string() : "");
-    });
 }
 
 }  // namespace moremate::ui

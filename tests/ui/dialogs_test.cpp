@@ -209,6 +209,25 @@ class TDialogsTest : public QObject {
         QVERIFY(Reported(*m_pReporter, "Regression test: all tests ok"));
     }
 
+    void positionsOfTheTypeByIndex() {
+        const auto fen = [this] {
+            return WriteFenPlacement(m_pWindow->Collection().Current().m_position.board);
+        };
+        QApplication::clipboard()->setText("8/8/8/8/8/2k5/8/K6Q w - - 0 1");
+        Trigger("pos.paste");
+        const std::string start = fen();
+        for (const auto& [forth, back] :
+             {std::pair{"adv.nexttype", "adv.prevtype"}, {"adv.prevtype", "adv.nexttype"}}) {
+            Trigger(forth);
+            QVERIFY(fen() != start);
+            Trigger(back);
+            QCOMPARE(fen(), start);
+        }
+        Trigger("adv.typeindex", {"123456789"});
+        QVERIFY(Reported(*m_pReporter, "Index 123456789 gives no legal position of this type"));
+        QCOMPARE(fen(), start);
+    }
+
     void recoveryNoticeOnceForAProcessGone_data() {
         QTest::addColumn<int>("pid");
         QTest::addColumn<bool>("told");
