@@ -28,11 +28,6 @@ struct TPrecalcArgs {
     std::string type;  // probe: the type to look in
 };
 
-// A description with marks of the custom grammar, or any with --custom, is a custom type.
-TPrecalcType TypeOfArg(const std::string& text, bool bCustom) {
-    return TPrecalcType::Parse(text, bCustom || text.find_first_of("+()Xx?") != std::string::npos);
-}
-
 TGlobalRegisters& ConfiguredRegisters(TProgramContext& context, bool bForMaking) {
     TGlobalRegisterSettings settings = TGlobalRegisterSettings::FromOptions(context.options);
     if (bForMaking) settings.m_bForceDiskAccess = false;  // the generator reads other types at every move
@@ -71,7 +66,7 @@ std::vector<TPrecalcType> TypesToMake(const TPrecalcArgs& args) {
     }
     if (names.empty()) throw ChessException("No position type given (a type such as KQk, or --all N)");
     std::vector<TPrecalcType> types;
-    for (const std::string& name : names) types.push_back(TypeOfArg(name, args.custom));
+    for (const std::string& name : names) types.push_back(TPrecalcType::ParseAny(name, args.custom));
     return types;
 }
 
@@ -142,7 +137,8 @@ void PrintTypeInfo(TGlobalRegisters& registers, const TPrecalcType& type) {
 
 int RunInfo(TProgramContext& context, const TPrecalcArgs& args) {
     TGlobalRegisters& registers = ConfiguredRegisters(context, false);
-    for (const std::string& name : args.types) PrintTypeInfo(registers, TypeOfArg(name, args.custom));
+    for (const std::string& name : args.types)
+        PrintTypeInfo(registers, TPrecalcType::ParseAny(name, args.custom));
     if (args.types.empty()) {
         const std::set<std::string> onDisk = registers.TypesOnDisk();
         fmt::print("Data folder: {}\n{} position type(s) on disk:",
@@ -162,7 +158,7 @@ int RunProbe(TProgramContext& context, const TPrecalcArgs& args) {
     if (args.type.empty()) {
         reg = registers.Find(board);
     } else {
-        const TPrecalcType type = TypeOfArg(args.type, args.custom);
+        const TPrecalcType type = TPrecalcType::ParseAny(args.type, args.custom);
         if (!type.ContainsPosition(board.squares))
             throw ChessException("The position is not one of type " + type.Description());
         reg = &registers.Require(type);
@@ -185,7 +181,7 @@ int RunRecompress(TProgramContext& context, const TPrecalcArgs& args) {
     TGlobalRegisters& registers = ConfiguredRegisters(context, false);
     const std::filesystem::path folder = registers.Settings().m_dataFolder;
     for (const std::string& name : args.types) {
-        const TPrecalcType type = TypeOfArg(name, args.custom);
+        const TPrecalcType type = TPrecalcType::ParseAny(name, args.custom);
         const std::filesystem::path file = registers.FileToLoad(type);
         if (file.empty())
             throw ChessException("No data file of " + type.Description() + " in " + folder.string());

@@ -234,6 +234,9 @@ class TMainWindow : public QMainWindow {
     void PositionInformation();
     void PrecalculateType();
     void VerifyType();
+    void VerifyAllTypes(bool fromCurrent);
+    void VerifyFiles() { VerifyAllTypes(false); }
+    void VerifyFilesFromHere() { VerifyAllTypes(true); }
     void StepInType(int step);
     void NextInType() { StepInType(1); }
     void PreviousInType() { StepInType(-1); }

@@ -98,6 +98,8 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"adv.quicktest", "menu.advanced", "", &TMainWindow::QuickRegressionTest},
         {"adv.script", "menu.advanced", "", &TMainWindow::RunScript},
         {"adv.globalstatus", "menu.advanced", "", &TMainWindow::GlobalRegisterStatus},
+        {"adv.verifyfiles", "menu.advanced", "", &TMainWindow::VerifyFiles},
+        {"adv.verifyresume", "menu.advanced", "", &TMainWindow::VerifyFilesFromHere},
         {"adv.maxnext", "menu.advanced", "Ctrl+M", &TMainWindow::NextLongestMate},
         {"adv.maxprev", "menu.advanced", "Ctrl+Shift+M", &TMainWindow::PreviousLongestMate},
         {"adv.posinfo", "menu.advanced", "Ctrl+I", &TMainWindow::PositionInformation},

@@ -27,6 +27,16 @@ TPrecalcType TypeOf(const TChessboard& board) {
     return *type;
 }
 
+// Verifies the type's data: the faults and the line that tells of them.
+std::pair<uint64_t, std::string> Verified(const TPrecalcType& type) {
+    TGlobalRegisters& registers = TGlobalRegisters::Instance();
+    const TVerificationReport r =
+        VerifyTypeData(registers, registers.Require(type), std::max(1u, LogicalProcessorCount()), false);
+    return {r.m_nFaults, fmt::format("{}: {} indexes checked, {} fault(s){}{}", type.Description(),
+                                     r.m_nChecked, r.m_nFaults, r.m_nFaults != 0 ? "\n" : "",
+                                     r.m_nFaults != 0 ? r.m_faultFile.string() : "")};
+}
+
 }  // namespace
 
 void TMainWindow::PositionInformation() {
@@ -61,14 +71,26 @@ void TMainWindow::PrecalculateType() {
 
 void TMainWindow::VerifyType() {
     if (RefuseTool()) return;
-    StartTool([board = ShownBoard()](CRunControl&) {
-        TGlobalRegisters& registers = TGlobalRegisters::Instance();
-        const TPrecalcType type = TypeOf(board);
-        const TVerificationReport r =
-            VerifyTypeData(registers, registers.Require(type), std::max(1u, LogicalProcessorCount()), false);
-        return fmt::format("{}: {} indexes checked, {} fault(s){}{}", type.Description(), r.m_nChecked,
-                           r.m_nFaults, r.m_nFaults != 0 ? "\n" : "",
-                           r.m_nFaults != 0 ? r.m_faultFile.string() : "");
+    StartTool([board = ShownBoard()](CRunControl&) { return Verified(TypeOf(board)).second; });
+}
+
+// Every type with data on disk in the order of their descriptions, or those from the current
+// position's type on; Stop ends the series after the type being verified.
+void TMainWindow::VerifyAllTypes(bool fromCurrent) {
+    if (RefuseTool()) return;
+    StartTool([run = &m_run, board = ShownBoard(), fromCurrent](CRunControl& control) {
+        const std::string from = fromCurrent ? TypeOf(board).Description() : "";
+        uint64_t faults = 0;
+        int types = 0;
+        for (const std::string& description : TGlobalRegisters::Instance().TypesOnDisk()) {
+            if (description < from) continue;
+            if (control.StoppedByUser()) break;
+            const auto [typeFaults, line] = Verified(TPrecalcType::ParseAny(description));
+            run->Say(line);
+            faults += typeFaults;
+            ++types;
+        }
+        return fmt::format("{} position type(s) verified, {} fault(s)", types, faults);
     });
 }
 

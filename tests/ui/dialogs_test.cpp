@@ -16,6 +16,7 @@
 #include "core/fen.h"
 #include "engine/heuristics/heuristic_text.h"
 #include "engine/run/run_texts.h"
+#include "precalc/global/global_registers.h"
 #include "problems/annotations/problem_tags.h"
 #include "problems/annotations/problem_variants.h"
 #include "problems/annotations/register_reference.h"
@@ -226,6 +227,34 @@ class TDialogsTest : public QObject {
         Trigger("adv.typeindex", {"123456789"});
         QVERIFY(Reported(*m_pReporter, "Index 123456789 gives no legal position of this type"));
         QCOMPARE(fen(), start);
+    }
+
+    // KQk generated, looked up, walked by its longest mates (#10) and verified, each on the engine thread.
+    void precalculatedDataTools() {
+        TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(TOptions{}),
+                                               m_pReporter.get());
+        QApplication::clipboard()->setText("8/8/8/8/8/2k5/8/K6Q w - - 0 1");
+        Trigger("pos.paste");
+        struct TStep {
+            const char* id;
+            const char* told;
+            const char* fen;  // the position afterwards
+        };
+        const std::string start = "8/8/8/8/8/2k5/8/K6Q", first = "8/8/8/5k2/8/8/1Q6/K7";
+        for (const TStep& step :
+             {TStep{"adv.precalc", "KQk: ", start.c_str()},
+              {"adv.posinfo", "w: White mates in 6", start.c_str()},
+              {"adv.maxnext", "KQk: max #10, index 19616", first.c_str()},
+              {"adv.maxnext", "KQk: max #10, index 19840", "8/8/4k3/8/8/8/1Q6/K7"},
+              {"adv.maxprev", "KQk: max #10, index 19616", first.c_str()},
+              {"adv.verifyfiles", "1 position type(s) verified, 0 fault(s)", first.c_str()}}) {
+            QSignalSpy finished(m_pWindow.get(), &TMainWindow::AnalysisFinished);
+            Trigger(step.id);
+            QVERIFY(finished.wait(120000));
+            QVERIFY2(Reported(*m_pReporter, step.told), step.id);
+            QCOMPARE(WriteFenPlacement(m_pWindow->Collection().Current().m_position.board),
+                     std::string(step.fen));
+        }
     }
 
     void recoveryNoticeOnceForAProcessGone_data() {
