@@ -243,6 +243,7 @@ class TMainWindow : public QMainWindow {
     void SetTypePosition(const TChessboard& board, uint64_t index);
     void PasteTypeIndex();
     void StepToLongestMate(int step);
+    void CheckFenFile();
     void NextLongestMate() { StepToLongestMate(1); }
     void PreviousLongestMate() { StepToLongestMate(-1); }
 

@@ -108,6 +108,7 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"adv.nexttype", "menu.advanced", "Shift+Ctrl+N", &TMainWindow::NextInType},
         {"adv.verifytype", "menu.advanced", "", &TMainWindow::VerifyType},
         {"adv.precalc", "menu.advanced", "", &TMainWindow::PrecalculateType},
+        {"adv.fencheck", "menu.advanced", "", &TMainWindow::CheckFenFile},
         {"help.about", "menu.help", "", &TMainWindow::About},
         {"help.threads", "menu.help", "", &TMainWindow::ChooseThreads},
         {"lang.polish", "menu.language", "", &TMainWindow::Polish},
