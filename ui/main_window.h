@@ -17,6 +17,7 @@
 #include "engine/heuristics/heuristic_set.h"
 #include "engine_run.h"
 #include "problem_collection.h"
+#include "registers/register_autosave.h"
 #include "settings/options.h"
 #include "tablebase/tablebase_service.h"
 
@@ -220,6 +221,9 @@ class TMainWindow : public QMainWindow {
     void ReadRegisterFrom();
     void PinRegister();
     void UnpinRegister();
+    // Saves the run's register every AutoSaveMinutes (when the register is emptied) with its
+    // descriptor, which tells the next start whether the run ended forcibly.
+    void AttachAutoSave(const ProblemEntry& entry, const std::optional<THeuristicSet>& set);
 
     // Regression tests and scripts (window_tests.cpp), each run on the engine thread like the long
     // tools on the precalculated data; their report comes back as a run's with the result kToolResult.
@@ -271,6 +275,7 @@ class TMainWindow : public QMainWindow {
     std::unique_ptr<CReporter> m_pTablebaseReporter;  // the second instance's notice as the options say
     std::unique_ptr<CTablebaseService> m_pTablebase;
     std::unique_ptr<CRunRegister> m_pRunRegister;
+    std::unique_ptr<CRegisterAutoSave> m_pAutoSave;  // of the run going on; after m_run, which ends first
     CEngineRun m_run;
     size_t m_nRunIndex = 0;  // the problem being analysed
 

@@ -51,6 +51,7 @@ void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
     }
     m_nRunIndex = m_collection.CurrentIndex();
     m_pProgress->setPlainText(Text("label.running"));
+    AttachAutoSave(entry, settings.userSet);
     m_run.Start(entry, settings, m_options, *m_pRunRegister);
     UpdateRunState();
 }
@@ -165,6 +166,7 @@ void TMainWindow::WriteResult(ProblemEntry& entry, const TProblemReport& report)
 }
 
 void TMainWindow::RunFinished(const TProblemReport& report) {
+    m_pAutoSave.reset();  // the run ended normally: its descriptor says so
     UpdateRunState();
     QString text = QString::fromStdString(report.outcome).trimmed();
     if (!report.keysLong.empty()) {

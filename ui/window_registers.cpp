@@ -4,6 +4,7 @@
 #include <QFileDialog>
 
 #include "core/chess_exception.h"
+#include "engine/heuristics/heuristic_text.h"
 #include "engine/run/run_texts.h"
 #include "main_window.h"
 #include "problems/annotations/register_reference.h"
@@ -102,6 +103,25 @@ void TMainWindow::UnpinRegister() {
         return void(m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
                                       Text("msg.notpinned").toStdString()));
     Edit([](ProblemEntry& e) { e.m_annotations.sTmpReg.reset(); });
+}
+
+void TMainWindow::AttachAutoSave(const ProblemEntry& entry, const std::optional<THeuristicSet>& set) {
+    TAutoSaveSettings settings;
+    settings.nMinutes = m_options.m_nAutoSaveMinutes;
+    settings.nMegabytes = m_options.m_nAutoSaveMB;
+    settings.bEnabled = true;
+    settings.folder = ProgramFolder() / kSavedRegisterFolder;
+    TAutoSaveDescriptor descriptor;
+    descriptor.m_sDescription = entry.m_sDescription.substr(0, kMaxDescriptionLength);
+    descriptor.m_bHeuristicsOnStartSelectedByUser = set.has_value();
+    if (set) {
+        descriptor.m_nHeuristicsOnStart = set->mask;
+        descriptor.m_sHeuristicsOnStartString = HeuristicSetText(*set);
+    }
+    descriptor.m_nMaxMemRatioForPrecalculatedData = m_options.m_nMaxMemRatioForPrecalculatedData;
+    descriptor.m_nMaxMemRatioPerProblem = m_options.m_nMaxMemRatioForTempReg;
+    m_pAutoSave = std::make_unique<CRegisterAutoSave>(settings, descriptor);
+    m_pAutoSave->Attach(m_pRunRegister->WhiteToMove(), &m_pRunRegister->BlackToMove());
 }
 
 void TMainWindow::ShowRecoveryNotice() {
