@@ -213,7 +213,8 @@ class TMainWindow : public QMainWindow {
     // The register commands (window_registers.cpp).
     bool RefuseRegisterCommand();
     std::filesystem::path DefaultRegisterFile() const;
-    bool SaveRegisterTo(const std::filesystem::path& file);
+    // On the engine thread; `saved` runs once the file is written.
+    void SaveRegisterTo(const std::filesystem::path& file, const std::function<void()>& saved = {});
     void ReadRegisterFile(const std::filesystem::path& file);
     void SaveRegister();
     void SaveRegisterAs();
@@ -229,7 +230,9 @@ class TMainWindow : public QMainWindow {
     // tools on the precalculated data; their report comes back as a run's with the result kToolResult.
     static constexpr const char* kToolResult = "tool";
     bool RefuseTool();
-    void StartTool(const std::function<std::string(CRunControl&)>& work);
+    // `work` gives the text of its summary; `done` runs on the interface thread after the report.
+    void StartTool(const std::function<std::string(CRunControl&)>& work,
+                   const std::function<void()>& done = {});
     void StartRegressionTest(bool quick);
     void RegressionTest() { StartRegressionTest(false); }
     void QuickRegressionTest() { StartRegressionTest(true); }

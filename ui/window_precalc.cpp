@@ -142,26 +142,25 @@ void TMainWindow::PasteTypeIndex() {
 void TMainWindow::StepToLongestMate(int step) {
     if (RefuseTool()) return;
     auto found = std::make_shared<std::optional<std::pair<TChessboard, uint64_t>>>();
-    StartTool([found, board = ShownBoard(), step](CRunControl&) {
-        const TPrecalcType type = TypeOf(board);
-        const CGlobalStorage& storage = TGlobalRegisters::Instance().Require(type).Storage();
-        const TLongestMate longest = LongestMate(type, storage);
-        if (longest.nValue == 0) return type.Description() + ": no mate stored";
-        const uint64_t from = board.WhiteToMove() ? type.IndexOf(board.squares) : longest.nIndex - step;
-        const std::optional<uint64_t> index = NextPlacementWith(type, storage, from, step, longest.nValue);
-        TChessboard next;
-        if (!index || !SetUpPlacement(type, *index, true, next))
-            return type.Description() + ": no such position";
-        *found = std::pair(next, *index);
-        return fmt::format("{}: max #{}, index {}: {} w", type.Description(), longest.nValue, *index,
-                           WriteFenPlacement(next));
-    });
-    connect(
-        &m_run, &CEngineRun::Finished, this,
+    StartTool(
+        [found, board = ShownBoard(), step](CRunControl&) {
+            const TPrecalcType type = TypeOf(board);
+            const CGlobalStorage& storage = TGlobalRegisters::Instance().Require(type).Storage();
+            const TLongestMate longest = LongestMate(type, storage);
+            if (longest.nValue == 0) return type.Description() + ": no mate stored";
+            const uint64_t from = board.WhiteToMove() ? type.IndexOf(board.squares) : longest.nIndex - step;
+            const std::optional<uint64_t> index =
+                NextPlacementWith(type, storage, from, step, longest.nValue);
+            TChessboard next;
+            if (!index || !SetUpPlacement(type, *index, true, next))
+                return type.Description() + ": no such position";
+            *found = std::pair(next, *index);
+            return fmt::format("{}: max #{}, index {}: {} w", type.Description(), longest.nValue, *index,
+                               WriteFenPlacement(next));
+        },
         [this, found] {
             if (*found) SetTypePosition((*found)->first, (*found)->second);
-        },
-        Qt::SingleShotConnection);
+        });
 }
 
 }  // namespace moremate::ui

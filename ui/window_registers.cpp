@@ -39,28 +39,36 @@ std::filesystem::path TMainWindow::DefaultRegisterFile() const {
                   : ProblemRegisterFile(m_collection.File(), entry.m_nNumber);
 }
 
-bool TMainWindow::SaveRegisterTo(const std::filesystem::path& file) {
-    const std::string title = ReportTitle(ReportKind::Information, m_nLanguage);
-    if (!m_pRunRegister) {
-        m_reporter.Report(title, Text("msg.noregister").toStdString());
-        return false;
-    }
-    try {
-        SaveRunRegister(file, *m_pRunRegister);
-    } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
-        return false;
-    }
-    Say(Text("label.regsaved").arg(QString::fromStdString(file.string())));
-    return true;
+void TMainWindow::SaveRegisterTo(const std::filesystem::path& file, const std::function<void()>& saved) {
+    if (!m_pRunRegister)
+        return void(m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
+                                      Text("msg.noregister").toStdString()));
+    auto written = std::make_shared<bool>(false);
+    StartTool(
+        [runRegister = m_pRunRegister.get(), file, written,
+         told =
+             Text("label.regsaved").arg(QString::fromStdString(file.string())).toStdString()](CRunControl&) {
+            SaveRunRegister(file, *runRegister);
+            *written = true;
+            return told;
+        },
+        [written, saved] {
+            if (*written && saved) saved();
+        });
 }
 
+// Reads on the engine thread; the register read replaces the window's when the run ends.
 void TMainWindow::ReadRegisterFile(const std::filesystem::path& file) {
-    TRunRegisterLoad load = LoadRunRegisterFile(file, m_options);
-    m_reporter.Report(
-        ReportTitle(ReportKind::Information, m_nLanguage),
-        LoadReportText(load.result, file, m_nLanguage, m_options.m_bClearRegisterOnStartSolving));
-    if (load.result.bRead) m_pRunRegister = std::move(load.runRegister);
+    auto loaded = std::make_shared<std::unique_ptr<CRunRegister>>();
+    StartTool(
+        [file, options = m_options, language = m_nLanguage, loaded](CRunControl&) {
+            TRunRegisterLoad load = LoadRunRegisterFile(file, options);
+            if (load.result.bRead) *loaded = std::move(load.runRegister);
+            return LoadReportText(load.result, file, language, options.m_bClearRegisterOnStartSolving);
+        },
+        [this, loaded] {
+            if (*loaded) m_pRunRegister = std::move(*loaded);
+        });
 }
 
 void TMainWindow::SaveRegister() {
@@ -92,8 +100,8 @@ void TMainWindow::ReadRegisterFrom() {
 void TMainWindow::PinRegister() {
     if (RefuseRegisterCommand()) return;
     const uint32_t number = NextFreeRegisterNumber();
-    if (SaveRegisterTo(ReferencedRegisterFile(number)))
-        Edit([number](ProblemEntry& e) { SetTmpRegNumber(e, number); });
+    SaveRegisterTo(ReferencedRegisterFile(number),
+                   [this, number] { Edit([number](ProblemEntry& e) { SetTmpRegNumber(e, number); }); });
 }
 
 // Takes the reference off the problem; the register file stays.

@@ -40,7 +40,8 @@ bool TMainWindow::RefuseTool() {
     return m_collection.Size() == 0;
 }
 
-void TMainWindow::StartTool(const std::function<std::string(CRunControl&)>& work) {
+void TMainWindow::StartTool(const std::function<std::string(CRunControl&)>& work,
+                            const std::function<void()>& done) {
     m_nRunIndex = m_collection.CurrentIndex();
     m_pProgress->clear();
     m_run.StartWork([work](CRunControl& control) {
@@ -49,6 +50,7 @@ void TMainWindow::StartTool(const std::function<std::string(CRunControl&)>& work
         report.outcome = work(control);
         return report;
     });
+    if (done) connect(&m_run, &CEngineRun::Finished, this, done, Qt::SingleShotConnection);
     UpdateRunState();
 }
 
@@ -80,18 +82,18 @@ void TMainWindow::RunScript() {
         QFileDialog::getOpenFileName(this, Title("adv.script"), QString(), Text("filter.vrs"));
     if (name.isEmpty()) return;
     m_bScriptRunning = true;
-    StartTool([run = &m_run, name = name.toStdString(), solve = RunSettings(),
-               options = m_options](CRunControl& control) {
-        TScriptEnvironment environment{
-            options, solve, {}, {}, [run](const std::string& line) { run->Say(line); }};
-        environment.solve.run.control = &control;
-        environment.testSettings.databaseFolder = ProgramFolder() / kSolvedProblemsFolder;
-        environment.testSettings.stopped = [&control] { return control.StoppedByUser(); };
-        const TScriptResult result = RunScriptFile(name, environment);
-        return std::string(result.bAnyFailed ? "Script: some tests failed" : "Script: all tests ok");
-    });
-    connect(
-        &m_run, &CEngineRun::Finished, this, [this] { m_bScriptRunning = false; }, Qt::SingleShotConnection);
+    StartTool(
+        [run = &m_run, name = name.toStdString(), solve = RunSettings(),
+         options = m_options](CRunControl& control) {
+            TScriptEnvironment environment{
+                options, solve, {}, {}, [run](const std::string& line) { run->Say(line); }};
+            environment.solve.run.control = &control;
+            environment.testSettings.databaseFolder = ProgramFolder() / kSolvedProblemsFolder;
+            environment.testSettings.stopped = [&control] { return control.StoppedByUser(); };
+            const TScriptResult result = RunScriptFile(name, environment);
+            return std::string(result.bAnyFailed ? "Script: some tests failed" : "Script: all tests ok");
+        },
+        [this] { m_bScriptRunning = false; });
 }
 
 }  // namespace moremate::ui

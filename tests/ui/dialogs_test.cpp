@@ -185,9 +185,13 @@ class TDialogsTest : public QObject {
         QSignalSpy finished(m_pWindow.get(), &TMainWindow::AnalysisFinished);
         Trigger("prob.stop");
         QVERIFY(finished.wait(60000));
-        Trigger("adv.pinreg");
+        Trigger("adv.pinreg");  // saved on the engine thread, then the problem refers to the file
+        QVERIFY(finished.wait(60000));
         const std::optional<uint32_t> number = TmpRegNumber(m_pWindow->Collection().Current());
         QVERIFY(number && std::filesystem::exists(ReferencedRegisterFile(*number)));
+        Trigger("adv.readreg");  // the pinned file
+        QVERIFY(finished.wait(60000));
+        QVERIFY(Reported(*m_pReporter, "File has been read: "));
         Trigger("adv.unpinreg");
         QVERIFY(!m_pWindow->Collection().Current().m_annotations.sTmpReg);
     }
