@@ -57,12 +57,15 @@ void TMainWindow::SaveRegisterTo(const std::filesystem::path& file, const std::f
         });
 }
 
-// Reads on the engine thread; the register read replaces the window's when the run ends.
+// Reads on the engine thread, with as many buckets as the current problem's length asks for; the
+// register read replaces the window's when the run ends.
 void TMainWindow::ReadRegisterFile(const std::filesystem::path& file) {
     auto loaded = std::make_shared<std::unique_ptr<CRunRegister>>();
+    const size_t buckets =
+        LoadBucketCount(m_collection.Current().StipulationMoves(), m_options.TempRegQuotaMB());
     StartTool(
-        [file, options = m_options, language = m_nLanguage, loaded](CRunControl&) {
-            TRunRegisterLoad load = LoadRunRegisterFile(file, options);
+        [file, options = m_options, language = m_nLanguage, loaded, buckets](CRunControl&) {
+            TRunRegisterLoad load = LoadRunRegisterFile(file, options, buckets);
             if (load.result.bRead) *loaded = std::move(load.runRegister);
             return LoadReportText(load.result, file, language, options.m_bClearRegisterOnStartSolving);
         },
