@@ -33,6 +33,8 @@ const std::vector<TTextRow> kDialogTable = {
     {"var.stopanim", "Zatrzymaj animację", "Stop animation", "Зупинити анімацію"},
     {"var.rename", "Zmień nazwę tego wariantu...", "Rename this variant...", "Перейменувати цей варіант..."},
     {"var.delete", "Usuń wariant...", "Delete variant...", "Видалити варіант..."},
+    {"msg.nomoves", "Najpierw wykonaj ruchy wariantu na szachownicy",
+     "Make the moves of the variant on the board first", "Спершу зробіть ходи варіанту на шахівниці"},
     {"var.nameprompt", "Wybierz/wpisz nazwę", "Select/enter name", "Виберіть/введіть назву"},
     {"var.newname", "Nowa nazwa:", "New name:", "Нова назва:"},
     {"msg.novariants", "To zadanie nie ma zapisanych wariantów", "This problem has no stored variants",

@@ -166,6 +166,9 @@ std::optional<std::string> TMainWindow::AskVariantName(const QString& title, boo
 
 void TMainWindow::SaveVariantAs() {
     if (RefuseWhileAnalysing() || m_collection.Size() == 0) return;
+    if (m_nShown == 0)
+        return void(m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
+                                      Text("msg.nomoves").toStdString()));
     const std::optional<std::string> name = AskVariantName(Title("var.saveas"), true);
     if (!name) return;
     const std::vector<TMove> moves(m_vMoves.begin(), m_vMoves.begin() + static_cast<long>(m_nShown));
