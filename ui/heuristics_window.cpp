@@ -61,12 +61,12 @@ const TFieldRow kFieldRows[] = {
      [](TParams& p) -> bool& { return p.surroundedStrict; }},
     {"heur.skippassive", &TFields::m_bSkipPassive, nullptr, 2},
     {"heur.skipworst", &TFields::m_bSkipWorst, nullptr, 2},
+    {"heur.seasnake", &TFields::m_bSeaSnake, nullptr, 2},
+    {"heur.relax", &TFields::m_bRelaxHeuristics, nullptr, 2},
     {"heur.ffm", &TFields::m_bFindForcedMate, &TFields::m_sFfmRelaxations, 2},
     {"heur.ffmtwice", nullptr, nullptr, 2, true, [](TParams& p) -> bool& { return p.ffm.twoCycles; }},
     {"heur.ffmcaptures", nullptr, nullptr, 2, true,
      [](TParams& p) -> bool& { return p.ffm.captureNearBlackKing; }},
-    {"heur.seasnake", &TFields::m_bSeaSnake, nullptr, 2},
-    {"heur.relax", &TFields::m_bRelaxHeuristics, nullptr, 2},
 };
 
 // The heuristics shown as plain check boxes, with their labels.
