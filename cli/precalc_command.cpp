@@ -8,6 +8,7 @@
 #include "core/fen.h"
 #include "position_arg.h"
 #include "precalc/generator/generator.h"
+#include "precalc/generator/longest_mate.h"
 #include "precalc/generator/lookahead.h"
 #include "precalc/generator/verification.h"
 #include "precalc/global/recompress.h"
@@ -26,11 +27,6 @@ struct TPrecalcArgs {
     std::string fen;
     std::string type;  // probe: the type to look in
 };
-
-// A description with marks of the custom grammar, or any with --custom, is a custom type.
-TPrecalcType TypeOfArg(const std::string& text, bool bCustom) {
-    return TPrecalcType::Parse(text, bCustom || text.find_first_of("+()Xx?") != std::string::npos);
-}
 
 TGlobalRegisters& ConfiguredRegisters(TProgramContext& context, bool bForMaking) {
     TGlobalRegisterSettings settings = TGlobalRegisterSettings::FromOptions(context.options);
@@ -70,7 +66,7 @@ std::vector<TPrecalcType> TypesToMake(const TPrecalcArgs& args) {
     }
     if (names.empty()) throw ChessException("No position type given (a type such as KQk, or --all N)");
     std::vector<TPrecalcType> types;
-    for (const std::string& name : names) types.push_back(TypeOfArg(name, args.custom));
+    for (const std::string& name : names) types.push_back(TPrecalcType::ParseAny(name, args.custom));
     return types;
 }
 
@@ -127,29 +123,22 @@ int RunVerify(TProgramContext& context, const TPrecalcArgs& args) {
 void PrintTypeInfo(TGlobalRegisters& registers, const TPrecalcType& type) {
     const TGlobalRegister& reg = registers.Require(type);
     const CGlobalStorage& storage = reg.Storage();
-    uint64_t longestAt = 0;
-    uint16_t longest = 0;
-    for (uint64_t i = 0; i < type.PlacementCount(); ++i) {
-        const uint16_t v = storage.Element(i);
-        if (v != kUnknownMate && v > longest && (storage.ElementSize() == 2 || v != 255)) {
-            longest = v;
-            longestAt = i;
-        }
-    }
+    const TLongestMate longest = LongestMate(type, storage);
     fmt::print("Type: {}\nFile: {}\nIndexes: {} ({} per side to move)\nForm: {}\nMemory: {} bytes\n",
                type.Description(), registers.FileToLoad(type).string(), storage.ElementCount(),
                type.PlacementCount(), StorageFormName(storage.Form()), storage.MemoryBytes());
     TChessboard board;
-    if (longest == 0 || !SetUpPlacement(type, longestAt, true, board)) {
+    if (longest.nValue == 0 || !SetUpPlacement(type, longest.nIndex, true, board)) {
         fmt::print("Longest mate: none\n");
         return;
     }
-    fmt::print("Longest mate: White mates in {}: {} w\n", longest, WriteFenPlacement(board));
+    fmt::print("Longest mate: White mates in {}: {} w\n", longest.nValue, WriteFenPlacement(board));
 }
 
 int RunInfo(TProgramContext& context, const TPrecalcArgs& args) {
     TGlobalRegisters& registers = ConfiguredRegisters(context, false);
-    for (const std::string& name : args.types) PrintTypeInfo(registers, TypeOfArg(name, args.custom));
+    for (const std::string& name : args.types)
+        PrintTypeInfo(registers, TPrecalcType::ParseAny(name, args.custom));
     if (args.types.empty()) {
         const std::set<std::string> onDisk = registers.TypesOnDisk();
         fmt::print("Data folder: {}\n{} position type(s) on disk:",
@@ -169,7 +158,7 @@ int RunProbe(TProgramContext& context, const TPrecalcArgs& args) {
     if (args.type.empty()) {
         reg = registers.Find(board);
     } else {
-        const TPrecalcType type = TypeOfArg(args.type, args.custom);
+        const TPrecalcType type = TPrecalcType::ParseAny(args.type, args.custom);
         if (!type.ContainsPosition(board.squares))
             throw ChessException("The position is not one of type " + type.Description());
         reg = &registers.Require(type);
@@ -192,7 +181,7 @@ int RunRecompress(TProgramContext& context, const TPrecalcArgs& args) {
     TGlobalRegisters& registers = ConfiguredRegisters(context, false);
     const std::filesystem::path folder = registers.Settings().m_dataFolder;
     for (const std::string& name : args.types) {
-        const TPrecalcType type = TypeOfArg(name, args.custom);
+        const TPrecalcType type = TPrecalcType::ParseAny(name, args.custom);
         const std::filesystem::path file = registers.FileToLoad(type);
         if (file.empty())
             throw ChessException("No data file of " + type.Description() + " in " + folder.string());

@@ -18,6 +18,7 @@ CRegisterAutoSave::CRegisterAutoSave(TAutoSaveSettings settings, TAutoSaveDescri
       m_nLastSaveMs(m_clock()) {}
 
 CRegisterAutoSave::~CRegisterAutoSave() {
+    if (m_bSaved) MarkAutoSaveClosed(FilePath().string() + ".ini");  // the analysis ends normally
     if (m_pWhite) m_pWhite->SetAutosave({});
     if (m_pBlack) m_pBlack->SetAutosave({});
 }
@@ -49,6 +50,7 @@ bool CRegisterAutoSave::SaveIfDue() {
         return WriteAutoSaveDescriptor(file, m_descriptor);
     };
     SaveRegisterFile(FilePath(), *m_pWhite, m_pBlack, options);
+    m_bSaved = true;
     return true;
 }
 

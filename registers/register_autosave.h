@@ -32,7 +32,7 @@ class CRegisterAutoSave {
 
     // The interval starts now. Without a clock the steady clock is used.
     CRegisterAutoSave(TAutoSaveSettings settings, TAutoSaveDescriptor descriptor, CClock clock = {});
-    // Removes the hooks it installed.
+    // Removes the hooks it installed and, when it saved, marks the descriptor as closed normally.
     ~CRegisterAutoSave();
     CRegisterAutoSave(const CRegisterAutoSave&) = delete;
     CRegisterAutoSave& operator=(const CRegisterAutoSave&) = delete;
@@ -57,6 +57,7 @@ class CRegisterAutoSave {
     const CClock m_clock;
     mutable std::mutex m_mutex;
     int64_t m_nLastSaveMs;
+    bool m_bSaved = false;
     TAggregatedTemporaryChessboardRegister* m_pWhite = nullptr;
     TAggregatedTemporaryChessboardRegister* m_pBlack = nullptr;
     std::string m_sLastError;

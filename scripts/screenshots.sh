@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs the desktop program under Xvfb and drives it with keys as a user would: open a collection
-# through the file dialog, go to a problem, solve it, save, look at the options, quit. Writes the
-# screenshots of the README to docs/. Needs a build (BUILD, default build) with moremate-gui.
+# through the file dialog, go to a problem, solve it, save, look at the options and the heuristics
+# dialog, quit. Writes the screenshots of the README to docs/. Needs a build (BUILD, default
+# build) with moremate-gui.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 if [ -z "${MOREMATE_IN_XVFB:-}" ]; then
@@ -83,6 +84,12 @@ keys alt+d
 keys o
 focus Options
 import -window "$(xdotool search --onlyvisible --name Options | tail -1)" "$docs/gui-options.png"
+keys Escape
+# The heuristics dialog (Ctrl+F5) on the #20, closed without solving.
+focus 'moremate - problems.cp'
+keys ctrl+F5
+focus 'Special heuristics'
+import -window "$(xdotool search --onlyvisible --name 'Special heuristics' | tail -1)" "$docs/gui-heuristics.png"
 keys Escape
 # Quit (File > Exit); the collection was saved, so nothing is asked.
 focus 'moremate - problems.cp'

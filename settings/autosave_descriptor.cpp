@@ -1,6 +1,9 @@
 #include "autosave_descriptor.h"
 
+#include <signal.h>
 #include <unistd.h>
+
+#include <cerrno>
 
 #include "ini_file.h"
 
@@ -9,9 +12,9 @@ namespace {
 
 constexpr std::size_t kMaxTextLength = 4095;
 
-std::string ExecutablePath() {
+std::string ExecutablePath(const std::string& process = "self") {
     std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).string();
+    return std::filesystem::read_symlink("/proc/" + process + "/exe", error).string();
 }
 
 }  // namespace
@@ -48,6 +51,17 @@ bool WriteAutoSaveDescriptor(const std::filesystem::path& path, const TAutoSaveD
     bWritten &= ini.WriteInt(kAutoSaveSection, "ProcessId", getpid());
     bWritten &= ini.WriteString(kAutoSaveSection, "ProcessFileName", ExecutablePath());
     return bWritten;
+}
+
+bool EndedForcibly(const TAutoSaveDescriptor& descriptor) {
+    const int pid = descriptor.m_nProcessId;
+    if (pid <= 0) return false;
+    const bool alive = kill(pid, 0) == 0 || errno == EPERM;
+    return !alive || ExecutablePath(std::to_string(pid)) != descriptor.m_sProcessFileName;
+}
+
+bool MarkAutoSaveClosed(const std::filesystem::path& path) {
+    return CIniFile(path).WriteInt(kAutoSaveSection, "ProcessId", 0);
 }
 
 }  // namespace moremate

@@ -31,4 +31,12 @@ TAutoSaveDescriptor ReadAutoSaveDescriptor(const std::filesystem::path& path);
 // key could not be written.
 bool WriteAutoSaveDescriptor(const std::filesystem::path& path, const TAutoSaveDescriptor& descriptor);
 
+// Whether the analysis that wrote the descriptor was closed forcibly: the process it names neither
+// marked its data closed (MarkAutoSaveClosed) nor runs any more as the same program.
+bool EndedForcibly(const TAutoSaveDescriptor& descriptor);
+
+// Marks the descriptor's data as left by an analysis that ended normally (its process id 0). False
+// when the key could not be written.
+bool MarkAutoSaveClosed(const std::filesystem::path& path);
+
 }  // namespace moremate

@@ -43,9 +43,12 @@ class CEngineRun : public QObject {
     // Skips the first move being analysed and the `count` - 1 after it; false when no first move
     // is being analysed.
     bool Skip(size_t count = 1);
+    // A line for the progress area, from the engine thread (a test's report lines).
+    void Say(const std::string& line) { Q_EMIT Said(QString::fromStdString(line)); }
 
   Q_SIGNALS:
     void Progressed(moremate::TRunProgress progress);
+    void Said(QString line);
     // The run ended; its thread is joined by the time the slots run.
     void Finished(moremate::TProblemReport report);
 

@@ -35,6 +35,7 @@ int main(int argc, char** argv) {
     const bool opened = arguments.size() > 1 && window.OpenCollection(arguments.at(1).toStdString());
     if (!opened && !window.OpenDefaultCollection()) return 2;
     window.show();
+    window.ShowRecoveryNotice();
     const int status = QApplication::exec();
     reporter.Close();  // a run still ending must not wait for a message box
     ui::AppendStartLog(false);

@@ -37,6 +37,9 @@ TMainWindow::TMainWindow(const TOptions& options, CReporter& reporter, QWidget* 
     BuildTray();
     connect(&m_run, &CEngineRun::Progressed, this, &TMainWindow::ShowProgress);
     connect(&m_run, &CEngineRun::Finished, this, &TMainWindow::RunFinished);
+    connect(&m_run, &CEngineRun::Said, this, [this](const QString& line) {
+        m_pProgress->appendPlainText(line.endsWith('\n') ? line.chopped(1) : line);
+    });
     Relabel();
     UpdateRunState();
     resize(1000, 720);
@@ -98,6 +101,9 @@ void TMainWindow::BuildLayout() {
     m_pLinks->setTextInteractionFlags(Qt::LinksAccessibleByMouse);
     m_pLinks->hide();
     left->addWidget(m_pLinks);
+    m_pAnnotations = new QLabel(central);
+    m_pAnnotations->setWordWrap(true);
+    left->addWidget(m_pAnnotations);
 
     m_pBoard = new TBoardWidget(central);
     m_tips[m_pBoard] = "tip.board";

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "edit_history.h"
+#include "engine/heuristics/heuristic_set.h"
 #include "engine_run.h"
 #include "problem_collection.h"
 #include "settings/options.h"
@@ -28,6 +29,7 @@ class QMenu;
 class QPlainTextEdit;
 class QSystemTrayIcon;
 class QToolBar;
+class QTimer;
 class QToolButton;
 
 namespace moremate::ui {
@@ -83,6 +85,8 @@ class TMainWindow : public QMainWindow {
     void SetThreads(int threads);
     int Threads() const { return m_nThreads; }
     static constexpr int kMaxThreads = 64;
+    // Tells of an analysis that the last session left unfinished (its auto-saved register data).
+    void ShowRecoveryNotice();
 
   Q_SIGNALS:
     // The analysis ended and its results are shown and written into the problem.
@@ -257,7 +261,70 @@ class TMainWindow : public QMainWindow {
     void English() { SetLanguage(kEnglish); }
     void Ukrainian() { SetLanguage(kUkrainian); }
 
+    // Heuristics, tags, sort indications and variants (window_annotations.cpp).
+    void SolveWithHeuristics();
+    void SolveAllWithHeuristics();
+    // The heuristics dialog on the current problem's set; false when the user cancels.
+    bool ChooseHeuristics();
+    void ShowAnnotations();
+    void AddTagCommand();
+    void RemoveTagCommand();
+    void AppendTagsCommand();
+    void EditSortIndications();
+    void SaveVariantAs();
+    void ShowVariant();
+    void AnimateMainVariant();
+    void AnimateVariant();
+    void StopAnimation();
+    void RenameVariantCommand();
+    void DeleteVariantCommand();
+    // A name chosen among the problem's variants (or, `editable`, typed anew); none: cancelled.
+    std::optional<std::string> AskVariantName(const QString& title, bool editable);
+    void Animate(const std::vector<TMove>& moves);
+    std::vector<ProblemEntry> AllEntries() const;
+    // The register commands (window_registers.cpp).
+    bool RefuseRegisterCommand();
+    std::filesystem::path DefaultRegisterFile() const;
+    // On the engine thread; `saved` runs once the file is written.
+    void SaveRegisterTo(const std::filesystem::path& file, const std::function<void()>& saved = {});
+    void ReadRegisterFile(const std::filesystem::path& file);
+    void SaveRegister();
+    void SaveRegisterAs();
+    void ReadRegister();
+    void ReadRegisterFrom();
+    void PinRegister();
+    void UnpinRegister();
+
+    // Regression tests and scripts (window_tests.cpp), each run on the engine thread like the long
+    // tools on the precalculated data; their report comes back as a run's with the result kToolResult.
+    static constexpr const char* kToolResult = "tool";
+    bool RefuseTool();
+    // `work` gives the text of its summary; `done` runs on the interface thread after the report.
+    void StartTool(const std::function<std::string(CRunControl&)>& work,
+                   const std::function<void()>& done = {});
+    void StartRegressionTest(bool quick);
+    void RegressionTest() { StartRegressionTest(false); }
+    void QuickRegressionTest() { StartRegressionTest(true); }
+    void RunScript();
+    // The precalculated data of the position shown (window_precalc.cpp).
+    void PositionInformation();
+    void PrecalculateType();
+    void VerifyType();
+    void VerifyAllTypes(bool fromCurrent);
+    void VerifyFiles() { VerifyAllTypes(false); }
+    void VerifyFilesFromHere() { VerifyAllTypes(true); }
+    void StepInType(int step);
+    void NextInType() { StepInType(1); }
+    void PreviousInType() { StepInType(-1); }
+    void SetTypePosition(const TChessboard& board, uint64_t index);
+    void PasteTypeIndex();
+    void StepToLongestMate(int step);
+    void CheckFenFile();
+    void NextLongestMate() { StepToLongestMate(1); }
+    void PreviousLongestMate() { StepToLongestMate(-1); }
+
     // The engine.
+    TSolveSettings RunSettings() const;
     void StartRun(bool allSolutions, bool hybrid, bool bruteForce);
     void ShowProgress(const TRunProgress& progress);
     void RunFinished(const TProblemReport& report);
@@ -309,7 +376,13 @@ class TMainWindow : public QMainWindow {
     bool m_bRemainingMoves = false;
     int m_nPeek = 0;  // the observed line shown: 0 all, k the k-th      // the moves made numbered by the
                       // moves left, not ordinally
-    QSystemTrayIcon* m_pTray = nullptr;  // none where the desktop has no tray
+    QSystemTrayIcon* m_pTray = nullptr;                  // none where the desktop has no tray
+    std::optional<THeuristicSet> m_oRunHeuristics;       // the next run's pass-1 set, chosen in the dialog
+    bool m_bRunRelaxes = true;                           // and whether the passes may relax it
+    std::optional<THeuristicSet> m_oPreviousHeuristics;  // the set chosen last time
+    QLabel* m_pAnnotations = nullptr;                    // the problem's tags and sort indications
+    QTimer* m_pAnimation = nullptr;
+    bool m_bScriptRunning = false;
 };
 
 }  // namespace moremate::ui

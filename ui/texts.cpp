@@ -353,13 +353,18 @@ const std::vector<TTextRow> kTable = {
 }  // namespace
 
 const std::vector<TTextRow>& TextTable() {
-    return kTable;
+    static const std::vector<TTextRow> table = [] {
+        std::vector<TTextRow> rows = kTable;
+        rows.insert(rows.end(), DialogTextTable().begin(), DialogTextTable().end());
+        return rows;
+    }();
+    return table;
 }
 
 QString UiText(std::string_view id, int language) {
-    const auto row =
-        std::find_if(kTable.begin(), kTable.end(), [id](const TTextRow& r) { return r.id == id; });
-    if (row == kTable.end()) return QString::fromUtf8(id.data(), static_cast<qsizetype>(id.size()));
+    const std::vector<TTextRow>& table = TextTable();
+    const auto row = std::find_if(table.begin(), table.end(), [id](const TTextRow& r) { return r.id == id; });
+    if (row == table.end()) return QString::fromUtf8(id.data(), static_cast<qsizetype>(id.size()));
     const char* text = language == kPolish      ? row->polish
                        : language == kUkrainian ? row->ukrainian
                                                 : row->english;

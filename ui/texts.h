@@ -16,8 +16,10 @@ struct TTextRow {
     const char* ukrainian;
 };
 
-// Every row of the table.
+// Every row of the table: the window's texts, then those of the dialogs and of the annotation,
+// register and test commands.
 const std::vector<TTextRow>& TextTable();
+const std::vector<TTextRow>& DialogTextTable();
 
 // The text `id` in `language` (the values of LanguageId: 0 Polish, 1 English, 2 Ukrainian; others
 // give English). An unknown identifier comes back as itself, so that a gap shows on the screen.

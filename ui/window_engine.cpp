@@ -34,18 +34,15 @@ namespace moremate::ui {
 
 void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
     if (Analysing() || m_collection.Size() == 0) return;
+    if (m_options.m_bPromptHeuristics && !m_oRunHeuristics && !ChooseHeuristics()) return;
     if (m_bSettingMode) ToggleSettingMode();
     const ProblemEntry& entry = m_collection.Current();
-    TSolveSettings settings;
+    TSolveSettings settings = RunSettings();
+    settings.userSet = std::exchange(m_oRunHeuristics, std::nullopt);
+    settings.noRelaxation = !std::exchange(m_bRunRelaxes, true);
     settings.allSolutions = allSolutions;
     settings.hybrid = hybrid;
     settings.bruteForce = bruteForce;
-    settings.threads = m_nThreads;
-    settings.levels = static_cast<int>(DefaultThreadSettings(m_options.m_nMultithreadingLevels).levels);
-    settings.observerLevels = std::max(0, static_cast<int>(m_options.m_shObserverLevels));
-    settings.solutionDetails = m_options.m_nPrepareSolutionDescription != 0;
-    settings.tablebase = m_pTablebase ? &m_pTablebase->LiChess() : nullptr;
-    settings.run.reporter = &m_reporter;
     settings.autoSave = true;
     try {
         const std::optional<std::string> load = PrepareRunRegister(entry, m_options, m_pRunRegister);
@@ -63,6 +60,17 @@ void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
                                      settings.threads, settings.levels);
     m_run.Start(entry, settings, m_options, *m_pRunRegister);
     UpdateRunState();
+}
+
+TSolveSettings TMainWindow::RunSettings() const {
+    TSolveSettings settings;
+    settings.threads = m_nThreads;
+    settings.levels = static_cast<int>(DefaultThreadSettings(m_options.m_nMultithreadingLevels).levels);
+    settings.observerLevels = std::max(0, static_cast<int>(m_options.m_shObserverLevels));
+    settings.solutionDetails = m_options.m_nPrepareSolutionDescription != 0;
+    settings.tablebase = m_pTablebase ? &m_pTablebase->LiChess() : nullptr;
+    settings.run.reporter = &m_reporter;
+    return settings;
 }
 
 // Black's best defence in the position shown, reached by White's move made on the board; the
@@ -201,7 +209,7 @@ void TMainWindow::RunFinished(const TProblemReport& report) {
         m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), *report.error);
         text += "\n" + QString::fromStdString(*report.error);
     }
-    m_pProgress->setPlainText(text);
+    report.result == kToolResult ? m_pProgress->appendPlainText(text) : m_pProgress->setPlainText(text);
     if (m_nRunIndex < m_collection.Size()) {
         ProblemEntry entry = m_collection.At(m_nRunIndex);
         try {
@@ -218,6 +226,8 @@ void TMainWindow::RunFinished(const TProblemReport& report) {
     InterfaceState().m_bShowWholeSolution = false;
     UpdateTitle();
     if (report.result == "defence") m_reporter.Report(kResultOfAnalysisTitle, report.outcome);
+    if (report.result == kToolResult)
+        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), report.outcome);
     if (report.result == "no solution")
         m_reporter.Report(kResultOfAnalysisTitle,
                           NoSolutionText(static_cast<int>(report.msec / 1000), false));

@@ -72,6 +72,7 @@ void TMainWindow::ShowProblemHeader() {
     m_pDescription->setCursorPosition(0);
     m_pStipulation->setText(StipulationText(entry));
     ShowLinks();
+    ShowAnnotations();
     UpdateTitle();
 }
 

@@ -46,6 +46,10 @@ void CountLetters(const std::string& text, std::array<int, 32>& white, std::arra
 
 }  // namespace
 
+TPrecalcType TPrecalcType::ParseAny(const std::string& text, bool bCustom) {
+    return Parse(text, bCustom || text.find_first_of("+()Xx?") != std::string::npos);
+}
+
 TPrecalcType TPrecalcType::Parse(const std::string& text, bool bCustom) {
     if (bCustom) {
         TPrecalcType type;

@@ -41,6 +41,8 @@ class TPrecalcType {
     // three further pieces of Q, R, B, N, P in either case. A custom type reads the whole grammar
     // of type_description.h and keeps its text as it is.
     static TPrecalcType Parse(const std::string& text, bool bCustom = false);
+    // Parse, custom when asked or when the text holds a mark of the custom grammar (+, (, X, ?).
+    static TPrecalcType ParseAny(const std::string& text, bool bCustom = false);
     // The type of a position's material, or nothing with more pieces than precalculated types hold.
     static std::optional<TPrecalcType> OfPosition(const uint8_t* squares);
 

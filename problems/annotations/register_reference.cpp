@@ -31,12 +31,13 @@ std::filesystem::path ProblemRegisterFile(const std::filesystem::path& collectio
     return SavedRegisterFilePath(collection.stem().string() + "-" + std::to_string(problem));
 }
 
-TRunRegisterLoad LoadRunRegisterFile(const std::filesystem::path& file, const TOptions& options) {
+TRunRegisterLoad LoadRunRegisterFile(const std::filesystem::path& file, const TOptions& options,
+                                     std::optional<size_t> buckets) {
     TRunRegisterLoad load{std::make_unique<CRunRegister>(options), {}};
     TRegisterLoadOptions loading;
     loading.bLogToFile = options.m_bLogToFileTmpRegLoad;
     load.result = LoadRegisterFile(file, load.runRegister->WhiteToMove(), &load.runRegister->BlackToMove(),
-                                   load.runRegister->WhiteToMove().BucketCount(), loading);
+                                   buckets.value_or(load.runRegister->WhiteToMove().BucketCount()), loading);
     return load;
 }
 

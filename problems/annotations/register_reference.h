@@ -34,8 +34,10 @@ struct TRunRegisterLoad {
     TRegisterLoadResult result;
 };
 // Reads a register file (and its Black-to-move companion) into a fresh run register sized from
-// the options. Does not throw: a file that cannot be read leaves `result.bRead` false.
-TRunRegisterLoad LoadRunRegisterFile(const std::filesystem::path& file, const TOptions& options);
+// the options, with `buckets` buckets (else the register's own count). Does not throw: a file
+// that cannot be read leaves `result.bRead` false.
+TRunRegisterLoad LoadRunRegisterFile(const std::filesystem::path& file, const TOptions& options,
+                                     std::optional<size_t> buckets = std::nullopt);
 
 // When the entry has a reference, reads its file into a fresh register that replaces
 // `runRegister` and returns the load's report ("File has been read: ...", "Error reading file

@@ -28,6 +28,7 @@ struct TRegressionTestSettings {
     int nLoops = 1;            // runs of the whole test, one after another; kUntilStopped: no end
     std::filesystem::path logFolder = ".";
     std::optional<std::filesystem::path> databaseFolder;  // where the results are stored, if anywhere
+    std::function<bool()> stopped;                        // asked before each problem: true ends the test
 };
 
 struct TRegressionTestResult {

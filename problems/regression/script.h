@@ -35,7 +35,7 @@ class CScriptError : public ChessException {
 struct TScriptEnvironment {
     const TOptions& options;
     TSolveSettings solve;
-    TRegressionTestSettings testSettings;  // logs, database and loops; the script sets the rest
+    TRegressionTestSettings testSettings;  // logs, database, loops and the stop; the script sets the rest
     std::filesystem::path baseFolder;      // relative file names of the script start here
     std::function<void(const std::string&)> output;
 };

@@ -4,6 +4,8 @@
 
 #include "core/chess_exception.h"
 #include "engine/heuristics/heuristic_text.h"
+#include "engine/heuristics/position_type.h"
+#include "solving_task.h"
 
 namespace moremate {
 
@@ -19,6 +21,10 @@ THeuristicSet ApplyProblemHeuristics(const ProblemEntry& entry, THeuristicSet se
     }
     set.Remove(entry.m_nHeuristicsOff);
     return set;
+}
+
+THeuristicSet EngineHeuristics(const ProblemEntry& entry) {
+    return ApplyProblemHeuristics(entry, PositionTypeHeuristics(MakeSolvingTask(entry).position));
 }
 
 }  // namespace moremate

@@ -12,4 +12,9 @@ namespace moremate {
 // read: "Problem <n>: invalid parameters of <name>(<text>): " followed by the reason.
 THeuristicSet ApplyProblemHeuristics(const ProblemEntry& entry, THeuristicSet set);
 
+// The set pass 1 starts with when the user chooses none: the engine's choice for the problem's
+// position, then the record's own switches and parameters. Throws ChessException as
+// MakeSolvingTask and ApplyProblemHeuristics do.
+THeuristicSet EngineHeuristics(const ProblemEntry& entry);
+
 }  // namespace moremate

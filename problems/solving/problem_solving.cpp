@@ -86,11 +86,12 @@ TSolutionCount SolutionCount(const ProblemEntry& entry, const TSolveSettings& se
 TPredefinedHeuristics PassOneSet(const ProblemEntry& entry, const TChessboard& root,
                                  const TSolveSettings& settings) {
     if (settings.noHeuristics) return {};
-    THeuristicSet set =
-        settings.heuristics ? ReadHeuristicSetText(*settings.heuristics).m_set : PositionTypeHeuristics(root);
+    THeuristicSet set = settings.userSet      ? *settings.userSet
+                        : settings.heuristics ? ReadHeuristicSetText(*settings.heuristics).m_set
+                                              : PositionTypeHeuristics(root);
     set = ApplyProblemHeuristics(entry, set);
     TPredefinedHeuristics added = ApplyPredefinedAdditionalHeuristics(set, settings.additionalHeuristics);
-    if (!added.m_bDlfuForbidden || settings.heuristics) return added;
+    if (!added.m_bDlfuForbidden || settings.UserChoseSet()) return added;
     set.Remove(SH_DONTLETFIGUREUNBLOCK);
     return ApplyPredefinedAdditionalHeuristics(set, settings.additionalHeuristics);
 }
@@ -124,9 +125,9 @@ TPassState PassState(const ProblemEntry& entry, const TChessboard& root, const T
     const TPredefinedHeuristics passOne = PassOneSet(entry, root, settings);
     state.set = passOne.m_set;
     // The engine asks for dynamic DLFU only with a set of its own choice, and "!DLFU" refuses it.
-    state.pendingDynamicDlfu = !settings.noHeuristics && !settings.heuristics &&
+    state.pendingDynamicDlfu = !settings.noHeuristics && !settings.UserChoseSet() &&
                                state.set.params.dlfuDynamic && PositionTypeCheck(root).pendingDynamicDlfu;
-    state.relaxationAllowed = !entry.Has(kOptDontRelaxHeuristics);
+    state.relaxationAllowed = !entry.Has(kOptDontRelaxHeuristics) && !settings.noRelaxation;
     state.pass2Allowed = !settings.noPassTwo && !entry.Has(kOptDontRunPassTwo);
     state.stopRelaxOnFirstSolution = entry.m_bStopRelaxOnFirstSolution;
     state.quickMode = options.m_bQuickMode;
@@ -182,9 +183,8 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
     const TSolutionCount solutions = request.solutions;
     const TRunThreads threads = request.threads;
     const std::unique_ptr<CRegisterAutoSave> autoSave =
-        settings.autoSave
-            ? StartRunAutoSave(entry, firstState, settings.heuristics.has_value(), options, runRegister)
-            : nullptr;
+        settings.autoSave ? StartRunAutoSave(entry, firstState, settings.UserChoseSet(), options, runRegister)
+                          : nullptr;
     TRunServices services = settings.run;
     services.autoSave = autoSave.get();
     TPassRunResult result = RunPassesWithServices(std::move(request), services);

@@ -8,6 +8,7 @@
 
 #include <atomic>
 
+#include "engine/heuristics/heuristic_set.h"
 #include "engine/passes/proof_number_pass.h"
 #include "engine/passes/run_register.h"
 #include "engine/run/run_services.h"
@@ -25,9 +26,11 @@ struct TSolveSettings {
     bool bruteForce = false;
     bool hybrid = false;
     std::optional<std::string> heuristics;  // the text of pass 1's set instead of the engine's choice
+    std::optional<THeuristicSet> userSet;   // pass 1's set itself, with the parameters no text holds
     std::string additionalHeuristics;       // tokens added to pass 1's set ("SafeMode", "DLFU(h1,d5)", ...)
     bool noHeuristics = false;
     bool noPassTwo = false;
+    bool noRelaxation = false;  // pass 1's set is not relaxed (the record's DONTRELAXHEURISTICS for one run)
     TProofNumberMode proofNumber = TProofNumberMode::Auto;  // the proof-number pass before the others
     int timeLimitSeconds = 0;
     int threads = 1;
@@ -40,6 +43,8 @@ struct TSolveSettings {
     TRunServices run;               // stop, pause, skip, progress ticks and messages of the interface
     bool autoSave = false;          // the registers saved every AutoSaveMinutes while the run lasts
     CLiChess* tablebase = nullptr;  // the online tablebase; none: it is not asked
+
+    bool UserChoseSet() const { return heuristics || userSet; }
 };
 
 // Makes `runRegister` ready for the entry: a fresh register when there is none or the options

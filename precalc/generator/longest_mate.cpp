@@ -1,0 +1,36 @@
+#include "longest_mate.h"
+
+#include "lookahead.h"
+
+namespace moremate {
+namespace {
+
+// A stored mate: neither unknown nor the one-byte mark of a certain escape.
+bool IsMate(const CGlobalStorage& storage, uint16_t value) {
+    return value != kUnknownMate && (storage.ElementSize() == 2 || value != kEscapes);
+}
+
+}  // namespace
+
+TLongestMate LongestMate(const TPrecalcType& type, const CGlobalStorage& storage) {
+    TLongestMate longest;
+    for (uint64_t i = 0; i < type.PlacementCount(); ++i) {
+        const uint16_t value = storage.Element(i);
+        if (IsMate(storage, value) && value > longest.nValue) longest = {value, i};
+    }
+    return longest;
+}
+
+std::optional<uint64_t> NextPlacementWith(const TPrecalcType& type, const CGlobalStorage& storage,
+                                          uint64_t from, int step, uint16_t value) {
+    const uint64_t count = type.PlacementCount();
+    TChessboard board;
+    uint64_t index = from % count;
+    for (uint64_t n = 1; n < count; ++n) {
+        index = (index + count + static_cast<uint64_t>(step)) % count;
+        if (storage.Element(index) == value && SetUpPlacement(type, index, true, board)) return index;
+    }
+    return std::nullopt;
+}
+
+}  // namespace moremate

@@ -1,0 +1,166 @@
+// The main window's commands on the precalculated data of the position shown: its look-up, the
+// generation and the verification of its type's data and the type's longest mates (long tools on
+// the engine thread, see window_tests.cpp), and the positions of its type by index.
+#include <fmt/format.h>
+
+#include <QInputDialog>
+#include <memory>
+
+#include "core/chess_exception.h"
+#include "core/fen.h"
+#include "main_window.h"
+#include "precalc/generator/generator.h"
+#include "precalc/generator/longest_mate.h"
+#include "precalc/generator/lookahead.h"
+#include "precalc/generator/verification.h"
+#include "precalc/types/precalc_files.h"
+#include "settings/machine.h"
+#include "texts.h"
+
+namespace moremate::ui {
+namespace {
+
+// The type of the position, or the reason why there is none.
+TPrecalcType TypeOf(const TChessboard& board) {
+    const std::optional<TPrecalcType> type = TPrecalcType::OfPosition(board.squares);
+    if (!type) throw ChessException("The position is of no precalculated type");
+    return *type;
+}
+
+// Verifies the type's data: the faults and the line that tells of them.
+std::pair<uint64_t, std::string> Verified(const TPrecalcType& type) {
+    TGlobalRegisters& registers = TGlobalRegisters::Instance();
+    const TVerificationReport r =
+        VerifyTypeData(registers, registers.Require(type), std::max(1u, LogicalProcessorCount()), false);
+    return {r.m_nFaults, fmt::format("{}: {} indexes checked, {} fault(s){}{}", type.Description(),
+                                     r.m_nChecked, r.m_nFaults, r.m_nFaults != 0 ? "\n" : "",
+                                     r.m_nFaults != 0 ? r.m_faultFile.string() : "")};
+}
+
+}  // namespace
+
+void TMainWindow::PositionInformation() {
+    if (RefuseTool()) return;
+    StartTool([board = ShownBoard()](CRunControl&) {
+        TGlobalRegister* reg = TGlobalRegisters::Instance().Find(board);
+        const int halfMoves = reg ? reg->HalfMovesToMate(board) : kStoredUnknown;
+        const std::string fen =
+            fmt::format("{} {}", WriteFenPlacement(board), board.WhiteToMove() ? 'w' : 'b');
+        if (halfMoves == kStoredUnknown) return fen + ": unknown (no precalculated data)";
+        if (halfMoves == kStoredNoMate) return fen + ": no mate";
+        if (halfMoves == 0) return fen + ": Black is mated";
+        return fmt::format("{}: White mates in {}", fen, (halfMoves + 1) / 2);
+    });
+}
+
+void TMainWindow::PrecalculateType() {
+    if (RefuseTool()) return;
+    StartTool([run = &m_run, board = ShownBoard()](CRunControl&) {
+        TGenerationOptions options;
+        options.m_kind = StorageKindNamed("lz4");
+        options.m_nThreads = std::max(1u, LogicalProcessorCount());
+        const TPrecalcType type = TypeOf(board);
+        EnsureTypeData(TGlobalRegisters::Instance(), type, options, [run](const TGenerationReport& r) {
+            run->Say(r.m_sDescription + ": " + std::to_string(r.m_nIndexes) + " indexes, longest mate " +
+                     std::to_string(r.m_nLongestMate));
+        });
+        return fmt::format("{}: {}", type.Description(),
+                           TGlobalRegisters::Instance().FileToLoad(type).string());
+    });
+}
+
+void TMainWindow::VerifyType() {
+    if (RefuseTool()) return;
+    StartTool([board = ShownBoard()](CRunControl&) { return Verified(TypeOf(board)).second; });
+}
+
+// Every type with data on disk in the order of their descriptions, or those from the current
+// position's type on; Stop ends the series after the type being verified.
+void TMainWindow::VerifyAllTypes(bool fromCurrent) {
+    if (RefuseTool()) return;
+    StartTool([run = &m_run, board = ShownBoard(), fromCurrent](CRunControl& control) {
+        const std::string from = fromCurrent ? TypeOf(board).Description() : "";
+        uint64_t faults = 0;
+        int types = 0;
+        for (const std::string& description : TGlobalRegisters::Instance().TypesOnDisk()) {
+            if (description < from) continue;
+            if (control.StoppedByUser()) break;
+            const auto [typeFaults, line] = Verified(TPrecalcType::ParseAny(description));
+            run->Say(line);
+            faults += typeFaults;
+            ++types;
+        }
+        return fmt::format("{} position type(s) verified, {} fault(s)", types, faults);
+    });
+}
+
+// The position `step` placements away in the type of the position shown, with the same side to
+// move; placements that are no legal position are passed over.
+void TMainWindow::StepInType(int step) {
+    if (RefuseWhileAnalysing() || m_collection.Size() == 0) return;
+    const TChessboard board = ShownBoard();
+    try {
+        const TPrecalcType type = TypeOf(board);
+        uint64_t index = type.IndexOf(board.squares);
+        TChessboard next;
+        for (uint64_t n = 1; n < type.PlacementCount(); ++n) {
+            index = (index + type.PlacementCount() + static_cast<uint64_t>(step)) % type.PlacementCount();
+            if (SetUpPlacement(type, index, board.WhiteToMove(), next)) return SetTypePosition(next, index);
+        }
+    } catch (const ChessException& e) {
+        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), e.what());
+    }
+}
+
+void TMainWindow::SetTypePosition(const TChessboard& board, uint64_t index) {
+    Edit([&board](ProblemEntry& e) { e.m_position.board = board; });
+    Say(Text("label.typeindex").arg(index));
+}
+
+void TMainWindow::PasteTypeIndex() {
+    if (RefuseWhileAnalysing() || m_collection.Size() == 0) return;
+    const std::string info = ReportTitle(ReportKind::Information, m_nLanguage);
+    try {
+        const TPrecalcType type = TypeOf(ShownBoard());
+        bool ok = false;
+        const QString text = QInputDialog::getText(
+            this, Title("adv.typeindex"), Text("label.typeindexprompt").arg(type.PlacementCount() - 1),
+            QLineEdit::Normal, QString(), &ok);
+        if (!ok) return;
+        const uint64_t index = text.trimmed().toULongLong(&ok);
+        TChessboard board;
+        if (!ok || index >= type.PlacementCount() || !SetUpPlacement(type, index, true, board))
+            return void(m_reporter.Report(info, Text("msg.badindex").arg(text).toStdString()));
+        SetTypePosition(board, index);
+    } catch (const ChessException& e) {
+        m_reporter.Report(info, e.what());
+    }
+}
+
+// Looks for the next placement (by `step`) holding the type's longest mate on the engine thread
+// and, when the run ends, shows it as the problem's position.
+void TMainWindow::StepToLongestMate(int step) {
+    if (RefuseTool()) return;
+    auto found = std::make_shared<std::optional<std::pair<TChessboard, uint64_t>>>();
+    StartTool(
+        [found, board = ShownBoard(), step](CRunControl&) {
+            const TPrecalcType type = TypeOf(board);
+            const CGlobalStorage& storage = TGlobalRegisters::Instance().Require(type).Storage();
+            const TLongestMate longest = LongestMate(type, storage);
+            if (longest.nValue == 0) return type.Description() + ": no mate stored";
+            const uint64_t from = board.WhiteToMove() ? type.IndexOf(board.squares) : longest.nIndex - step;
+            const std::optional<uint64_t> index =
+                NextPlacementWith(type, storage, from, step, longest.nValue);
+            TChessboard next;
+            if (!index || !SetUpPlacement(type, *index, true, next))
+                return type.Description() + ": no such position";
+            *found = std::pair(next, *index);
+            return fmt::format("{}: max #{}, index {}: {} w", type.Description(), longest.nValue, *index,
+                               WriteFenPlacement(next));
+        },
+        [this, found] {
+            if (*found) SetTypePosition((*found)->first, (*found)->second);
+        });
+}
+
+}  // namespace moremate::ui
