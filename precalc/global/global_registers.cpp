@@ -3,11 +3,13 @@
 #include <fmt/format.h>
 
 #include <mutex>
+#include <string_view>
 
 #include "core/chess_exception.h"
 #include "precalc/global/data_file.h"
 #include "precalc/global/mate_index_file.h"
 #include "precalc/global/recompress.h"
+#include "precalc/types/precalc_files.h"
 
 namespace moremate {
 namespace {
@@ -84,13 +86,35 @@ TGlobalRegister* TGlobalRegisters::Find(const TChessboard& position) {
     {
         std::shared_lock lock(m_lock);
         const auto found = m_byMaterial.find(key);
-        if (found != m_byMaterial.end()) return found->second;
+        if (found != m_byMaterial.end()) return Holding(found->second, position);
     }
     const std::optional<TPrecalcType> type = TPrecalcType::OfPosition(position.squares);
-    TGlobalRegister* reg = type ? Find(*type) : nullptr;
+    TMaterialRegisters material = type ? LoadMaterial(*type) : TMaterialRegisters{};
     std::unique_lock lock(m_lock);
-    m_byMaterial[key] = reg;
-    return reg;
+    return Holding(m_byMaterial[key] = std::move(material), position);
+}
+
+TGlobalRegister* TGlobalRegisters::Holding(const TMaterialRegisters& material, const TChessboard& position) {
+    if (material.pStandard) return material.pStandard;
+    for (TGlobalRegister* custom : material.vCustom)
+        if (custom->Type().ContainsPosition(position.squares)) return custom;
+    return nullptr;
+}
+
+TGlobalRegisters::TMaterialRegisters TGlobalRegisters::LoadMaterial(const TPrecalcType& standard) {
+    TMaterialRegisters material;
+    material.pStandard = Find(standard);
+    if (material.pStandard) return material;
+    for (const std::string& description : TypesOnDisk(kCustomPrecalcFolder)) {
+        try {
+            const TPrecalcType custom = TPrecalcType::Parse(description, true);
+            if (!(custom.Standard() == standard)) continue;
+            if (TGlobalRegister* reg = Find(custom)) material.vCustom.push_back(reg);
+        } catch (const ChessException&) {
+            // a file name that is no type's: not data of this material
+        }
+    }
+    return material;
 }
 
 TGlobalRegister* TGlobalRegisters::Find(const TPrecalcType& type) {
@@ -216,10 +240,11 @@ TGlobalRegister* TGlobalRegisters::Load(const TPrecalcType& type) {
     return slot.get();
 }
 
-std::set<std::string> TGlobalRegisters::TypesOnDisk() const {
+std::set<std::string> TGlobalRegisters::TypesOnDisk(const char* only) const {
     std::set<std::string> types;
     if (m_settings.m_dataFolder.empty()) return types;
-    for (const char* top : {"Precalc", "CustomPrecalc"}) {
+    for (const char* top : {kPrecalcFolder, kCustomPrecalcFolder}) {
+        if (only && std::string_view(only) != top) continue;
         std::error_code error;
         for (auto it = std::filesystem::recursive_directory_iterator(m_settings.m_dataFolder / top, error);
              !error && it != std::filesystem::recursive_directory_iterator(); it.increment(error)) {

@@ -12,6 +12,7 @@
 #include <shared_mutex>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include "precalc/global/global_register.h"
 #include "settings/options.h"
@@ -58,15 +59,18 @@ class TGlobalRegisters {
     void Configure(const TGlobalRegisterSettings& settings, CReporter* reporter);
     const TGlobalRegisterSettings& Settings() const { return m_settings; }
 
-    // The register of the position's material, loaded when first asked for; null without data.
+    // The register of the position's material, loaded when first asked for; without data of the
+    // standard type, the first custom type of the material on disk that holds the position (its
+    // pieces where the type lets them stand); null when none.
     TGlobalRegister* Find(const TChessboard& position);
     TGlobalRegister* Find(const TPrecalcType& type);
     // Throws ChessException kNoGlobalRegisterText + description when there is none.
     TGlobalRegister& Require(const TPrecalcType& type);
     // Takes a register made in memory (the generator's), replacing one of the same type.
     TGlobalRegister& Add(std::unique_ptr<TGlobalRegister> reg);
-    // The types whose files lie in the data folder, by description.
-    std::set<std::string> TypesOnDisk() const;
+    // The types whose files lie in the data folder ("Precalc" and "CustomPrecalc" below it, or
+    // only the one named), by description.
+    std::set<std::string> TypesOnDisk(const char* only = nullptr) const;
     // The file of a type that loading would read, or an empty path (no file, or the type switched
     // off by a "_SKIPTHIS" file).
     std::filesystem::path FileToLoad(const TPrecalcType& type) const;
@@ -80,6 +84,14 @@ class TGlobalRegisters {
     std::string StatusText() const;
 
   private:
+    // The registers of a material: the standard type's and those of custom types on disk.
+    struct TMaterialRegisters {
+        TGlobalRegister* pStandard = nullptr;
+        std::vector<TGlobalRegister*> vCustom;
+    };
+    TMaterialRegisters LoadMaterial(const TPrecalcType& standard);
+    // The standard type's register, else the first custom one whose squares hold the position.
+    static TGlobalRegister* Holding(const TMaterialRegisters& material, const TChessboard& position);
     TGlobalRegister* Load(const TPrecalcType& type);
     // The file to read: `file`, or the one it was recompressed into when the question was answered
     // yes. Failures are reported and leave `file`.
@@ -96,7 +108,7 @@ class TGlobalRegisters {
     mutable std::shared_mutex m_lock;
     std::map<std::string, std::unique_ptr<TGlobalRegister>> m_registers;
     std::set<std::string> m_failed;  // no data, or data that cannot be loaded
-    std::unordered_map<uint32_t, TGlobalRegister*> m_byMaterial;
+    std::unordered_map<uint32_t, TMaterialRegisters> m_byMaterial;
     std::atomic<uint64_t> m_nMateIndexesHeld{0};
     std::atomic<uint64_t> m_nLookups{0}, m_nMates{0}, m_nNoMates{0}, m_nUnknown{0};
 };

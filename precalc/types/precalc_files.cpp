@@ -71,7 +71,7 @@ std::filesystem::path PrecalcDataFolder(const std::string& precalcPath) {
 }
 
 std::filesystem::path TypeFolderName(const TPrecalcType& type) {
-    return std::filesystem::path(type.IsCustom() ? "CustomPrecalc" : "Precalc") /
+    return std::filesystem::path(type.IsCustom() ? kCustomPrecalcFolder : kPrecalcFolder) /
            (std::to_string(type.TotalPieces()) + "pieces" + (type.HasPawns() ? "+pawns" : "-pawns"));
 }
 

@@ -37,6 +37,9 @@ std::string MarkedBaseName(const std::string& description);
 
 // The data folder: `precalcPath` when set, else the program folder.
 std::filesystem::path PrecalcDataFolder(const std::string& precalcPath);
+inline constexpr const char* kPrecalcFolder = "Precalc";
+inline constexpr const char* kCustomPrecalcFolder = "CustomPrecalc";
+
 // "Precalc" or "CustomPrecalc" in the data folder, then the piece-count subfolder.
 std::filesystem::path TypeFolderName(const TPrecalcType& type);
 // The folder the type's files are read from: the piece-count subfolder when it exists.

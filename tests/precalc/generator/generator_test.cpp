@@ -227,5 +227,28 @@ TEST_F(PrecalcData, CustomTypesAgreeWithTheStandardTypeOfTheirMaterial) {
     }
 }
 
+// Without the standard type's data, the search reaches a custom type of the material on disk for
+// the positions it holds, and no register for the others.
+TEST_F(PrecalcData, TheSearchFindsACustomTypeWhenTheStandardOneIsMissing) {
+    const TPrecalcType custom = TPrecalcType::Parse("KR(1)k", true);
+    EnsureTypeData(*s_pRegisters, custom, TGenerationOptions{});
+    testing::CTempFolder folder;
+    const std::filesystem::path file = TypeFile(folder.Path(), custom, TStorageKind::kPlain);
+    std::filesystem::create_directories(file.parent_path());
+    std::filesystem::copy_file(TypeFile(s_pFolder->Path(), custom, TStorageKind::kPlain), file);
+    TGlobalRegisters registers;
+    TGlobalRegisterSettings settings = s_pRegisters->Settings();
+    settings.m_dataFolder = folder.Path();
+    registers.Configure(settings, nullptr);
+
+    const TChessboard onFirstRank = test::Board("8/8/8/8/8/2k5/8/R3K3 w - - 0 1");
+    TGlobalRegister* reg = registers.Find(onFirstRank);
+    ASSERT_NE(reg, nullptr);
+    EXPECT_EQ(reg->Type().Description(), custom.Description());
+    EXPECT_EQ(reg->HalfMovesToMate(onFirstRank),
+              s_pRegisters->Require(custom.Standard()).HalfMovesToMate(onFirstRank));
+    EXPECT_EQ(registers.Find(test::Board("8/8/8/8/R7/2k5/8/4K3 w - - 0 1")), nullptr);
+}
+
 }  // namespace
 }  // namespace moremate
