@@ -106,18 +106,6 @@ TVerdict MainDiagonalFigure(const TFields& f, const TChessboard&) {
     return "Improper field (Black figure not let leave main diagonal)";
 }
 
-// The pieces of a list of squares between commas and blanks.
-std::vector<std::string_view> SquareTexts(std::string_view list) {
-    std::vector<std::string_view> texts;
-    size_t start = 0;
-    while ((start = list.find_first_not_of(", ", start)) != std::string_view::npos) {
-        const size_t end = std::min(list.find_first_of(", ", start), list.size());
-        texts.push_back(list.substr(start, end - start));
-        start = end;
-    }
-    return texts;
-}
-
 TVerdict BlockedFigures(const TFields& f, const TChessboard&) {
     if (!f.m_bDontLetFigureUnblock) return std::nullopt;
     std::vector<Square> seen;
@@ -212,6 +200,17 @@ constexpr std::array<TVerdict (*)(const TFields&, const TChessboard&), 17> kChec
 };
 
 }  // namespace
+
+std::vector<std::string_view> SquareTexts(std::string_view list) {
+    std::vector<std::string_view> texts;
+    size_t start = 0;
+    while ((start = list.find_first_not_of(", ", start)) != std::string_view::npos) {
+        const size_t end = std::min(list.find_first_of(", ", start), list.size());
+        texts.push_back(list.substr(start, end - start));
+        start = end;
+    }
+    return texts;
+}
 
 THeuristicsCheck CheckHeuristicsDialog(const THeuristicsDialogFields& fields, const TChessboard& position) {
     THeuristicsCheck check;

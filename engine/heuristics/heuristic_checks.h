@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/chessboard.h"
@@ -58,6 +59,9 @@ struct THeuristicsCheck {
 // Quick-mate depths the dialog accepts.
 inline constexpr int kMinQuickMateDepth = 1;
 inline constexpr int kMaxQuickMateDepth = 9;
+
+// The pieces of a list of squares between commas and blanks ("a1, b2 c3").
+std::vector<std::string_view> SquareTexts(std::string_view list);
 
 // Runs the checks in their fixed order on the fields; `position` is the problem's position, in
 // which the key white figure must pin a black piece against the black king.

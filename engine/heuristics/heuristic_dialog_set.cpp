@@ -26,17 +26,6 @@ Square SquareOr(std::string_view text) {
     return SquareFromText(text).value_or(kNoSquare);
 }
 
-std::vector<std::string_view> SquareTexts(std::string_view list) {
-    std::vector<std::string_view> texts;
-    size_t start = 0;
-    while ((start = list.find_first_not_of(", ", start)) != std::string_view::npos) {
-        const size_t end = std::min(list.find_first_of(", ", start), list.size());
-        texts.push_back(list.substr(start, end - start));
-        start = end;
-    }
-    return texts;
-}
-
 void ReadEdge(const THeuristicsDialogFields& f, THeuristicSet& set) {
     THeuristicParameters& p = set.params;
     if (f.m_bOutOfEdge || f.m_bDontLetKingMove) set.Add(SH_KEEPKINGONTHEEDGE);

@@ -21,24 +21,17 @@
 #include "problems/annotations/problem_variants.h"
 #include "problems/annotations/register_reference.h"
 #include "problems/format/collection_reader.h"
+#include "tests/ui/window_test_support.h"
 #include "ui/heuristics_window.h"
 #include "ui/main_window.h"
 
 using namespace moremate;
 using namespace moremate::ui;
+using moremate::ui::test::Reported;
 
 namespace {
 
-constexpr const char* kCollection =
-    "UTF-8\n\n"
-    "1 #2\n{\n\tDescription: a mate in two\n\tFEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n}\n\n"
-    "2 #5\n{\n\tDescription: a longer one\n\tFEN: 1k2K3/8/5R2/R4r2/8/5P2/5P2/8 w - - 0 1\n}\n";
-
-bool Reported(const CRecordingReporter& reporter, const std::string& text) {
-    for (const auto& report : reporter.Reports())
-        if (report.sText.find(text) != std::string::npos) return true;
-    return false;
-}
+const char* const kCollection = test::kTwoProblems;
 
 // Answers the next input dialogs with `texts`, one each, in turn; gives up when none opens.
 void AnswerInputs(QStringList texts, int tries = 100) {

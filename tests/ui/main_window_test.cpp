@@ -26,6 +26,7 @@
 #include "settings/instance_lock.h"
 #include "settings/options_dialog.h"
 #include "settings/process_priority.h"
+#include "tests/ui/window_test_support.h"
 #include "ui/board_widget.h"
 #include "ui/instance_notice.h"
 #include "ui/main_window.h"
@@ -38,31 +39,21 @@
 
 using namespace moremate;
 using namespace moremate::ui;
+using moremate::ui::test::Count;
+using moremate::ui::test::Reported;
 
 namespace {
 
-// A #2 without an answer (key Qa7-f2) and a #5 that keeps the engine busy for a while.
-constexpr const char* kCollection =
-    "UTF-8\n\n"
-    "1 #2\n{\n\tDescription: a mate in two\n\tFEN: 8/Q7/8/8/8/8/8/2k1K2R w K - 0 1\n}\n\n"
-    "2 #5\n{\n\tDescription: a longer one\n\tFEN: 1k2K3/8/5R2/R4r2/8/5P2/5P2/8 w - - 0 1\n}\n\n"
-    "3 #3\n{\n\tDescription: third\n\tFEN: 8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1\n}\n";
+// The two problems and a #3.
+const std::string kCollection =
+    std::string(test::kTwoProblems) +
+    "\n3 #3\n{\n\tDescription: third\n\tFEN: 8/8/8/8/P7/3PQ3/3K4/k7 w - - 0 1\n}\n";
 
 std::string ReadText(const std::filesystem::path& file) {
     std::ifstream in(file);
     std::stringstream text;
     text << in.rdbuf();
     return text.str();
-}
-
-int Count(const CRecordingReporter& reporter, const std::string& text) {
-    int count = 0;
-    for (const auto& report : reporter.Reports()) count += report.sText.find(text) != std::string::npos;
-    return count;
-}
-
-bool Reported(const CRecordingReporter& reporter, const std::string& text) {
-    return Count(reporter, text) > 0;
 }
 
 }  // namespace
