@@ -63,6 +63,11 @@ class TMainWindow : public QMainWindow {
     bool Analysing() const { return m_run.Running(); }
     const std::vector<TMove>& MovesMade() const { return m_vMoves; }
     size_t MovesShown() const { return m_nShown; }
+    // The comment of move `index` of the moves made (empty when it has none); an empty text
+    // removes it. A comment belongs to the move after the same line from the same position: it
+    // comes back whenever that line is shown again while the window lives.
+    QString MoveComment(size_t index) const;
+    void SetMoveComment(size_t index, const QString& text);
     TBoardWidget* Board() const { return m_pBoard; }
     TPiecePalette* Palette() const { return m_pPalette; }
     bool SettingMode() const { return m_bSettingMode; }
@@ -123,6 +128,10 @@ class TMainWindow : public QMainWindow {
     void ShowLinks();
     void ShowBoard();
     void ShowMoves();
+    // Asks for the comment of move `index` of the moves made.
+    void EditMoveComment(size_t index);
+    void CommentLastMove();
+    void CommentPickedMove();
     void UpdateTitle();
     void Say(const QString& text);
     TChessboard ShownBoard() const;
@@ -342,6 +351,14 @@ class TMainWindow : public QMainWindow {
     CEditHistory m_history;
     std::vector<TMove> m_vMoves;  // the moves made on the board from the problem's position
     size_t m_nShown = 0;          // how many of them the board shows
+    struct TMoveComment {
+        std::string sStart;        // the squares of the position the line starts from
+        std::vector<TMove> vLine;  // the moves up to the commented one, itself included
+        QString sText;
+    };
+    TMoveComment CommentKey(size_t index) const;
+    std::vector<TMoveComment> m_vComments;
+    size_t m_nCommentRow = 0;  // the move the moves list's menu was opened on
     bool m_bSettingMode = false;
     int m_nPicked = kNoSquare;  // the first click of a move or of a piece moved in the setting mode
     std::string m_sFindQuery;   // the last query of the find commands
@@ -363,6 +380,7 @@ class TMainWindow : public QMainWindow {
     QString m_sLink;             // the link the mouse was last over
     QMenu* m_pLinkMenu = nullptr;
     QMenu* m_pAnalysisMenu = nullptr;
+    QMenu* m_pCommentMenu = nullptr;
     QLabel* m_pStipulation = nullptr;
     TClickButton* m_pNumber = nullptr;
     QListWidget* m_pMoves = nullptr;

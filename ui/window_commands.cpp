@@ -72,6 +72,7 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"prob.brute", "menu.problem", "", &TMainWindow::SolveBruteForce},
         {"prob.back", "menu.problem", "", &TMainWindow::MoveBack},
         {"prob.forward", "menu.problem", "", &TMainWindow::MoveForward},
+        {"prob.comment", "menu.problem", "", &TMainWindow::CommentLastMove},
         {"prob.next", "menu.problem", "Ctrl+Shift+Right", &TMainWindow::NextProblem},
         {"prob.prev", "menu.problem", "Ctrl+Shift+Left", &TMainWindow::PreviousProblem},
         {"prob.new", "menu.problem", "Ctrl+N", &TMainWindow::NewProblem},

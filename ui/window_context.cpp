@@ -56,9 +56,15 @@ void TMainWindow::BuildContextMenus() {
         m_pAnalysisMenu->popup(m_pProgress->mapToGlobal(at));
     });
 
+    // On a move: the move's comment; elsewhere in the list: the variants.
+    m_pCommentMenu = new QMenu(this);
+    ContextAction(m_pCommentMenu, "ctx.comment", &TMainWindow::CommentPickedMove);
     m_pMoves->setContextMenuPolicy(Qt::CustomContextMenu);
-    connect(m_pMoves, &QWidget::customContextMenuRequested, this,
-            [this](const QPoint& at) { Menu("menu.variant")->popup(m_pMoves->mapToGlobal(at)); });
+    connect(m_pMoves, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+        const QListWidgetItem* item = m_pMoves->itemAt(at);
+        m_nCommentRow = item ? static_cast<size_t>(m_pMoves->row(item)) : 0;
+        (item ? m_pCommentMenu : Menu("menu.variant"))->popup(m_pMoves->mapToGlobal(at));
+    });
 }
 
 // The references of the description as links; hidden when it has none.

@@ -109,10 +109,11 @@ void TMainWindow::ShowMoves() {
         const bool remaining = m_bRemainingMoves && m_collection.Current().m_type == ProblemType::Directmate;
         const int64_t number =
             remaining ? moves - static_cast<int64_t>(ordinal) + 1 : static_cast<int64_t>(ordinal);
-        const QString text = QString("%1%2 %3")
-                                 .arg(number)
-                                 .arg(white ? "." : "...")
-                                 .arg(QString::fromStdString(MoveToText(line[i], m_vMoves[i])));
+        QString text = QString("%1%2 %3")
+                           .arg(number)
+                           .arg(white ? "." : "...")
+                           .arg(QString::fromStdString(MoveToText(line[i], m_vMoves[i])));
+        if (const QString comment = MoveComment(i); !comment.isEmpty()) text += "  {" + comment + "}";
         m_pMoves->addItem(text);
     }
     if (m_nShown > 0) m_pMoves->setCurrentRow(static_cast<int>(m_nShown) - 1);

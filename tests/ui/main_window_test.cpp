@@ -142,6 +142,28 @@ class TMainWindowTest : public QObject {
         QCOMPARE(m_pWindow->MovesShown(), size_t{1});
     }
 
+    void commentsStayWithTheirLine() {
+        QApplication::clipboard()->setText("1. Qa7-f2 Kc1-b1");
+        Trigger("pos.paste");
+        m_pWindow->SetMoveComment(0, " the key ");
+        const QListWidget* moves = m_pWindow->findChild<QListWidget*>();
+        QCOMPARE(moves->item(0)->text(), QString("1. Qa7-f2  {the key}"));
+        QVERIFY(m_pWindow->MoveComment(1).isEmpty());
+        Trigger("prob.back");
+        Trigger("prob.back");
+        Trigger("prob.comment");
+        QVERIFY(Reported(*m_pReporter, "Make a move on the board first"));
+        m_pWindow->ClickSquare(48, Qt::LeftButton);  // a7
+        m_pWindow->ClickSquare(56, Qt::LeftButton);  // a8: another line
+        QVERIFY(m_pWindow->MoveComment(0).isEmpty());
+        Trigger("prob.back");
+        QApplication::clipboard()->setText("1. Qa7-f2");
+        Trigger("pos.paste");
+        QCOMPARE(m_pWindow->MoveComment(0), QString("the key"));
+        m_pWindow->SetMoveComment(0, "");
+        QCOMPARE(moves->item(0)->text(), QString("1. Qa7-f2"));
+    }
+
     void findsProblems_data() {
         QTest::addColumn<QString>("query");
         QTest::addColumn<bool>("forward");
