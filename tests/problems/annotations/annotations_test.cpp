@@ -147,6 +147,7 @@ TEST(ProblemYear, FirstYearAfterABlankTabBracketOrSlash) {
     EXPECT_EQ(FindYear("x|2001"), 2001);
     EXPECT_EQ(FindYear("PDB: P1234567 3456 1800"), 1800);
     EXPECT_EQ(FindYear("2001 at the start and x1999 or 3999"), std::nullopt);
+    EXPECT_EQ(FindYear("(|999 is no year, (1999 is"), 1999);
 }
 
 const char* const kDiagramLayout =
