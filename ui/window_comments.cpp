@@ -18,7 +18,7 @@ TMainWindow::TMoveComment TMainWindow::CommentKey(size_t index) const {
 }
 
 QString TMainWindow::MoveComment(size_t index) const {
-    if (index >= m_vMoves.size()) return {};
+    if (index >= m_vMoves.size() || m_vComments.empty()) return {};
     const TMoveComment key = CommentKey(index);
     for (const TMoveComment& c : m_vComments)
         if (c.sStart == key.sStart && c.vLine == key.vLine) return c.sText;
