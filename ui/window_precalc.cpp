@@ -55,8 +55,9 @@ void TMainWindow::PositionInformation() {
 
 void TMainWindow::PrecalculateType() {
     if (RefuseTool()) return;
-    StartTool([run = &m_run, board = ShownBoard()](CRunControl&) {
+    StartTool([run = &m_run, board = ShownBoard()](CRunControl& control) {
         TGenerationOptions options;
+        options.m_pStop = control.StopFlag();  // Stop ends it before the next type or level
         options.m_kind = StorageKindNamed("lz4");
         options.m_nThreads = std::max(1u, LogicalProcessorCount());
         const TPrecalcType type = TypeOf(board);

@@ -46,6 +46,11 @@ TGlobalRegister& Generate(TGlobalRegisters& registers, const TPrecalcType& type,
 
 }  // namespace
 
+void ThrowIfGenerationStopped(const TGenerationOptions& options) {
+    if (options.m_pStop && options.m_pStop->load(std::memory_order_relaxed))
+        throw ChessException(kGenerationStoppedText);
+}
+
 TGlobalRegister& EnsureTypeData(TGlobalRegisters& registers, const TPrecalcType& type,
                                 const TGenerationOptions& options,
                                 const std::function<void(const TGenerationReport&)>& done) {
@@ -56,6 +61,7 @@ TGlobalRegister& EnsureTypeData(TGlobalRegisters& registers, const TPrecalcType&
     smaller.m_bRegenerate = false;
     for (const TPrecalcType& next : type.Successors())
         if (!next.WhiteBare()) EnsureTypeData(registers, next, smaller, done);
+    ThrowIfGenerationStopped(options);
     TGenerationReport report;
     report.m_sDescription = type.Description();
     TGlobalRegister& reg = Generate(registers, type, options, report);

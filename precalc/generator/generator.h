@@ -10,6 +10,7 @@
 // positions whose moves reach them are checked anew at every level.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -24,7 +25,14 @@ struct TGenerationOptions {
     bool m_bProgress = false;    // a progress line on stderr
     bool m_bWriteFiles = true;   // else the data stay in memory only
     bool m_bRegenerate = false;  // generate even when a file exists (the types asked for only)
+    // Once set, the generation ends before the next type or level with ChessException
+    // kGenerationStoppedText; the type under way leaves no file, the types finished keep theirs.
+    const std::atomic<bool>* m_pStop = nullptr;
 };
+
+inline constexpr const char* kGenerationStoppedText = "Generation stopped";
+// Throws ChessException kGenerationStoppedText when the options' stop flag is set.
+void ThrowIfGenerationStopped(const TGenerationOptions& options);
 
 struct TGenerationReport {
     std::string m_sDescription;

@@ -274,7 +274,10 @@ std::vector<uint8_t> CTypeGenerator::Run(TGenerationReport& report) {
         m_unsettledMoves.assign(m_nPlacements, 0);
         ScanWhite();
         ScanBlack();
-        for (int d = 1; d <= kLargestValue && (Level(d) || PendingAfter(d)); ++d) report.m_nLevels = d;
+        for (int d = 1; d <= kLargestValue && (Level(d) || PendingAfter(d)); ++d) {
+            report.m_nLevels = d;
+            ThrowIfGenerationStopped(m_options);
+        }
     }
     std::vector<uint8_t> elements(std::move(m_white));
     elements.reserve(2 * m_nPlacements);

@@ -250,5 +250,34 @@ TEST_F(PrecalcData, TheSearchFindsACustomTypeWhenTheStandardOneIsMissing) {
     EXPECT_EQ(registers.Find(test::Board("8/8/8/8/R7/2k5/8/4K3 w - - 0 1")), nullptr);
 }
 
+// A stop ends the generation before the next type: the types done keep their files, the rest
+// have none.
+TEST_F(PrecalcData, AStopEndsTheGenerationBeforeTheNextType) {
+    testing::CTempFolder folder;
+    TGlobalRegisters registers;
+    TGlobalRegisterSettings settings = s_pRegisters->Settings();
+    settings.m_dataFolder = folder.Path();
+    registers.Configure(settings, nullptr);
+    std::atomic<bool> stop{false};
+    TGenerationOptions options;
+    options.m_pStop = &stop;
+    std::vector<std::string> done;
+    try {
+        EnsureTypeData(registers, TPrecalcType::Parse("KPk"), options, [&](const TGenerationReport& r) {
+            done.push_back(r.m_sDescription);
+            stop = true;
+        });
+        ADD_FAILURE() << "the generation went on";
+    } catch (const ChessException& e) {
+        EXPECT_STREQ(e.what(), kGenerationStoppedText);
+    }
+    ASSERT_EQ(done.size(), 1u);
+    for (const char* type : {"KQk", "KRk", "KBk", "KNk", "KPk"})
+        EXPECT_EQ(
+            std::filesystem::exists(TypeFile(folder.Path(), TPrecalcType::Parse(type), TStorageKind::kPlain)),
+            done[0] == type)
+            << type;
+}
+
 }  // namespace
 }  // namespace moremate
