@@ -48,17 +48,13 @@ uint8_t Scan(const TChessboard& board, const uint8_t* sq, int target, uint8_t co
         for (int i = 0; i < jumps.count; ++i)
             if (sq[jumps.squares[i]] == knight && found(jumps.squares[i])) return answer;
     }
-    const int queens = white ? board.whiteQueens : board.blackQueens;
-    const bool diagonals = queens + (white ? board.whiteBishops : board.blackBishops) != 0;
-    const bool lines = queens + (white ? board.whiteRooks : board.blackRooks) != 0;
-    if (!diagonals && !lines) return answer;
+    const TSliderDirections sliders = SliderDirections(board, colour);
+    if (!sliders.Any()) return answer;
     const uint64_t occupied = Occupied(sq);
     for (int d = kDirections - 1; d >= 0; --d) {  // diagonals first, then lines
-        if (!(IsDiagonal(d) ? diagonals : lines)) continue;
+        if (!sliders.Has(d)) continue;
         const int nearest = FirstOnRay(occupied, target, d);
-        if (nearest < 0) continue;
-        const uint8_t slider = colour | (IsDiagonal(d) ? kBishop : kRook);
-        if ((sq[nearest] & (kColourMask | slider)) == slider && found(nearest)) return answer;
+        if (nearest >= 0 && SlidesAlong(sq[nearest], colour, d) && found(nearest)) return answer;
     }
     return answer;
 }

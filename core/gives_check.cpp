@@ -16,11 +16,6 @@ bool PlayedToSee(const TChessboard& board, const TMove& move) {
            (TypeOf(piece) == kPawn && move.to == board.epSquare);
 }
 
-bool Slider(Piece piece, uint8_t colour, int d) {
-    const uint8_t slider = colour | (IsDiagonal(d) ? kBishop : kRook);
-    return (piece & (kColourMask | slider)) == slider;
-}
-
 }  // namespace
 
 CCheckSquares::CCheckSquares(const TChessboard& board) {
@@ -42,7 +37,7 @@ CCheckSquares::CCheckSquares(const TChessboard& board) {
         (IsDiagonal(d) ? m_nDiagonal : m_nLine) |= open;
         if (first < 0 || ColourOf(board.squares[first]) != us) continue;
         const int behind = FirstOnRay(occupied, first, d);
-        if (behind >= 0 && Slider(board.squares[behind], us, d)) m_nUncovers |= Bit(first);
+        if (behind >= 0 && SlidesAlong(board.squares[behind], us, d)) m_nUncovers |= Bit(first);
     }
 }
 

@@ -36,19 +36,15 @@ struct CNodeInfo {
 };
 
 void FindPins(const TChessboard& b, CNodeInfo& info) {
-    const bool white = info.them == kWhite;
-    const int queens = white ? b.whiteQueens : b.blackQueens;
-    const bool diagonals = queens + (white ? b.whiteBishops : b.blackBishops) != 0;
-    const bool lines = queens + (white ? b.whiteRooks : b.blackRooks) != 0;
-    if (!diagonals && !lines) return;
+    const TSliderDirections sliders = SliderDirections(b, info.them);
+    if (!sliders.Any()) return;
     const uint64_t occupied = Occupied(b.squares);
     for (int d = 0; d < kDirections; ++d) {
-        if (!(IsDiagonal(d) ? diagonals : lines)) continue;
+        if (!sliders.Has(d)) continue;
         const int own = FirstOnRay(occupied, info.king, d);
         if (own < 0 || ColourOf(b.squares[own]) != info.us) continue;
         const int behind = FirstOnRay(occupied, own, d);
-        const uint8_t slider = info.them | (IsDiagonal(d) ? kBishop : kRook);
-        if (behind >= 0 && (b.squares[behind] & (kColourMask | slider)) == slider) {
+        if (behind >= 0 && SlidesAlong(b.squares[behind], info.them, d)) {
             info.pinned |= Bit(own);
             info.pinDir[own] = static_cast<int8_t>(d);
         }

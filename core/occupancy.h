@@ -8,6 +8,7 @@
 #include <emmintrin.h>
 #endif
 
+#include "chessboard.h"
 #include "tables.h"
 #include "types.h"
 
@@ -34,6 +35,27 @@ inline uint64_t Occupied(const uint8_t* squares) {
 // north-west): the nearest piece on it is then its lowest bit, else its highest.
 constexpr bool RayRunsUp(int d) {
     return d == kNorth || d == kEast || d == kNorthEast || d == kNorthWest;
+}
+
+// Whether `piece` is a slider of `colour` moving along direction `d` (a bishop or queen on a
+// diagonal, a rook or queen on a line).
+inline bool SlidesAlong(Piece piece, uint8_t colour, int d) {
+    const uint8_t slider = colour | (IsDiagonal(d) ? kBishop : kRook);
+    return (piece & (kColourMask | slider)) == slider;
+}
+
+// The directions in which a side's sliders can reach anything, from its piece counts.
+struct TSliderDirections {
+    bool diagonals = false;  // a queen or a bishop
+    bool lines = false;      // a queen or a rook
+    bool Any() const { return diagonals || lines; }
+    bool Has(int d) const { return IsDiagonal(d) ? diagonals : lines; }
+};
+inline TSliderDirections SliderDirections(const TChessboard& board, uint8_t colour) {
+    const bool white = colour == kWhite;
+    const int queens = white ? board.whiteQueens : board.blackQueens;
+    return {queens + (white ? board.whiteBishops : board.blackBishops) != 0,
+            queens + (white ? board.whiteRooks : board.blackRooks) != 0};
 }
 
 // The square of the first piece on ray `d` from `sq`, or -1 when the ray is empty.

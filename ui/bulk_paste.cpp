@@ -8,21 +8,16 @@
 #include "problems/annotations/award_places.h"
 #include "problems/annotations/foreign_problem.h"
 #include "problems/format/collection_reader.h"
+#include "settings/trim.h"
 
 namespace moremate::ui {
 namespace {
-
-std::string Trimmed(const std::string& text) {
-    const size_t first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string::npos) return "";
-    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
 
 std::vector<std::string> Pieces(const std::string& text) {
     std::vector<std::string> pieces(1);
     std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
-        const std::string trimmed = Trimmed(line);
+        const std::string_view trimmed = Trim(line);
         if (trimmed.empty() || trimmed == "---" || trimmed.starts_with("\\begin{diagram}"))
             pieces.emplace_back();
         if (!trimmed.empty() && trimmed != "---") pieces.back() += line + "\n";
@@ -37,14 +32,14 @@ bool ReadFenLine(const std::string& line, std::vector<ProblemEntry>& entries) {
     const size_t hash = line.rfind('#');
     int moves = 2;
     if (hash != std::string::npos) {
-        const std::string n = Trimmed(line.substr(hash + 1));
+        const std::string n(Trim(line.substr(hash + 1)));
         const auto [end, error] = std::from_chars(n.data(), n.data() + n.size(), moves);
         if (error != std::errc{} || end != n.data() + n.size() || moves < 1 ||
             moves > (kPositionPlies - 1) / 2)
             return false;
     }
     TForeignProblem problem;
-    if (!ReadFen(Trimmed(line.substr(0, hash)), problem.board)) return false;
+    if (!ReadFen(std::string(Trim(line.substr(0, hash))), problem.board)) return false;
     problem.nMoves = moves;
     entries.push_back(ForeignProblemEntry(problem, 0));
     return true;
@@ -84,7 +79,7 @@ TBulkPaste ReadBulkPaste(const std::string& text, int maxMoves, bool prizedOnly,
                          const TUserQuestions& questions) {
     TBulkPaste paste;
     for (const std::string& piece : Pieces(text)) {
-        const std::string head = Trimmed(piece.substr(0, piece.find('\n')));
+        const std::string head(Trim(piece.substr(0, piece.find('\n'))));
         try {
             for (const auto& [entry, prized] : ReadPiece(piece, questions)) {
                 if (entry.m_type == ProblemType::Directmate && entry.StipulationMoves() > maxMoves)

@@ -113,6 +113,8 @@ class TMainWindow : public QMainWindow {
     QAction* ContextAction(QMenu* menu, const char* id, void (TMainWindow::*run)());
     void BuildContextMenus();
     void BuildToolBar();
+    TUpDownButton* AddStepTool(QToolBar* bar, const char* name, const char* tip,
+                               const std::function<void(int)>& step);
     void AddThreadsTool(QToolBar* bar);
     void AddVariantTools(QToolBar* bar);
     void AddPeekTool(QToolBar* bar);
@@ -134,7 +136,9 @@ class TMainWindow : public QMainWindow {
     void CommentPickedMove();
     void UpdateTitle();
     void Say(const QString& text);
-    TChessboard ShownBoard() const;
+    TChessboard ShownBoard() const { return BoardAfter(m_nShown); }
+    // The position after the first `moves` of the moves made.
+    TChessboard BoardAfter(size_t moves) const;
 
     // Guards.
     bool RefuseWhileAnalysing();
@@ -391,10 +395,9 @@ class TMainWindow : public QMainWindow {
     bool m_bProgressLarge = false;
     TUpDownButton* m_pThreadsTool = nullptr;
     QLabel* m_pRegisterCount = nullptr;  // the positions in the temporary register
-    bool m_bRemainingMoves = false;
-    int m_nPeek = 0;  // the observed line shown: 0 all, k the k-th      // the moves made numbered by the
-                      // moves left, not ordinally
-    QSystemTrayIcon* m_pTray = nullptr;                  // none where the desktop has no tray
+    bool m_bRemainingMoves = false;      // the moves made numbered by the moves left, not ordinally
+    int m_nPeek = 0;                     // the observed line shown: 0 all, k the k-th
+    QSystemTrayIcon* m_pTray = nullptr;  // none where the desktop has no tray
     std::optional<THeuristicSet> m_oRunHeuristics;       // the next run's pass-1 set, chosen in the dialog
     bool m_bRunRelaxes = true;                           // and whether the passes may relax it
     std::optional<THeuristicSet> m_oPreviousHeuristics;  // the set chosen last time

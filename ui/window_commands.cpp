@@ -231,16 +231,24 @@ void TMainWindow::BuildToolBar() {
     AddVariantTools(bar);
 }
 
-// The threads of the next run: the upper half of the tool adds one, the lower half takes one.
+// A tool that steps a number: `step(+1)` from its upper half, `step(-1)` from its lower half.
+TUpDownButton* TMainWindow::AddStepTool(QToolBar* bar, const char* name, const char* tip,
+                                        const std::function<void(int)>& step) {
+    auto* tool = new TUpDownButton(bar);
+    tool->setObjectName(name);
+    tool->setAutoRaise(true);
+    tool->setMinimumWidth(32);
+    m_tips[tool] = tip;
+    connect(tool, &TUpDownButton::Up, this, [step] { step(1); });
+    connect(tool, &TUpDownButton::Down, this, [step] { step(-1); });
+    bar->addWidget(tool);
+    return tool;
+}
+
+// The threads of the next run.
 void TMainWindow::AddThreadsTool(QToolBar* bar) {
-    m_pThreadsTool = new TUpDownButton(bar);
-    m_pThreadsTool->setObjectName("tool.threads");
-    m_pThreadsTool->setAutoRaise(true);
-    m_pThreadsTool->setMinimumWidth(32);
-    m_tips[m_pThreadsTool] = "tip.threads";
-    connect(m_pThreadsTool, &TUpDownButton::Up, this, [this] { SetThreads(m_nThreads + 1); });
-    connect(m_pThreadsTool, &TUpDownButton::Down, this, [this] { SetThreads(m_nThreads - 1); });
-    bar->addWidget(m_pThreadsTool);
+    m_pThreadsTool = AddStepTool(bar, "tool.threads", "tip.threads",
+                                 [this](int delta) { SetThreads(m_nThreads + delta); });
     SetThreads(m_nThreads);
 }
 
@@ -251,19 +259,13 @@ void TMainWindow::SetThreads(int threads) {
 
 // The thread whose line the progress area shows: "A" all of them, else the k-th line.
 void TMainWindow::AddPeekTool(QToolBar* bar) {
-    auto* peek = new TUpDownButton(bar);
-    peek->setObjectName("tool.peek");
-    peek->setAutoRaise(true);
-    peek->setMinimumWidth(32);
-    peek->setText("A");
-    m_tips[peek] = "tip.peek";
-    const auto step = [this, peek](int delta) {
+    TUpDownButton* peek = AddStepTool(bar, "tool.peek", "tip.peek", [this](int delta) {
         m_nPeek = std::clamp(m_nPeek + delta, 0, kMaxThreads);
-        peek->setText(m_nPeek == 0 ? QString("A") : QString::number(m_nPeek));
-    };
-    connect(peek, &TUpDownButton::Up, this, [step] { step(1); });
-    connect(peek, &TUpDownButton::Down, this, [step] { step(-1); });
-    bar->addWidget(peek);
+    });
+    const auto show = [this, peek] { peek->setText(m_nPeek == 0 ? QString("A") : QString::number(m_nPeek)); };
+    connect(peek, &TUpDownButton::Up, this, show);  // after the step, connected first
+    connect(peek, &TUpDownButton::Down, this, show);
+    show();
 }
 
 // The numbering of the moves made, and the main variant's tool.

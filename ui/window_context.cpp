@@ -115,10 +115,7 @@ void TMainWindow::OpenInNewInstance() {
     if (m_collection.Size() == 0) return;
     ProblemEntry entry = m_collection.Current();
     if (m_nShown > 0 && entry.m_type == ProblemType::Directmate) {
-        const size_t whiteToMove = m_nShown % 2 == 0 ? m_nShown : m_nShown - 1;
-        const size_t shown = std::exchange(m_nShown, whiteToMove);
-        TChessboard board = ShownBoard();
-        m_nShown = shown;
+        TChessboard board = BoardAfter(m_nShown % 2 == 0 ? m_nShown : m_nShown - 1);
         board.previous = nullptr;
         entry.m_nPlies = std::max(1, static_cast<int>(board.movesLeft));
         board.movesAtStart = board.movesLeft = static_cast<int16_t>(entry.m_nPlies);

@@ -58,8 +58,8 @@ QString StipulationText(const ProblemEntry& entry) {
 
 }  // namespace
 
-TChessboard TMainWindow::ShownBoard() const {
-    return PlayLine(m_collection.Current().m_position.board, m_vMoves, m_nShown).back();
+TChessboard TMainWindow::BoardAfter(size_t moves) const {
+    return PlayLine(m_collection.Current().m_position.board, m_vMoves, moves).back();
 }
 
 void TMainWindow::ShowProblemHeader() {
@@ -102,11 +102,11 @@ void TMainWindow::ShowMoves() {
     m_pMoves->clear();
     const TChessboard& start = m_collection.Current().m_position.board;
     const std::vector<TChessboard> line = PlayLine(start, m_vMoves, m_vMoves.size());
+    const int moves = m_collection.Current().StipulationMoves();
+    const bool remaining = m_bRemainingMoves && m_collection.Current().m_type == ProblemType::Directmate;
     for (size_t i = 0; i < m_vMoves.size(); ++i) {
         const bool white = line[i].WhiteToMove();
         const size_t ordinal = (i + (start.WhiteToMove() ? 0 : 1)) / 2 + 1;
-        const int moves = m_collection.Current().StipulationMoves();
-        const bool remaining = m_bRemainingMoves && m_collection.Current().m_type == ProblemType::Directmate;
         const int64_t number =
             remaining ? moves - static_cast<int64_t>(ordinal) + 1 : static_cast<int64_t>(ordinal);
         QString text = QString("%1%2 %3")

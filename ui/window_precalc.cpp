@@ -102,12 +102,10 @@ void TMainWindow::StepInType(int step) {
     const TChessboard board = ShownBoard();
     try {
         const TPrecalcType type = TypeOf(board);
-        uint64_t index = type.IndexOf(board.squares);
+        const std::optional<uint64_t> index =
+            NextPlacement(type, type.IndexOf(board.squares), step, board.WhiteToMove());
         TChessboard next;
-        for (uint64_t n = 1; n < type.PlacementCount(); ++n) {
-            index = (index + type.PlacementCount() + static_cast<uint64_t>(step)) % type.PlacementCount();
-            if (SetUpPlacement(type, index, board.WhiteToMove(), next)) return SetTypePosition(next, index);
-        }
+        if (index && SetUpPlacement(type, *index, board.WhiteToMove(), next)) SetTypePosition(next, *index);
     } catch (const ChessException& e) {
         m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), e.what());
     }

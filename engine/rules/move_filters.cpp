@@ -10,8 +10,8 @@
 namespace moremate {
 namespace {
 
-bool Quiet(const TChessboard& node, const TMove& m) {
-    return node.squares[m.to] == kEmpty && !m.PromotedType() && !GivesCheck(node, m);
+bool Quiet(const TChessboard& node, const CCheckSquares& checks, const TMove& m) {
+    return node.squares[m.to] == kEmpty && !m.PromotedType() && !checks.Gives(node, m);
 }
 
 // A figure moved where Black attacks it and White does not defend it.
@@ -68,8 +68,9 @@ int PinnedBy(const TChessboard& b, int key) {
 bool SkipWorstWhiteMoves(const TFilterContext& c, TMoveList& moves) {
     if (!c.node.WhiteToMove()) return false;
     const bool passive = c.set.params.skipPassive;
+    const CCheckSquares checks(c.node);
     return DropMoves(moves, [&](const TMove& m) {
-        return Quiet(c.node, m) && (passive ? Passive(c.node, m) : PutsFigureEnPrise(c.node, m));
+        return Quiet(c.node, checks, m) && (passive ? Passive(c.node, m) : PutsFigureEnPrise(c.node, m));
     });
 }
 

@@ -21,16 +21,22 @@ TLongestMate LongestMate(const TPrecalcType& type, const CGlobalStorage& storage
     return longest;
 }
 
-std::optional<uint64_t> NextPlacementWith(const TPrecalcType& type, const CGlobalStorage& storage,
-                                          uint64_t from, int step, uint16_t value) {
+std::optional<uint64_t> NextPlacement(const TPrecalcType& type, uint64_t from, int step, bool whiteToMove,
+                                      const std::function<bool(uint64_t)>& wanted) {
     const uint64_t count = type.PlacementCount();
     TChessboard board;
     uint64_t index = from % count;
     for (uint64_t n = 1; n < count; ++n) {
         index = (index + count + static_cast<uint64_t>(step)) % count;
-        if (storage.Element(index) == value && SetUpPlacement(type, index, true, board)) return index;
+        if ((!wanted || wanted(index)) && SetUpPlacement(type, index, whiteToMove, board)) return index;
     }
     return std::nullopt;
+}
+
+std::optional<uint64_t> NextPlacementWith(const TPrecalcType& type, const CGlobalStorage& storage,
+                                          uint64_t from, int step, uint16_t value) {
+    return NextPlacement(type, from, step, true,
+                         [&storage, value](uint64_t index) { return storage.Element(index) == value; });
 }
 
 }  // namespace moremate

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include "precalc/global/global_storage.h"
@@ -18,8 +19,12 @@ struct TLongestMate {
 // Over the placements with White to move.
 TLongestMate LongestMate(const TPrecalcType& type, const CGlobalStorage& storage);
 
-// The placement after `from` going by `step` (+1 or -1, round the end) that holds `value` and is a
-// legal position with White to move; nothing when no other does.
+// The placement after `from` going by `step` (+1 or -1, round the end) that `wanted` accepts and
+// that is a legal position with the side given to move; nothing when no other is.
+std::optional<uint64_t> NextPlacement(const TPrecalcType& type, uint64_t from, int step, bool whiteToMove,
+                                      const std::function<bool(uint64_t)>& wanted = {});
+
+// The next placement, as above, that holds `value` with White to move.
 std::optional<uint64_t> NextPlacementWith(const TPrecalcType& type, const CGlobalStorage& storage,
                                           uint64_t from, int step, uint16_t value);
 

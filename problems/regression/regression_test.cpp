@@ -157,17 +157,13 @@ class CTestRun {
     bool m_bAnyFailed = false;
 };
 
-bool Stopped(const TRegressionTestSettings& settings) {
-    return settings.stopped && settings.stopped();
-}
-
 bool RunOnce(const std::vector<ProblemEntry>& entries, const std::filesystem::path& collection,
              const TRegressionTestSettings& settings, const TSolveSettings& solve, const TOptions& options,
              CTestLog& log) {
     log.Write(Heading(settings, solve, LocalTime(std::chrono::system_clock::now()), collection));
     CTestRun run(solve, options, log);
     for (const ProblemEntry& entry : entries) {
-        if (Stopped(settings)) break;
+        if (settings.StopAsked()) break;
         if (!entry.Has(kOptMirrorOnly)) run.Test(entry, false);
         if (entry.Has(kOptMirrorOnly) || (settings.bWithMirror && !entry.Has(kOptNoMirror)))
             run.Test(MirroredEntry(entry), true);
@@ -201,7 +197,7 @@ TRegressionTestResult RunRegressionTest(const std::vector<ProblemEntry>& entries
     result.logFile = settings.logFolder / fmt::format("RegressionTest_{:%Y_%m_%d__%H_%M_%S}.log",
                                                       LocalTime(std::chrono::system_clock::now()));
     CTestLog log(result.logFile, output);
-    for (int loop = 0; (settings.nLoops == kUntilStopped || loop < settings.nLoops) && !Stopped(settings);
+    for (int loop = 0; (settings.nLoops == kUntilStopped || loop < settings.nLoops) && !settings.StopAsked();
          ++loop)
         result.bAnyFailed = RunOnce(entries, collection, settings, solve, options, log) || result.bAnyFailed;
     return result;

@@ -29,6 +29,8 @@ struct TRegressionTestSettings {
     std::filesystem::path logFolder = ".";
     std::optional<std::filesystem::path> databaseFolder;  // where the results are stored, if anywhere
     std::function<bool()> stopped;                        // asked before each problem: true ends the test
+
+    bool StopAsked() const { return stopped && stopped(); }
 };
 
 struct TRegressionTestResult {

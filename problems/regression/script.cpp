@@ -157,8 +157,7 @@ TScriptResult RunScriptText(std::string_view text, TScriptEnvironment& environme
     if (environment.output) environment.output("Running .vrs script...\n");
     CScript script(environment);
     int nLine = 0;
-    const auto& stopped = environment.testSettings.stopped;
-    for (size_t start = 0; start <= text.size() && !(stopped && stopped());) {
+    for (size_t start = 0; start <= text.size() && !environment.testSettings.StopAsked();) {
         const size_t end = std::min(text.find('\n', start), text.size());
         script.Execute(ParseLine(text.substr(start, end - start), ++nLine));
         start = end + 1;
