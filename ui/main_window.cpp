@@ -187,6 +187,14 @@ void TMainWindow::Say(const QString& text) {
     statusBar()->showMessage(text);
 }
 
+void TMainWindow::Inform(const std::string& text) {
+    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), text);
+}
+
+void TMainWindow::ReportError(const std::string& text) {
+    m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), text);
+}
+
 void TMainWindow::UpdateTitle() {
     const QString file = QString::fromStdString(m_collection.File().filename().string());
     setWindowTitle(QString("moremate - %1%2").arg(file, m_collection.Modified() ? " *" : ""));
@@ -194,7 +202,7 @@ void TMainWindow::UpdateTitle() {
 
 bool TMainWindow::RefuseWhileAnalysing() {
     if (!Analysing()) return false;
-    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), Text("msg.refused").toStdString());
+    Inform(Text("msg.refused").toStdString());
     return true;
 }
 

@@ -140,6 +140,10 @@ class TMainWindow : public QMainWindow {
     // The position after the first `moves` of the moves made.
     TChessboard BoardAfter(size_t moves) const;
 
+    // Message boxes titled in the window's language.
+    void Inform(const std::string& text);
+    void ReportError(const std::string& text);
+
     // Guards.
     bool RefuseWhileAnalysing();
     bool MayLeaveProblem();

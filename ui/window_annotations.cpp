@@ -42,7 +42,7 @@ bool TMainWindow::ChooseHeuristics() {
     try {
         set = EngineHeuristics(m_collection.Current());
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
+        ReportError(e.what());
         return false;
     }
     THeuristicsWindow dialog(set, m_collection.Current().m_position.board, m_oPreviousHeuristics, m_nLanguage,
@@ -116,7 +116,7 @@ void TMainWindow::AppendTagsCommand() {
     try {
         ReadCollectionFile(name.toStdString(), other, false, {{&m_reporter, m_nLanguage}, {}});
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), name.toStdString() + ": " + e.what());
+        ReportError(name.toStdString() + ": " + e.what());
         return;
     }
     int added = 0;
@@ -145,7 +145,7 @@ void TMainWindow::EditSortIndications() {
         if (!text.isEmpty())
             line = SortIndicationsText(ParseSortIndications(text.toStdString(), m_nLanguage));
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
+        ReportError(e.what());
         return;
     }
     Edit([&line](ProblemEntry& e) { e.m_annotations.sSortIndications = line; });
@@ -154,8 +154,7 @@ void TMainWindow::EditSortIndications() {
 std::optional<std::string> TMainWindow::AskVariantName(const QString& title, bool editable) {
     const QStringList names = Names(ReadVariants(m_collection.Current()).variants);
     if (!editable && names.isEmpty()) {
-        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                          Text("msg.novariants").toStdString());
+        Inform(Text("msg.novariants").toStdString());
         return std::nullopt;
     }
     bool ok = false;
@@ -166,9 +165,7 @@ std::optional<std::string> TMainWindow::AskVariantName(const QString& title, boo
 
 void TMainWindow::SaveVariantAs() {
     if (RefuseWhileAnalysing() || m_collection.Size() == 0) return;
-    if (m_nShown == 0)
-        return void(m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                                      Text("msg.nomoves").toStdString()));
+    if (m_nShown == 0) return Inform(Text("msg.nomoves").toStdString());
     const std::optional<std::string> name = AskVariantName(Title("var.saveas"), true);
     if (!name) return;
     const std::vector<TMove> moves(m_vMoves.begin(), m_vMoves.begin() + static_cast<long>(m_nShown));
@@ -203,9 +200,7 @@ void TMainWindow::Animate(const std::vector<TMove>& moves) {
 void TMainWindow::AnimateMainVariant() {
     const TVariants variants = ReadVariants(m_collection.Current()).variants;
     const auto main = variants.find(kMainVariantName);
-    if (main == variants.end())
-        return void(m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                                      Text("msg.novariants").toStdString()));
+    if (main == variants.end()) return Inform(Text("msg.novariants").toStdString());
     Animate(main->second);
 }
 

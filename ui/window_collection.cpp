@@ -40,7 +40,7 @@ bool TMainWindow::OpenCollection(const std::filesystem::path& file) {
         m_collection.Open(file, TUserQuestions{&m_reporter, m_nLanguage});
         opened = true;
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), file.string() + ": " + e.what());
+        ReportError(file.string() + ": " + e.what());
         opened = m_collection.File() == file;  // the records before a fault are shown
     }
     if (!opened) return false;
@@ -55,7 +55,7 @@ bool TMainWindow::OpenDefaultCollection() {
         if (!std::filesystem::exists(file) && !CreateNewCollection(file, {&m_reporter, m_nLanguage}))
             return false;
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
+        ReportError(e.what());
         return false;
     }
     return OpenCollection(file);
@@ -70,7 +70,7 @@ void TMainWindow::NewFile() {
     try {
         if (!CreateNewCollection(file, {&m_reporter, m_nLanguage})) return;
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
+        ReportError(e.what());
         return;
     }
     OpenCollection(file);
@@ -97,7 +97,7 @@ void TMainWindow::Save() {
         m_collection.Save();
         Say(Text("label.saved").arg(QString::fromStdString(m_collection.File().string())));
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
+        ReportError(e.what());
     }
     UpdateTitle();
 }
@@ -110,7 +110,7 @@ void TMainWindow::SaveAs() {
         m_collection.SaveAs(name.toStdString());
         Say(Text("label.saved").arg(name));
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
+        ReportError(e.what());
     }
     UpdateTitle();
 }
@@ -123,7 +123,7 @@ void TMainWindow::AppendFile() {
     try {
         m_collection.Append(name.toStdString(), {&m_reporter, m_nLanguage});
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), name.toStdString() + ": " + e.what());
+        ReportError(name.toStdString() + ": " + e.what());
     }
     ShowProblem();
 }
@@ -173,9 +173,7 @@ bool TMainWindow::SelectProblemNumber(uint32_t number) {
         found = c.GoToNumber(number);
         return found;
     });
-    if (!found)
-        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                          Text("msg.noproblem").arg(number).toStdString());
+    if (!found) Inform(Text("msg.noproblem").arg(number).toStdString());
     return found;
 }
 

@@ -37,9 +37,7 @@ void TMainWindow::SetMoveComment(size_t index, const QString& text) {
 
 void TMainWindow::EditMoveComment(size_t index) {
     if (m_collection.Size() == 0) return;
-    if (index >= m_vMoves.size())
-        return void(m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                                      Text("msg.nomovecomment").toStdString()));
+    if (index >= m_vMoves.size()) return Inform(Text("msg.nomovecomment").toStdString());
     bool ok = false;
     const QString text = QInputDialog::getText(this, Title("prob.comment"), Text("cmt.prompt").arg(index + 1),
                                                QLineEdit::Normal, MoveComment(index), &ok);

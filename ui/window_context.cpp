@@ -128,7 +128,7 @@ void TMainWindow::OpenInNewInstance() {
         const std::filesystem::path file = WriteScratchCopy(entry);
         QProcess::startDetached(QApplication::applicationFilePath(), {QString::fromStdString(file.string())});
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
+        ReportError(e.what());
     }
 }
 

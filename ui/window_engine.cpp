@@ -48,7 +48,7 @@ void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
         const std::optional<std::string> load = PrepareRunRegister(entry, m_options, m_pRunRegister);
         if (load) Say(QString::fromStdString(*load));
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), e.what());
+        ReportError(e.what());
         return;
     }
     m_nRunIndex = m_collection.CurrentIndex();
@@ -79,8 +79,7 @@ void TMainWindow::StartDefence(bool thorough) {
     if (Analysing() || m_collection.Size() == 0) return;
     const TChessboard shown = ShownBoard();
     if (m_nShown == 0 || shown.WhiteToMove()) {
-        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                          Text("msg.nodefence").toStdString());
+        Inform(Text("msg.nodefence").toStdString());
         return;
     }
     const ProblemEntry entry = m_collection.Current();
@@ -157,8 +156,7 @@ QString TMainWindow::RunSettingsText(const char* mode, int threads, int levels) 
 }
 
 void TMainWindow::ShowRunSettings() {
-    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                      (Analysing() ? m_sRunSettings : Text("msg.norun")).toStdString());
+    Inform((Analysing() ? m_sRunSettings : Text("msg.norun")).toStdString());
 }
 
 void TMainWindow::ResumeRun() {
@@ -167,8 +165,7 @@ void TMainWindow::ResumeRun() {
 }
 
 void TMainWindow::SkipMoves(size_t count) {
-    if (Analysing() && !m_run.Skip(count))
-        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), kSkipFailedText);
+    if (Analysing() && !m_run.Skip(count)) Inform(kSkipFailedText);
 }
 
 void TMainWindow::ShowProgress(const TRunProgress& progress) {
@@ -206,7 +203,7 @@ void TMainWindow::RunFinished(const TProblemReport& report) {
         text += "\n" + keys.join(", ") + "\n" + QString::fromStdString(report.mainLine);
     }
     if (report.error) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), *report.error);
+        ReportError(*report.error);
         text += "\n" + QString::fromStdString(*report.error);
     }
     report.result == kToolResult ? m_pProgress->appendPlainText(text) : m_pProgress->setPlainText(text);
@@ -226,8 +223,7 @@ void TMainWindow::RunFinished(const TProblemReport& report) {
     InterfaceState().m_bShowWholeSolution = false;
     UpdateTitle();
     if (report.result == "defence") m_reporter.Report(kResultOfAnalysisTitle, report.outcome);
-    if (report.result == kToolResult)
-        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), report.outcome);
+    if (report.result == kToolResult) Inform(report.outcome);
     if (report.result == "no solution")
         m_reporter.Report(kResultOfAnalysisTitle,
                           NoSolutionText(static_cast<int>(report.msec / 1000), false));
@@ -249,7 +245,7 @@ void TMainWindow::UpdateRunState() {
 
 void TMainWindow::ClearRegister() {
     if (Analysing()) {
-        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), kSaveRefusedText);
+        Inform(kSaveRefusedText);
         return;
     }
     m_pRunRegister.reset();
@@ -265,16 +261,14 @@ void TMainWindow::ShowRegisterCount() {
 }
 
 void TMainWindow::RegisterStatus() {
-    const std::string title = ReportTitle(ReportKind::Information, m_nLanguage);
-    if (!m_pRunRegister) return void(m_reporter.Report(title, Text("msg.noregister").toStdString()));
-    if (Analysing()) return void(m_reporter.Report(title, kToolUnavailableText));
-    m_reporter.Report(title, "White to move:\n" + RegisterStatistics(m_pRunRegister->WhiteToMove()) +
-                                 "\n\nBlack to move:\n" + RegisterStatistics(m_pRunRegister->BlackToMove()));
+    if (!m_pRunRegister) return Inform(Text("msg.noregister").toStdString());
+    if (Analysing()) return Inform(kToolUnavailableText);
+    Inform("White to move:\n" + RegisterStatistics(m_pRunRegister->WhiteToMove()) + "\n\nBlack to move:\n" +
+           RegisterStatistics(m_pRunRegister->BlackToMove()));
 }
 
 void TMainWindow::GlobalRegisterStatus() {
-    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                      TGlobalRegisters::Instance().StatusText());
+    Inform(TGlobalRegisters::Instance().StatusText());
 }
 
 void TMainWindow::ShowOptions() {

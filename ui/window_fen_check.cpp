@@ -15,9 +15,7 @@ void TMainWindow::CheckFenFile() {
     const QString name = QFileDialog::getOpenFileName(this, Title("adv.fencheck"));
     if (name.isEmpty()) return;
     std::ifstream in(name.toStdString());
-    if (!in)
-        return void(m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage),
-                                      "Error opening file: " + name.toStdString()));
+    if (!in) return ReportError("Error opening file: " + name.toStdString());
     int codes = 0;
     QStringList missing;
     for (std::string line; std::getline(in, line);) {
@@ -29,10 +27,9 @@ void TMainWindow::CheckFenFile() {
             found = m_collection.At(i).m_position == position;
         if (!found) missing << QString::fromStdString(line);
     }
-    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                      (Text("msg.fencheck").arg(codes).arg(codes - missing.size()) +
-                       (missing.isEmpty() ? QString() : "\n" + missing.join('\n')))
-                          .toStdString());
+    Inform((Text("msg.fencheck").arg(codes).arg(codes - missing.size()) +
+            (missing.isEmpty() ? QString() : "\n" + missing.join('\n')))
+               .toStdString());
 }
 
 }  // namespace moremate::ui

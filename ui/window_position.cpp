@@ -286,8 +286,7 @@ std::optional<ProblemEntry> TMainWindow::PastedEntry(const std::string& text) {
 }
 
 void TMainWindow::ReportPasteFailure(const std::string& why) {
-    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                      Text("msg.pastefail").toStdString() + (why.empty() ? "" : "\n" + why));
+    Inform(Text("msg.pastefail").toStdString() + (why.empty() ? "" : "\n" + why));
 }
 
 // A position or a problem replaces the current one; moves are played on from the position shown.
@@ -331,7 +330,7 @@ void TMainWindow::BulkPasteText(bool prizedOnly) {
     }
     std::string text = Text("msg.bulkadded").arg(paste.entries.size()).toStdString();
     for (const std::string& fault : paste.faults) text += "\n" + fault;
-    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), text);
+    Inform(text);
 }
 
 void TMainWindow::ShiftPosition(int files, int ranks) {

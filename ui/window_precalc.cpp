@@ -107,7 +107,7 @@ void TMainWindow::StepInType(int step) {
         TChessboard next;
         if (index && SetUpPlacement(type, *index, board.WhiteToMove(), next)) SetTypePosition(next, *index);
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), e.what());
+        Inform(e.what());
     }
 }
 
@@ -118,7 +118,6 @@ void TMainWindow::SetTypePosition(const TChessboard& board, uint64_t index) {
 
 void TMainWindow::PasteTypeIndex() {
     if (RefuseWhileAnalysing() || m_collection.Size() == 0) return;
-    const std::string info = ReportTitle(ReportKind::Information, m_nLanguage);
     try {
         const TPrecalcType type = TypeOf(ShownBoard());
         bool ok = false;
@@ -129,10 +128,10 @@ void TMainWindow::PasteTypeIndex() {
         const uint64_t index = text.trimmed().toULongLong(&ok);
         TChessboard board;
         if (!ok || index >= type.PlacementCount() || !SetUpPlacement(type, index, true, board))
-            return void(m_reporter.Report(info, Text("msg.badindex").arg(text).toStdString()));
+            return Inform(Text("msg.badindex").arg(text).toStdString());
         SetTypePosition(board, index);
     } catch (const ChessException& e) {
-        m_reporter.Report(info, e.what());
+        Inform(e.what());
     }
 }
 

@@ -25,7 +25,7 @@ constexpr const char* kForciblyClosedText = "The last program analysis seems to 
 // Saving reads the register that a run fills, reading replaces it: neither while a run goes on.
 bool TMainWindow::RefuseRegisterCommand() {
     if (Analysing()) {
-        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage), kSaveRefusedText);
+        Inform(kSaveRefusedText);
         return true;
     }
     return m_collection.Size() == 0;
@@ -40,9 +40,7 @@ std::filesystem::path TMainWindow::DefaultRegisterFile() const {
 }
 
 void TMainWindow::SaveRegisterTo(const std::filesystem::path& file, const std::function<void()>& saved) {
-    if (!m_pRunRegister)
-        return void(m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                                      Text("msg.noregister").toStdString()));
+    if (!m_pRunRegister) return Inform(Text("msg.noregister").toStdString());
     auto written = std::make_shared<bool>(false);
     StartTool(
         [runRegister = m_pRunRegister.get(), file, written,
@@ -110,9 +108,7 @@ void TMainWindow::PinRegister() {
 // Takes the reference off the problem; the register file stays.
 void TMainWindow::UnpinRegister() {
     if (RefuseRegisterCommand()) return;
-    if (!m_collection.Current().m_annotations.sTmpReg)
-        return void(m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                                      Text("msg.notpinned").toStdString()));
+    if (!m_collection.Current().m_annotations.sTmpReg) return Inform(Text("msg.notpinned").toStdString());
     Edit([](ProblemEntry& e) { e.m_annotations.sTmpReg.reset(); });
 }
 
@@ -122,9 +118,8 @@ void TMainWindow::ShowRecoveryNotice() {
     std::error_code error;
     if (!std::filesystem::exists(descriptor, error) || !EndedForcibly(ReadAutoSaveDescriptor(descriptor)))
         return;
-    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                      std::string(kForciblyClosedText) + "\n\n" + Text("msg.recovery").toStdString() + "\n" +
-                          data.string());
+    Inform(std::string(kForciblyClosedText) + "\n\n" + Text("msg.recovery").toStdString() + "\n" +
+           data.string());
     MarkAutoSaveClosed(descriptor);  // told once
 }
 

@@ -19,10 +19,7 @@ bool TMainWindow::FindProblem(const QString& query, bool forward) {
         found = c.Find(m_sFindQuery, forward);
         return found;
     });
-    if (!found)
-        m_reporter.Report(
-            ReportTitle(ReportKind::Information, m_nLanguage),
-            Text(forward ? "msg.notfoundafter" : "msg.notfoundbefore").arg(query).toStdString());
+    if (!found) Inform(Text(forward ? "msg.notfoundafter" : "msg.notfoundbefore").arg(query).toStdString());
     return found;
 }
 
@@ -60,9 +57,7 @@ void TMainWindow::SelectFromList() {
 void TMainWindow::SimilarPositions() {
     if (m_collection.Size() == 0) return;
     const std::vector<size_t> similar = SimilarProblems(m_collection.Entries(), m_collection.CurrentIndex());
-    if (similar.empty())
-        return void(m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                                      Text("msg.nosimilar").toStdString()));
+    if (similar.empty()) return Inform(Text("msg.nosimilar").toStdString());
     GoToChosen(Title("prob.similar"), similar);
 }
 
@@ -72,7 +67,7 @@ size_t TMainWindow::RemovePresentIn(const std::filesystem::path& file) {
     try {
         ReadCollectionFile(file, others, false, {{&m_reporter, m_nLanguage}, {}});
     } catch (const ChessException& e) {
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage), file.string() + ": " + e.what());
+        ReportError(file.string() + ": " + e.what());
         return 0;
     }
     const size_t removed = m_collection.RemovePresentIn(others);
@@ -80,8 +75,7 @@ size_t TMainWindow::RemovePresentIn(const std::filesystem::path& file) {
         m_history.Clear();
         ShowProblem();
     }
-    m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                      Text("msg.removed").arg(removed).toStdString());
+    Inform(Text("msg.removed").arg(removed).toStdString());
     return removed;
 }
 

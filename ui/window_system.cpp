@@ -56,8 +56,7 @@ void TMainWindow::OpenHelp(const char* id) {
     const std::filesystem::path page = HelpPagePath(id);
     if (!std::filesystem::exists(page) ||
         !QDesktopServices::openUrl(QUrl::fromLocalFile(QString::fromStdString(page.string()))))
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage),
-                          Text("msg.nohelp").arg(QString::fromStdString(page.string())).toStdString());
+        ReportError(Text("msg.nohelp").arg(QString::fromStdString(page.string())).toStdString());
 }
 
 void TMainWindow::BuildSystemMenus() {
@@ -79,8 +78,7 @@ void TMainWindow::ShowPriority() {
 
 void TMainWindow::SetPriority(ProcessPriority priority) {
     if (!SetProcessPriority(priority))
-        m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage),
-                          Text("msg.priorityfail").arg(std::strerror(errno)).toStdString());
+        ReportError(Text("msg.priorityfail").arg(std::strerror(errno)).toStdString());
     ShowPriority();
 }
 
@@ -100,8 +98,7 @@ void TMainWindow::FillProcessors(QMenu* menu) {
             if (ToggleProcessor(checks, i, m_reporter, m_nLanguage)) return;
             // A stale menu has been reported; a mask the system refuses (no processor left) not yet.
             if (before && ToggledAffinity(checks, i, *before))
-                m_reporter.Report(ReportTitle(ReportKind::Error, m_nLanguage),
-                                  Text("msg.affinityfail").toStdString());
+                ReportError(Text("msg.affinityfail").toStdString());
         });
     }
 }

@@ -33,8 +33,7 @@ std::string TestSummary(const TRegressionTestResult& result) {
 
 bool TMainWindow::RefuseTool() {
     if (m_bScriptRunning || Analysing()) {
-        m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                          m_bScriptRunning ? kScriptRunningText : kSolvingPendingText);
+        Inform(m_bScriptRunning ? kScriptRunningText : kSolvingPendingText);
         return true;
     }
     return m_collection.Size() == 0;
