@@ -166,8 +166,9 @@ void BM_LookupMiss(benchmark::State& state) {
 }
 BENCHMARK(BM_LookupMiss)->Setup(PrepareFilled)->ThreadRange(1, 2)->UseRealTime();
 
-// As a search can do it with the positions of a move list: a batch of 16 is prefetched, then
-// asked about one by one, so that the memory accesses of the batch overlap.
+// As a search can do it with the positions of a move list: the bucket words of a batch of 16
+// are prefetched, then their entries, then the positions are asked about one by one, so that the
+// memory accesses of the batch overlap.
 void BM_LookupHitPrefetched(benchmark::State& state) {
     constexpr size_t kBatch = 16;
     const TAggregatedTemporaryChessboardRegister& reg = FilledRegister();
@@ -175,6 +176,7 @@ void BM_LookupHitPrefetched(benchmark::State& state) {
     size_t i = FirstIndex(state, kPositions) / kBatch * kBatch;
     for (auto _ : state) {
         if (i % kBatch == 0) {
+            for (size_t j = i; j < i + kBatch; ++j) reg.PrefetchBucket(positions[j]);
             for (size_t j = i; j < i + kBatch; ++j) reg.Prefetch(positions[j]);
         }
         benchmark::DoNotOptimize(reg.Answer(LevelOf(i), positions[i]));

@@ -1,7 +1,10 @@
 #include "validation.h"
 
+#include <bit>
+
 #include "attacks.h"
 #include "chess_exception.h"
+#include "occupancy.h"
 
 namespace moremate {
 namespace {
@@ -47,14 +50,17 @@ void ResetDerived(TChessboard& b) {
     b.whiteMaterialIndexable = true;
 }
 
-void CheckRules(TChessboard& b) {
+}  // namespace
+
+const char* BrokenRule(TChessboard& b) {
     ResetDerived(b);
     int whiteKings = 0, blackKings = 0;
-    for (int sq = 0; sq < 64; ++sq) {
+    // Only the occupied squares are visited, in board order.
+    for (uint64_t occupied = Occupied(b.squares); occupied; occupied &= occupied - 1) {
+        const int sq = std::countr_zero(occupied);
         const Piece p = b.squares[sq];
-        if (p == kEmpty) continue;
         if (TypeOf(p) == kPawn && (sq < 8 || RankOf(sq) == 7))
-            throw ChessException("Pawns cannot occupy 1st nor 8th line of the chessboard.");
+            return "Pawns cannot occupy 1st nor 8th line of the chessboard.";
         switch (p) {
             case kWhite | kKing:
                 StoreWhiteKing(b, sq);
@@ -98,10 +104,17 @@ void CheckRules(TChessboard& b) {
                 break;
         }
     }
-    if (whiteKings != 1 || blackKings != 1) throw ChessException("Illegal number of kings.");
+    if (whiteKings != 1 || blackKings != 1) return "Illegal number of kings.";
     b.whiteKingAttacker = KingAttackerField(b, kWhite);
     b.blackKingAttacker = KingAttackerField(b, kBlack);
-    if (b.whiteKingAttacker != -1 && b.blackKingAttacker != -1) throw ChessException("Both kings attacked.");
+    if (b.whiteKingAttacker != -1 && b.blackKingAttacker != -1) return "Both kings attacked.";
+    return nullptr;
+}
+
+namespace {
+
+void CheckRules(TChessboard& b) {
+    if (const char* rule = BrokenRule(b)) throw ChessException(rule);
 }
 
 }  // namespace

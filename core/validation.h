@@ -5,6 +5,9 @@
 
 namespace moremate {
 
+// The rules alone, without throwing: the text of the first rule the position breaks, or null.
+// Fills the derived fields as Validate does.
+const char* BrokenRule(TChessboard& board);
 // Full flavour, used when a position is newly read or transformed. Throws ChessException.
 // With `resetAuxWords` the heuristics' auxiliary state words are zeroed as well.
 void Validate(TChessboard& board, bool resetAuxWords);

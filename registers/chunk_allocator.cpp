@@ -1,5 +1,7 @@
 #include "chunk_allocator.h"
 
+#include <sys/mman.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -38,8 +40,10 @@ uint8_t* UnitsOf(TChunk* pChunk) {
 }
 
 TChunk* NewChunk(size_t nBytes) {
-    void* p = std::aligned_alloc(kChunkSize, (nBytes + kChunkSize - 1) / kChunkSize * kChunkSize);
+    const size_t nRounded = (nBytes + kChunkSize - 1) / kChunkSize * kChunkSize;
+    void* p = std::aligned_alloc(kChunkSize, nRounded);
     if (!p) throw std::bad_alloc();
+    madvise(p, nRounded, MADV_HUGEPAGE);
     return new (p) TChunk;
 }
 

@@ -1,12 +1,13 @@
 // The allocator of the register's buckets: nodes, sorted-bucket headers and sorted arrays come
-// in a few fixed sizes, each served from 1 MiB chunks cut into units of that size. A freed unit
+// in a few fixed sizes, each served from 2 MiB chunks cut into units of that size. A freed unit
 // goes back to its chunk; a chunk left without used units waits among the unused chunks of its
 // size for reuse, and goes back to the system only when more than kMaxUnusedChunks wait or when
 // ReleaseUnusedChunks is called. A block above the largest unit (a sorted bucket of more than
-// 2,048 entries, which only a degenerate hash gives) gets a chunk of its own, rounded up to 1 MiB.
+// 2,048 entries, which only a degenerate hash gives) gets a chunk of its own, rounded up to 2 MiB.
 //
-// Chunks are aligned to 1 MiB and start with a header, so a block finds its chunk and its size
-// from its address: Free and Reallocate need no size.
+// Chunks are aligned to 2 MiB and start with a header, so a block finds its chunk and its size
+// from its address: Free and Reallocate need no size. Each chunk is one huge page where the system
+// allows it: a look-up at a random place then costs no page walk.
 //
 // Thread-safe: one lock per unit size, held for a few instructions per call.
 #pragma once
@@ -28,7 +29,7 @@ struct TChunkStatistics {
 
 class CChunkAllocator {
   public:
-    static constexpr size_t kChunkSize = size_t{1} << 20;
+    static constexpr size_t kChunkSize = size_t{2} << 20;
     static constexpr size_t kMaxUnusedChunks = 8;  // per unit size
     static constexpr size_t kUnitSizeCount = 10;
 

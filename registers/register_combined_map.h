@@ -20,9 +20,10 @@ namespace moremate {
 
 inline constexpr size_t kBucketNodeEntries = 8;
 
+// The count comes first, in the cache line of the first entry, which a look-up reads with it.
 struct TBucketNode {
-    TChessboardRegisterEntry entries[kBucketNodeEntries];
     uint64_t nCount;
+    TChessboardRegisterEntry entries[kBucketNodeEntries];
 };
 
 // The sorted form. The array's size follows from the count: the next power of two, at least 16.
@@ -82,7 +83,7 @@ class TRegisterCombinedMap {
     void Prefetch(const TChessboardRegisterItem& item) const {
         const uint64_t word = BucketOf(item).load(std::memory_order_relaxed);
         const char* p = static_cast<const char*>(BucketPointer(word));
-        for (int line = 0; line < 4; ++line) __builtin_prefetch(p + 64 * line);
+        for (int line = 0; line < 3; ++line) __builtin_prefetch(p + 64 * line);
     }
 
     // Removes every entry for which `remove(entry)` holds, one bucket at a time; returns how many.

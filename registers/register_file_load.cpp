@@ -1,7 +1,9 @@
+#include <array>
 #include <cstring>
 #include <fstream>
 #include <memory>
 #include <new>
+#include <span>
 
 #include "core/chess_exception.h"
 #include "core/fen.h"
@@ -58,7 +60,9 @@ uint64_t ReadU64(const uint8_t* p) {
     return value;
 }
 
-// Checks each record's position and stores the valid ones, logging them when asked.
+// Checks each record's position and stores the valid ones, logging them when asked. Records are
+// stored in batches: the buckets of a whole batch are prefetched first, so that its memory
+// accesses overlap instead of coming one after another.
 class CRecordStore {
   public:
     CRecordStore(TAggregatedTemporaryChessboardRegister& reg, const TRegisterLoadOptions& options,
@@ -70,20 +74,31 @@ class CRecordStore {
     }
 
     void Store(uint64_t nConfiguration, const uint8_t* pRecord) {
-        TChessboardRegisterEntry entry;
+        if (nConfiguration != m_nConfiguration) Flush();
+        m_nConfiguration = nConfiguration;
+        TChessboardRegisterEntry& entry = m_batch[m_nBatch];
         entry.MovesMate = ReadU16(pRecord);
         entry.MovesNoMate = ReadU16(pRecord + 2);
         std::memcpy(entry.key.squares, pRecord + 4, sizeof entry.key.squares);
         TChessboard board = ChessboardOf(entry.key, m_options.bBlackToMove ? 2 : 1);
-        try {
-            Validate(board, true);
-        } catch (const ChessException&) {
+        if (BrokenRule(board)) {
             ++m_report.nInvalidPositions;
             return;
         }
-        m_reg.Merge(nConfiguration, entry);
         ++m_report.nRecords;
         if (m_log.is_open()) Log(nConfiguration, entry, board);
+        if (++m_nBatch == m_batch.size()) Flush();
+    }
+
+    // Stores the records still waiting in the batch.
+    void Flush() {
+        const std::span<const TChessboardRegisterEntry> batch(m_batch.data(), m_nBatch);
+        if (m_nConfiguration == 0) {
+            for (const TChessboardRegisterEntry& entry : batch) m_reg.PrefetchBucket(entry.key);
+            for (const TChessboardRegisterEntry& entry : batch) m_reg.Prefetch(entry.key);
+        }
+        for (const TChessboardRegisterEntry& entry : batch) m_reg.Merge(m_nConfiguration, entry);
+        m_nBatch = 0;
     }
 
   private:
@@ -99,12 +114,15 @@ class CRecordStore {
     const TRegisterLoadOptions& m_options;
     TRegisterLoadReport& m_report;
     std::ofstream m_log;
+    std::array<TChessboardRegisterEntry, 16> m_batch;
+    size_t m_nBatch = 0;
+    uint64_t m_nConfiguration = 0;
 };
 
 // Reads 68-byte units; a marker inside a unit switches the group and is replaced by the next
 // 12 bytes. True when the data end at a record (or marker) boundary.
 template <class TSource>
-bool ReadRecords(TSource& source, CRecordStore& store) {
+bool ReadGroups(TSource& source, CRecordStore& store) {
     uint8_t unit[kRegisterRecordSize];
     size_t nFilled = 0;
     uint64_t nConfiguration = 0;
@@ -123,6 +141,21 @@ bool ReadRecords(TSource& source, CRecordStore& store) {
         store.Store(nConfiguration, unit);
         nFilled = 0;
     }
+}
+
+// Every record of the source stored, the last batch too, also when reading fails on the way;
+// true when the data end at a boundary.
+template <class TSource>
+bool ReadRecords(TSource& source, CRecordStore& store) {
+    bool bComplete = false;
+    try {
+        bComplete = ReadGroups(source, store);
+    } catch (const ChessException&) {
+        store.Flush();
+        throw;
+    }
+    store.Flush();
+    return bComplete;
 }
 
 // The packed file whole in memory, then decoded.

@@ -103,7 +103,7 @@ TEST(RegisterChunkAllocator, ThreadsShareTheAllocator) {
 
 TEST(RegisterChunkAllocator, Report) {
     EXPECT_EQ(ChunkAllocatorReport({3, 1'000, 250, 1}),
-              "1. Number of allocated chunks = 3 (3 MB)\n"
+              "1. Number of allocated chunks = 3 (6 MB)\n"
               "2. Total allocation units      = 1000\n"
               "3. Total free allocation units = 250 (usage=75%)\n"
               "4. Number of unused chunks waiting to deallocate = 1\n");
