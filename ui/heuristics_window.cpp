@@ -33,8 +33,8 @@ struct TFieldRow {
 const TFieldRow kFieldRows[] = {
     {"heur.outofedge", &TFields::m_bOutOfEdge, nullptr, 0},
     {"heur.outofextedge", &TFields::m_bOutOfExtEdge, nullptr, 0},
+    {"heur.moveunless", &TFields::m_bMoveUnlessOnEdge, nullptr, 0},
     {"heur.inclcorner", nullptr, nullptr, 0, true, [](TParams& p) -> bool& { return p.inclCorner; }},
-    {"heur.edgestrict", nullptr, nullptr, 0, true, [](TParams& p) -> bool& { return p.edgeStrict; }},
     {"heur.advpawn", &TFields::m_bOnAdvancedPawn, nullptr, 0, true},
     {"heur.figcaptured", &TFields::m_bOnFigureCaptured, &TFields::m_sFiguresToCapture, 0, true},
     {"heur.alsopawns", nullptr, nullptr, 0, true,

@@ -29,7 +29,8 @@ Square SquareOr(std::string_view text) {
 void ReadEdge(const THeuristicsDialogFields& f, THeuristicSet& set) {
     THeuristicParameters& p = set.params;
     if (f.m_bOutOfEdge || f.m_bDontLetKingMove) set.Add(SH_KEEPKINGONTHEEDGE);
-    if (f.m_bOutOfExtEdge) set.Add(SH_KEEPKINGWITHINEXTEDGE);
+    if (f.m_bOutOfExtEdge || f.m_bMoveUnlessOnEdge) set.Add(SH_KEEPKINGWITHINEXTEDGE);
+    p.edgeStrict = f.m_bMoveUnlessOnEdge;
     p.kingMode = !f.m_bDontLetKingMove ? TKingMode::Off
                  : f.m_bAllowExc       ? TKingMode::AlmostStrict
                                        : TKingMode::Strict;
@@ -90,7 +91,8 @@ THeuristicsDialogFields DialogFieldsOfSet(const THeuristicSet& set) {
     f.m_bOutOfEdge = edge && p.kingMode == TKingMode::Off;
     f.m_bDontLetKingMove = edge && p.kingMode != TKingMode::Off;
     f.m_bAllowExc = edge && p.kingMode == TKingMode::AlmostStrict;
-    f.m_bOutOfExtEdge = set.Has(SH_KEEPKINGWITHINEXTEDGE);
+    f.m_bOutOfExtEdge = set.Has(SH_KEEPKINGWITHINEXTEDGE) && !p.edgeStrict;
+    f.m_bMoveUnlessOnEdge = set.Has(SH_KEEPKINGWITHINEXTEDGE) && p.edgeStrict;
     f.m_bOnAdvancedPawn = p.edgeRelaxation.onAdvancedPawn;
     f.m_bOnFigureCaptured = p.edgeRelaxation.figuresToCapture > 0;
     if (f.m_bOnFigureCaptured) f.m_sFiguresToCapture = std::to_string(p.edgeRelaxation.figuresToCapture);

@@ -70,7 +70,9 @@ struct TFindForcedMate {
 struct THeuristicParameters {
     TKingMode kingMode = TKingMode::Off;
     bool inclCorner = false;  // b2, b7, g2, g7 count as edge squares
-    bool edgeStrict = false;  // "strict" of the edge / ext.edge pair
+    // "strict" of the edge / ext.edge pair: with SH_KEEPKINGWITHINEXTEDGE, "move unless on the edge"
+    // (the king keeps to the second line, and each of its moves goes onto the edge line).
+    bool edgeStrict = false;
     TEdgeRelaxation edgeRelaxation;
     int8_t cornerDistance = 0;      // > 0: squares ("3S"); <= 0: |value| king moves ("2M")
     bool surroundedStrict = false;  // SH_ASSERTBLACKKINGSURROUNDED "strict (max 2 free sqrs)"

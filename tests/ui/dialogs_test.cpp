@@ -93,6 +93,12 @@ class TDialogsTest : public QObject {
         QTest::newRow("king move and edge") << QStringList{"heur.kingmove", "heur.outofedge"} << ""
                                             << "Conflict of heuristics (\"Don't let bl.king move (unless "
                                                "immed.mate)\" and \"Don't let bl.king out of the edge\")";
+        QTest::newRow("ext.edge and move unless")
+            << QStringList{"heur.outofextedge", "heur.moveunless"} << ""
+            << "Conflict of heuristics: select only one of 'Don't let black king out of ext.edge' and "
+               "'(Don't let black king) move unless back to the edge'";
+        QTest::newRow("move unless") << QStringList{"heur.moveunless", "heur.inclcorner"} << ""
+                                     << "SH_KEEPKINGWITHINEXTEDGE(incl.corner,strict)";
         QTest::newRow("allow exc alone")
             << QStringList{"heur.allowexc"} << ""
             << "Heuristics 'Don't let black king move' is off, while 'allow exc' is on.";

@@ -19,6 +19,7 @@ TEST(HeuristicDialogSet, FieldsGiveTheSetBack) {
         "SH_KEYDIAGONAL(A1-H8)",
         "SH_FINDFORCEDMATE(#2), SH_SKIPPASSIVEWHITEMOVES, SH_KEYWHITEFIGURE(D4)",
         "SH_SKIPWORSTWHITEMOVES, SH_KEYSQUARE(E4), SH_SEASNAKE(A1,B2), SH_ZUGZWANG",
+        "SH_KEEPKINGONTHEEDGE(A), SH_KEEPKINGWITHINEXTEDGE(A,incl.corner,strict)",
     };
     for (const std::string& text : texts) {
         const THeuristicSet set = ReadHeuristicSetText(text).m_set;
