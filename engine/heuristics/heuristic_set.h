@@ -55,6 +55,10 @@ struct TSeaSnake {
     friend bool operator==(const TSeaSnake&, const TSeaSnake&) = default;
 };
 
+// Levels of "-WithOtherHeuristics" (0: off).
+inline constexpr uint8_t kFfmOthersPartially = 1;  // not on the first moves
+inline constexpr uint8_t kFfmOthersFully = 2;
+
 struct TFindForcedMate {
     uint8_t mode = kFfmThreat1;         // TFindForcedMateMode
     uint8_t initialMode = kFfmThreat1;  // the mode the relaxation steps start from
