@@ -334,6 +334,7 @@ class TMainWindow : public QMainWindow {
     void PositionInformation();
     void PrecalculateType();
     void VerifyType();
+    void VerifyPartialType();
     void VerifyAllTypes(bool fromCurrent);
     void VerifyFiles() { VerifyAllTypes(false); }
     void VerifyFilesFromHere() { VerifyAllTypes(true); }

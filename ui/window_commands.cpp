@@ -140,6 +140,7 @@ const std::vector<TMainWindow::TCommand>& TMainWindow::Commands() {
         {"adv.prevtype", "menu.advanced", "Shift+Ctrl+P", &TMainWindow::PreviousInType},
         {"adv.nexttype", "menu.advanced", "Shift+Ctrl+N", &TMainWindow::NextInType},
         {"adv.verifytype", "menu.advanced", "", &TMainWindow::VerifyType},
+        {"adv.verifypartial", "menu.advanced", "", &TMainWindow::VerifyPartialType},
         {"adv.precalc", "menu.advanced", "", &TMainWindow::PrecalculateType},
         {"adv.fencheck", "menu.advanced", "", &TMainWindow::CheckFenFile},
         {"help.about", "menu.help", "", &TMainWindow::About},

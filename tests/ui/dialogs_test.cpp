@@ -268,7 +268,8 @@ class TDialogsTest : public QObject {
         QCOMPARE(fen(), start);
     }
 
-    // KQk generated, looked up, walked by its longest mates (#10) and verified, each on the engine thread.
+    // KQk generated, looked up, walked by its longest mates (#10) and verified (also as partial data,
+    // which it is not: nothing else is needed), each on the engine thread.
     void precalculatedDataTools() {
         TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(TOptions{}),
                                                m_pReporter.get());
@@ -286,7 +287,8 @@ class TDialogsTest : public QObject {
               {"adv.maxnext", "KQk: max #10, index 19616", first.c_str()},
               {"adv.maxnext", "KQk: max #10, index 19840", "8/8/4k3/8/8/8/1Q6/K7"},
               {"adv.maxprev", "KQk: max #10, index 19616", first.c_str()},
-              {"adv.verifyfiles", "1 position type(s) verified, 0 fault(s)", first.c_str()}}) {
+              {"adv.verifyfiles", "1 position type(s) verified, 0 fault(s)", first.c_str()},
+              {"adv.verifypartial", "KQk: 262144 indexes checked, 0 fault(s)", first.c_str()}}) {
             QSignalSpy finished(m_pWindow.get(), &TMainWindow::AnalysisFinished);
             Trigger(step.id);
             QVERIFY(finished.wait(120000));
