@@ -145,9 +145,12 @@ void THeuristicsWindow::BuildFields(QGridLayout* grid) {
         groups[g] = new QGridLayout(box);
         grid->addWidget(box, g == 2 ? 1 : 0, g == 2 ? 0 : g);
     }
+    m_pColourMode = new QComboBox(this);
+    for (const char* mode : kColourModes) m_pColourMode->addItem(UiText(mode, m_nLanguage));
     for (const TFieldRow& row : kFieldRows) {
         QGridLayout* group = groups[row.group];
         const int line = group->rowCount();
+        if (row.check == &TFields::m_bOneColour) group->addWidget(m_pColourMode, line, 1);
         QWidget* label = row.Labelled() ? static_cast<QWidget*>(new QLabel(UiText(row.id, m_nLanguage), this))
                                         : new QCheckBox(UiText(row.id, m_nLanguage), this);
         label->setObjectName(row.id);
@@ -161,9 +164,6 @@ void THeuristicsWindow::BuildFields(QGridLayout* grid) {
         group->addWidget(field, line, 1);
         m_fields[row.id] = field;
     }
-    m_pColourMode = new QComboBox(this);
-    for (const char* mode : kColourModes) m_pColourMode->addItem(UiText(mode, m_nLanguage));
-    AddLabelled(groups[2], new QLabel(UiText("heur.colourmode", m_nLanguage), this), m_pColourMode);
     m_pFfmMode = new QComboBox(this);
     for (const char* mode : kFfmModes) m_pFfmMode->addItem(mode);
     AddLabelled(groups[2], new QLabel(UiText("heur.ffmmode", m_nLanguage), this), m_pFfmMode);

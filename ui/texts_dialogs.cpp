@@ -169,7 +169,6 @@ const std::vector<TTextRow> kDialogTable = {
     {"heur.pendulum", "wahadło czarnych (dwa pola)", "Black's pendulum (two squares)",
      "маятник чорних (два поля)"},
     {"heur.zugzwangby", "powrót najpóźniej w ruchu nr", "back by move no.", "повернення не пізніше ходу №"},
-    {"heur.colourmode", "Gra na jednym kolorze: pola", "One color play: squares", "Гра одним кольором: поля"},
     {"heur.colournone", "(wybierz)", "(choose)", "(виберіть)"},
     {"heur.whitesquares", "tylko białe pola", "white squares only", "лише білі поля"},
     {"heur.blacksquares", "tylko czarne pola", "black squares only", "лише чорні поля"},
