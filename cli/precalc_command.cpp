@@ -10,6 +10,7 @@
 #include "precalc/generator/generator.h"
 #include "precalc/generator/longest_mate.h"
 #include "precalc/generator/lookahead.h"
+#include "precalc/generator/partial_verification.h"
 #include "precalc/generator/verification.h"
 #include "precalc/global/recompress.h"
 #include "settings/machine.h"
@@ -23,6 +24,7 @@ struct TPrecalcArgs {
     std::string form = "lz4";
     unsigned threads = 0;
     bool force = false;
+    bool partial = false;  // verify: what an interrupted generation left
     bool custom = false;
     std::string fen;
     std::string type;  // probe: the type to look in
@@ -104,20 +106,34 @@ int RunGenerate(TProgramContext& context, const TPrecalcArgs& args) {
     return kExitOk;
 }
 
+// The report of one type's verification; true when it found faults.
+bool PrintVerified(const std::string& description, const TVerificationReport& r) {
+    fmt::print("{}: {} indexes checked, {} fault(s)\n", description, r.m_nChecked, r.m_nFaults);
+    for (size_t i = 0; i < std::min<size_t>(5, r.m_vFaults.size()); ++i) fmt::print("  {}\n", r.m_vFaults[i]);
+    if (r.m_nFaults != 0) fmt::print("Fault list: {}\n", r.m_faultFile.string());
+    return r.m_nFaults != 0;
+}
+
+// The types on disk among those the type's generation makes (itself included); true on faults.
+bool VerifyPartially(TGlobalRegisters& registers, const TPrecalcType& type, unsigned threads) {
+    const TPartialVerification result = VerifyPartialData(registers, type, threads, true);
+    bool faults = false;
+    for (const auto& [description, report] : result.m_vVerified) faults |= PrintVerified(description, report);
+    for (const std::string& note : PartialVerificationNotes(result)) fmt::print("{}\n", note);
+    return faults;
+}
+
 int RunVerify(TProgramContext& context, const TPrecalcArgs& args) {
     TGlobalRegisters& registers = ConfiguredRegisters(context, true);
-    int status = kExitOk;
+    bool faults = false;
     for (const TPrecalcType& type : TypesToMake(args)) {
-        const TVerificationReport r = VerifyTypeData(registers, registers.Require(type), Threads(args), true);
-        fmt::print("{}: {} indexes checked, {} fault(s)\n", type.Description(), r.m_nChecked, r.m_nFaults);
-        for (size_t i = 0; i < std::min<size_t>(5, r.m_vFaults.size()); ++i)
-            fmt::print("  {}\n", r.m_vFaults[i]);
-        if (r.m_nFaults != 0) {
-            fmt::print("Fault list: {}\n", r.m_faultFile.string());
-            status = kExitMismatch;
-        }
+        if (args.partial)
+            faults |= VerifyPartially(registers, type, Threads(args));
+        else
+            faults |= PrintVerified(type.Description(),
+                                    VerifyTypeData(registers, registers.Require(type), Threads(args), true));
     }
-    return status;
+    return faults ? kExitMismatch : kExitOk;
 }
 
 void PrintTypeInfo(TGlobalRegisters& registers, const TPrecalcType& type) {
@@ -211,6 +227,9 @@ Runner AddPrecalcCommand(CLI::App& app, TProgramContext& context) {
     CLI::App* verify = cmd->add_subcommand("verify", "Check stored values against one move ahead");
     verify->add_option("types", args->types, "Position types")->required();
     verify->add_option("--threads", args->threads, "Threads (default: the logical processors)");
+    verify->add_flag("--partial", args->partial,
+                     "Data of an interrupted or incomplete generation: the types on disk among those the "
+                     "type's generation makes, the type included");
     CLI::App* info = cmd->add_subcommand("info", "The data on disk and in memory; with a type, its figures");
     info->add_option("type", args->types, "Position type");
     CLI::App* probe =

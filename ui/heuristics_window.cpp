@@ -19,22 +19,25 @@ using TFields = THeuristicsDialogFields;
 
 using TParams = THeuristicParameters;
 
-// A check box of the fields (with the text field of its parameter when it has one), or one of a
-// flag of the parameter block that the fields do not carry.
+// A check box of the fields (with the text field of its parameter when it has one), one of a flag
+// of the parameter block that the fields do not carry, or a labelled text field of its own (neither
+// check nor flag).
 struct TFieldRow {
     const char* id;
-    bool TFields::*check;         // null: a flag row
+    bool TFields::*check;         // null: a flag row or a labelled field
     std::string TFields::*value;  // null: no text field
     int group;                    // 0 black king, 1 figures, 2 White's moves
     bool sub = false;             // an option of the row above it, indented
     bool& (*flag)(TParams&) = nullptr;
+
+    bool Labelled() const { return !check && !flag; }
 };
 
 const TFieldRow kFieldRows[] = {
     {"heur.outofedge", &TFields::m_bOutOfEdge, nullptr, 0},
     {"heur.outofextedge", &TFields::m_bOutOfExtEdge, nullptr, 0},
+    {"heur.moveunless", &TFields::m_bMoveUnlessOnEdge, nullptr, 0},
     {"heur.inclcorner", nullptr, nullptr, 0, true, [](TParams& p) -> bool& { return p.inclCorner; }},
-    {"heur.edgestrict", nullptr, nullptr, 0, true, [](TParams& p) -> bool& { return p.edgeStrict; }},
     {"heur.advpawn", &TFields::m_bOnAdvancedPawn, nullptr, 0, true},
     {"heur.figcaptured", &TFields::m_bOnFigureCaptured, &TFields::m_sFiguresToCapture, 0, true},
     {"heur.alsopawns", nullptr, nullptr, 0, true,
@@ -61,9 +64,15 @@ const TFieldRow kFieldRows[] = {
      [](TParams& p) -> bool& { return p.surroundedStrict; }},
     {"heur.skippassive", &TFields::m_bSkipPassive, nullptr, 2},
     {"heur.skipworst", &TFields::m_bSkipWorst, nullptr, 2},
-    {"heur.seasnake", &TFields::m_bSeaSnake, nullptr, 2},
+    {"heur.seasnake", &TFields::m_bSeaSnake, &TFields::m_sSeaSnake, 2},
+    {"heur.pendulum", nullptr, &TFields::m_sPendulum, 2, true},
+    {"heur.zugzwang", &TFields::m_bZugzwang, &TFields::m_sZugzwangMove, 2},
+    {"heur.zugzwangby", nullptr, &TFields::m_sZugzwangBy, 2, true},
+    {"heur.onecolor", &TFields::m_bOneColour, nullptr, 2},
     {"heur.relax", &TFields::m_bRelaxHeuristics, nullptr, 2},
     {"heur.ffm", &TFields::m_bFindForcedMate, &TFields::m_sFfmRelaxations, 2},
+    {"heur.ffmothers", &TFields::m_bFfmWithOthers, nullptr, 2, true},
+    {"heur.ffmpartially", &TFields::m_bFfmPartially, nullptr, 2, true},
     {"heur.ffmtwice", nullptr, nullptr, 2, true, [](TParams& p) -> bool& { return p.ffm.twoCycles; }},
     {"heur.ffmcaptures", nullptr, nullptr, 2, true,
      [](TParams& p) -> bool& { return p.ffm.captureNearBlackKing; }},
@@ -73,7 +82,6 @@ const TFieldRow kFieldRows[] = {
 const std::pair<const char*, uint32_t> kPlainRows[] = {
     {"heur.kingsnear", SH_AREKINGSNEAR},
     {"heur.sweepingrook", SH_SWEEPINGWHITEROOK},
-    {"heur.onecolor", SH_ONECOLORPLAYPOSSIBLE},
     {"heur.recede", SH_DONTRECEDEBLACKKING},
     {"heur.promotedqueen", SH_DONTLETPROMOTEDQUEENMOVE},
     {"heur.promotedfigure", SH_DONTLETPROMOTEDFIGUREMOVE},
@@ -85,11 +93,21 @@ const std::pair<const char*, uint32_t> kPlainRows[] = {
     {"heur.3moves", SH_3MOVESTOMATE},
     {"heur.captureknight", SH_CAPTUREKNIGHT},
     {"heur.globreg", SH_REDUCTIONTOGLOBREGPOS},
-    {"heur.zugzwang", SH_ZUGZWANG},
 };
 
 // The radio buttons of the FindForcedMate modes, stored as 2..9 in this order.
 const char* const kFfmModes[] = {"check+excps", "threat #1", "#1+", "#2", "#2+", "#3", "#4", "#5"};
+
+// The colour modes of "One color play possible" in TColourMode's order, none first.
+const char* const kColourModes[] = {"heur.colournone", "heur.whitesquares", "heur.blacksquares",
+                                    "heur.separatedbishop"};
+
+// A label and its widget as a row of their own at the end of `group`.
+void AddLabelled(QGridLayout* group, QLabel* label, QWidget* widget) {
+    const int line = group->rowCount();
+    group->addWidget(label, line, 0);
+    group->addWidget(widget, line, 1);
+}
 
 }  // namespace
 
@@ -127,14 +145,18 @@ void THeuristicsWindow::BuildFields(QGridLayout* grid) {
         groups[g] = new QGridLayout(box);
         grid->addWidget(box, g == 2 ? 1 : 0, g == 2 ? 0 : g);
     }
+    m_pColourMode = new QComboBox(this);
+    for (const char* mode : kColourModes) m_pColourMode->addItem(UiText(mode, m_nLanguage));
     for (const TFieldRow& row : kFieldRows) {
         QGridLayout* group = groups[row.group];
         const int line = group->rowCount();
-        auto* check = new QCheckBox(UiText(row.id, m_nLanguage), this);
-        check->setObjectName(row.id);
-        if (row.sub) check->setStyleSheet("margin-left: 18px");
-        group->addWidget(check, line, 0);
-        m_checks[row.id] = check;
+        if (row.check == &TFields::m_bOneColour) group->addWidget(m_pColourMode, line, 1);
+        QWidget* label = row.Labelled() ? static_cast<QWidget*>(new QLabel(UiText(row.id, m_nLanguage), this))
+                                        : new QCheckBox(UiText(row.id, m_nLanguage), this);
+        label->setObjectName(row.id);
+        if (row.sub) label->setStyleSheet("margin-left: 18px");
+        group->addWidget(label, line, 0);
+        if (!row.Labelled()) m_checks[row.id] = static_cast<QCheckBox*>(label);
         if (!row.value) continue;
         auto* field = new QLineEdit(this);
         field->setObjectName(std::string(row.id) + ".value");
@@ -144,12 +166,10 @@ void THeuristicsWindow::BuildFields(QGridLayout* grid) {
     }
     m_pFfmMode = new QComboBox(this);
     for (const char* mode : kFfmModes) m_pFfmMode->addItem(mode);
-    groups[2]->addWidget(new QLabel(UiText("heur.ffmmode", m_nLanguage), this), groups[2]->rowCount(), 0);
-    groups[2]->addWidget(m_pFfmMode, groups[2]->rowCount() - 1, 1);
+    AddLabelled(groups[2], new QLabel(UiText("heur.ffmmode", m_nLanguage), this), m_pFfmMode);
     auto* depth = new QLineEdit(this);
     depth->setMaximumWidth(110);
-    groups[2]->addWidget(new QLabel(UiText("heur.quickdepth", m_nLanguage), this), groups[2]->rowCount(), 0);
-    groups[2]->addWidget(depth, groups[2]->rowCount() - 1, 1);
+    AddLabelled(groups[2], new QLabel(UiText("heur.quickdepth", m_nLanguage), this), depth);
     m_fields["heur.quickdepth"] = depth;
 }
 
@@ -169,13 +189,15 @@ void THeuristicsWindow::BuildPlainBits(QGridLayout* grid) {
 }
 
 void THeuristicsWindow::Show(const THeuristicSet& set) {
-    const TFields fields = DialogFieldsOfSet(set);
+    const TFields fields = DialogFieldsOfSet(set, m_position);
     TParams params = set.params;
     for (const TFieldRow& row : kFieldRows) {
-        m_checks.at(row.id)->setChecked(row.check ? fields.*row.check : row.flag(params));
+        if (!row.Labelled())
+            m_checks.at(row.id)->setChecked(row.check ? fields.*row.check : row.flag(params));
         if (row.value) m_fields.at(row.id)->setText(QString::fromStdString(fields.*row.value));
     }
     m_fields.at("heur.quickdepth")->setText(QString::fromStdString(fields.m_sQuickMateDepth));
+    m_pColourMode->setCurrentIndex(static_cast<int>(fields.m_eColourMode));
     m_pFfmMode->setCurrentIndex(
         std::clamp(fields.m_nFfmMode - kFfmCheckOnly, 0, kFfmThreat5 - kFfmCheckOnly));
     for (const auto& [id, bit] : m_bits) m_checks.at(id)->setChecked(set.Has(bit));
@@ -194,10 +216,10 @@ void THeuristicsWindow::RestorePrevious() {
 THeuristicsDialogFields THeuristicsWindow::Fields() const {
     TFields fields;
     for (const TFieldRow& row : kFieldRows) {
-        if (!row.check) continue;
-        fields.*row.check = m_checks.at(row.id)->isChecked();
+        if (row.check) fields.*row.check = m_checks.at(row.id)->isChecked();
         if (row.value) fields.*row.value = m_fields.at(row.id)->text().trimmed().toStdString();
     }
+    fields.m_eColourMode = static_cast<TColourMode>(m_pColourMode->currentIndex());
     fields.m_sQuickMateDepth = m_fields.at("heur.quickdepth")->text().trimmed().toStdString();
     fields.m_nFfmMode = static_cast<uint8_t>(kFfmCheckOnly + m_pFfmMode->currentIndex());
     return fields;
@@ -219,7 +241,7 @@ bool THeuristicsWindow::TakeSet() {
         return false;
     }
     for (const std::string& note : check.m_vsNotes) m_reporter.Report(title, note);
-    m_chosen = SetOfDialogFields(fields, PlainBits(), m_chosen);
+    m_chosen = SetOfDialogFields(fields, PlainBits(), m_chosen, m_position);
     for (const TFieldRow& row : kFieldRows)
         if (row.flag) row.flag(m_chosen.params) = m_checks.at(row.id)->isChecked();
     m_bRelax = fields.m_bRelaxHeuristics;

@@ -33,6 +33,7 @@ class THeuristicsWindow : public QDialog {
     QCheckBox* Check(const std::string& id) const { return m_checks.at(id); }
     QLineEdit* Field(const std::string& id) const { return m_fields.at(id); }
     QComboBox* FfmMode() const { return m_pFfmMode; }
+    QComboBox* ColourMode() const { return m_pColourMode; }
     // The checks of "Find solution"; true (and the dialog accepted) when they pass.
     bool TakeSet();
     const THeuristicSet& Chosen() const { return m_chosen; }
@@ -57,6 +58,7 @@ class THeuristicsWindow : public QDialog {
     std::map<std::string, QLineEdit*> m_fields;
     std::map<std::string, uint32_t> m_bits;  // the plain check boxes' heuristics
     QComboBox* m_pFfmMode = nullptr;
+    QComboBox* m_pColourMode = nullptr;
 };
 
 }  // namespace moremate::ui

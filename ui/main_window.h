@@ -17,6 +17,7 @@
 #include "engine/heuristics/heuristic_set.h"
 #include "engine_run.h"
 #include "problem_collection.h"
+#include "problems/annotations/database_links.h"
 #include "settings/options.h"
 #include "settings/process_priority.h"
 #include "tablebase/tablebase_service.h"
@@ -195,6 +196,12 @@ class TMainWindow : public QMainWindow {
     void StipulationDown10() { ChangeStipulation(-10); }
     void Undo();
     void Redo();
+    // The problem's position searched in an outside database, in the default browser.
+    void FindPosition(ProblemDatabase database);
+    void FindInPdb() { FindPosition(ProblemDatabase::Pdb); }
+    void FindInMeson() { FindPosition(ProblemDatabase::Meson); }
+    void FindInAlbrecht() { FindPosition(ProblemDatabase::Albrecht); }
+    void FindInYacpdb() { FindPosition(ProblemDatabase::Yacpdb); }
     // The description's links and the analysis menu.
     QString CurrentLink() const;
     void OpenLink();
@@ -327,6 +334,7 @@ class TMainWindow : public QMainWindow {
     void PositionInformation();
     void PrecalculateType();
     void VerifyType();
+    void VerifyPartialType();
     void VerifyAllTypes(bool fromCurrent);
     void VerifyFiles() { VerifyAllTypes(false); }
     void VerifyFilesFromHere() { VerifyAllTypes(true); }

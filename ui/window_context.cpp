@@ -15,6 +15,7 @@
 #include "core/chess_exception.h"
 #include "main_window.h"
 #include "problems/annotations/database_links.h"
+#include "problems/annotations/position_search.h"
 #include "problems/format/collection_files.h"
 #include "texts.h"
 
@@ -93,6 +94,12 @@ QString TMainWindow::CurrentLink() const {
 void TMainWindow::OpenLink() {
     const QString link = CurrentLink();
     if (!link.isEmpty()) QDesktopServices::openUrl(QUrl(link));
+}
+
+void TMainWindow::FindPosition(ProblemDatabase database) {
+    const ProblemEntry& entry = m_collection.Current();
+    const std::string link = PositionSearchLink(database, entry.m_position.board, entry.StipulationMoves());
+    QDesktopServices::openUrl(QUrl(QString::fromStdString(link), QUrl::StrictMode));
 }
 
 void TMainWindow::CopyLink() {

@@ -12,6 +12,7 @@
 #include "precalc/generator/generator.h"
 #include "precalc/generator/longest_mate.h"
 #include "precalc/generator/lookahead.h"
+#include "precalc/generator/partial_verification.h"
 #include "precalc/generator/verification.h"
 #include "precalc/types/precalc_files.h"
 #include "settings/machine.h"
@@ -27,14 +28,22 @@ TPrecalcType TypeOf(const TChessboard& board) {
     return *type;
 }
 
+unsigned VerificationThreads() {
+    return std::max(1u, LogicalProcessorCount());
+}
+
+// The line that tells of a type's verification, with its fault file when there are faults.
+std::string VerificationLine(const std::string& description, const TVerificationReport& r) {
+    return fmt::format("{}: {} indexes checked, {} fault(s){}{}", description, r.m_nChecked, r.m_nFaults,
+                       r.m_nFaults != 0 ? "\n" : "", r.m_nFaults != 0 ? r.m_faultFile.string() : "");
+}
+
 // Verifies the type's data: the faults and the line that tells of them.
 std::pair<uint64_t, std::string> Verified(const TPrecalcType& type) {
     TGlobalRegisters& registers = TGlobalRegisters::Instance();
     const TVerificationReport r =
-        VerifyTypeData(registers, registers.Require(type), std::max(1u, LogicalProcessorCount()), false);
-    return {r.m_nFaults, fmt::format("{}: {} indexes checked, {} fault(s){}{}", type.Description(),
-                                     r.m_nChecked, r.m_nFaults, r.m_nFaults != 0 ? "\n" : "",
-                                     r.m_nFaults != 0 ? r.m_faultFile.string() : "")};
+        VerifyTypeData(registers, registers.Require(type), VerificationThreads(), false);
+    return {r.m_nFaults, VerificationLine(type.Description(), r)};
 }
 
 }  // namespace
@@ -73,6 +82,22 @@ void TMainWindow::PrecalculateType() {
 void TMainWindow::VerifyType() {
     if (RefuseTool()) return;
     StartTool([board = ShownBoard()](CRunControl&) { return Verified(TypeOf(board)).second; });
+}
+
+// What an interrupted or incomplete generation of the type left on disk, verified type by type;
+// Stop ends it before the next type.
+void TMainWindow::VerifyPartialType() {
+    if (RefuseTool()) return;
+    StartTool([board = ShownBoard()](CRunControl& control) {
+        const TPartialVerification result = VerifyPartialData(
+            TGlobalRegisters::Instance(), TypeOf(board), VerificationThreads(), false, control.StopFlag());
+        std::string text;
+        const auto add = [&text](const std::string& line) { text += (text.empty() ? "" : "\n") + line; };
+        for (const auto& [description, report] : result.m_vVerified)
+            add(VerificationLine(description, report));
+        for (const std::string& note : PartialVerificationNotes(result)) add(note);
+        return text;
+    });
 }
 
 // Every type with data on disk in the order of their descriptions, or those from the current

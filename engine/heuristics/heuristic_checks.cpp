@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "core/chess_exception.h"
+#include "core/notation.h"
 #include "heuristic_text.h"
 
 namespace moremate {
@@ -186,6 +187,60 @@ TVerdict FfmRelaxations(const TFields& f, const TChessboard&) {
     return std::nullopt;
 }
 
+TVerdict FfmPartiallyAlone(const TFields& f, const TChessboard&) {
+    if (!f.m_bFindForcedMate || !f.m_bFfmPartially || f.m_bFfmWithOthers) return std::nullopt;
+    return "'Partially' applies to '-WithOtherHeuristics' of FindForcedMate, which is off.";
+}
+
+TVerdict OneColourMode(const TFields& f, const TChessboard&) {
+    if (!f.m_bOneColour || f.m_eColourMode != TColourMode::None) return std::nullopt;
+    return "Choose the squares of 'One color play possible': white squares only, black squares only or "
+           "separated black bishop.";
+}
+
+// Two different squares of the list `texts` from `first` on, or the message naming the fault.
+TVerdict TwoSquares(const std::vector<std::string_view>& texts, size_t first) {
+    for (size_t i = first; i < first + 2; ++i)
+        if (!SquareFromText(texts[i])) return Joined({kImproperSquare, texts[i]});
+    if (SquareFromText(texts[first]) == SquareFromText(texts[first + 1]))
+        return Joined({"Duplicate square: ", texts[first + 1]});
+    return std::nullopt;
+}
+
+TVerdict SeaSnakeSquares(const TFields& f, const TChessboard&) {
+    if (!f.m_bSeaSnake) return std::nullopt;
+    const std::vector<std::string_view> texts = SquareTexts(f.m_sSeaSnake);
+    if (texts.size() < 2 || texts.size() > 3)
+        return "Sea snake: give the approach and the turn-back square, then the move of 'only after' if any "
+               "(e.g. D2,E2,3).";
+    if (TVerdict fault = TwoSquares(texts, 0)) return fault;
+    if (KingDistance(*SquareFromText(texts[0]), *SquareFromText(texts[1])) != 1)
+        return "Sea snake: the approach and the turn-back square must be neighbours.";
+    if (texts.size() == 3 && !NumberIn(texts[2], 0, 255))
+        return Joined({"Sea snake: invalid move number of 'only after': ", texts[2]});
+    return std::nullopt;
+}
+
+TVerdict SeaSnakePendulum(const TFields& f, const TChessboard&) {
+    const std::vector<std::string_view> texts = SquareTexts(f.m_sPendulum);
+    if (!f.m_bSeaSnake || texts.empty()) return std::nullopt;
+    if (texts.size() != 2) return "Sea snake: the pendulum takes two squares (or none).";
+    return TwoSquares(texts, 0);
+}
+
+TVerdict ZugzwangMove(const TFields& f, const TChessboard& position) {
+    if (!f.m_bZugzwang) return std::nullopt;
+    TChessboard after;
+    try {
+        MakeMove(position, f.m_sZugzwangMove, after);
+    } catch (const ChessException&) {
+        return "Invalid move for SH_ZUGZWANG";
+    }
+    if (!NumberIn(f.m_sZugzwangBy, 1, 255))
+        return "Invalid number of the move by which SH_ZUGZWANG is to return to its position";
+    return std::nullopt;
+}
+
 TVerdict QuickMateDepth(const TFields& f, const TChessboard&) {
     if (f.m_sQuickMateDepth.empty() || NumberIn(f.m_sQuickMateDepth, kMinQuickMateDepth, kMaxQuickMateDepth))
         return std::nullopt;
@@ -193,10 +248,11 @@ TVerdict QuickMateDepth(const TFields& f, const TChessboard&) {
 }
 
 // The checks in the order the dialog makes them; the first that fails gives the message.
-constexpr std::array<TVerdict (*)(const TFields&, const TChessboard&), 17> kChecks = {
-    KingMoveConflict,  ExtEdgeConflict, AllowExcAlone,      CornerDistance, FiguresToCapture, DeferMoves,
-    DeferWithoutEvent, BothPawnOptions, MainDiagonalFigure, BlockedFigures, KeyWhiteFigure,   KeyLine,
-    KeyDiagonal,       BothSkipOptions, FfmWithSeaSnake,    FfmRelaxations, QuickMateDepth,
+constexpr std::array<TVerdict (*)(const TFields&, const TChessboard&), 22> kChecks = {
+    KingMoveConflict,  ExtEdgeConflict,  AllowExcAlone,      CornerDistance, FiguresToCapture,  DeferMoves,
+    DeferWithoutEvent, BothPawnOptions,  MainDiagonalFigure, BlockedFigures, KeyWhiteFigure,    KeyLine,
+    KeyDiagonal,       BothSkipOptions,  FfmWithSeaSnake,    FfmRelaxations, FfmPartiallyAlone, OneColourMode,
+    SeaSnakeSquares,   SeaSnakePendulum, ZugzwangMove,       QuickMateDepth,
 };
 
 }  // namespace

@@ -44,7 +44,16 @@ struct THeuristicsDialogFields {
     bool m_bFindForcedMate = false;
     uint8_t m_nFfmMode = kFfmThreat1;  // TFindForcedMateMode of the chosen radio button
     std::string m_sFfmRelaxations{};
+    bool m_bFfmWithOthers = false;  // "-WithOtherHeuristics"
+    bool m_bFfmPartially = false;   // its "Partially" variant: not on the first moves
     bool m_bSeaSnake = false;
+    std::string m_sSeaSnake{};  // "approach,turn-back[,only after]" as its parameter text: "D2,E2,3"
+    std::string m_sPendulum{};  // the two squares of Black's pendulum piece, or nothing
+    bool m_bOneColour = false;  // "One color play possible"
+    TColourMode m_eColourMode = TColourMode::None;
+    bool m_bZugzwang = false;         // "Zugzwang position to return to"
+    std::string m_sZugzwangMove{};    // White's move from the problem's position into that position
+    std::string m_sZugzwangBy{};      // the number of White's move by which the line is back in it
     bool m_bRelaxHeuristics = true;   // "Let relax heuristics"
     std::string m_sQuickMateDepth{};  // empty: the engine's default
 };

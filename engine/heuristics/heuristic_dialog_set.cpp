@@ -1,10 +1,14 @@
 #include "heuristic_dialog_set.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "core/movegen.h"
+#include "core/notation.h"
 #include "heuristic_text.h"
 
 namespace moremate {
@@ -14,7 +18,7 @@ namespace {
 constexpr uint32_t kFieldBits = SH_KEEPKINGONTHEEDGE | SH_KEEPKINGWITHINEXTEDGE | SH_KEEPKINGNEARCORNER |
                                 SH_DONTLEAVEMAINDIAGONAL | SH_DONTLETFIGUREUNBLOCK | SH_KEYWHITEFIGURE |
                                 SH_KEYLINE | SH_KEYDIAGONAL | SH_SKIPWORSTWHITEMOVES | SH_FINDFORCEDMATE |
-                                SH_SEASNAKE;
+                                SH_SEASNAKE | SH_ONECOLORPLAYPOSSIBLE | SH_ZUGZWANG;
 
 uint8_t Number(std::string_view text) {
     unsigned value = 0;
@@ -29,7 +33,8 @@ Square SquareOr(std::string_view text) {
 void ReadEdge(const THeuristicsDialogFields& f, THeuristicSet& set) {
     THeuristicParameters& p = set.params;
     if (f.m_bOutOfEdge || f.m_bDontLetKingMove) set.Add(SH_KEEPKINGONTHEEDGE);
-    if (f.m_bOutOfExtEdge) set.Add(SH_KEEPKINGWITHINEXTEDGE);
+    if (f.m_bOutOfExtEdge || f.m_bMoveUnlessOnEdge) set.Add(SH_KEEPKINGWITHINEXTEDGE);
+    p.edgeStrict = f.m_bMoveUnlessOnEdge;
     p.kingMode = !f.m_bDontLetKingMove ? TKingMode::Off
                  : f.m_bAllowExc       ? TKingMode::AlmostStrict
                                        : TKingMode::Strict;
@@ -75,22 +80,91 @@ void ReadLinesAndMoves(const THeuristicsDialogFields& f, THeuristicSet& set) {
         set.Add(SH_FINDFORCEDMATE);
         p.ffm.mode = p.ffm.initialMode = f.m_nFfmMode;
         p.ffm.relaxations = Number(f.m_sFfmRelaxations);
+        p.ffm.withOtherHeuristics = !f.m_bFfmWithOthers ? 0
+                                    : f.m_bFfmPartially ? kFfmOthersPartially
+                                                        : kFfmOthersFully;
     }
-    if (f.m_bSeaSnake) set.Add(SH_SEASNAKE);
+    if (f.m_bOneColour) set.Add(SH_ONECOLORPLAYPOSSIBLE);
+    p.colourMode = f.m_eColourMode;
     p.quickMateDepth = Number(f.m_sQuickMateDepth);
+}
+
+// The approach, turn-back and "only after" items as the parameter text has them, commas between.
+std::string SeaSnakeParameter(std::string_view list) {
+    std::string text;
+    for (std::string_view item : SquareTexts(list)) {
+        if (!text.empty()) text += ',';
+        text += item;
+    }
+    return text;
+}
+
+void ReadSeaSnake(const THeuristicsDialogFields& f, THeuristicSet& set) {
+    if (!f.m_bSeaSnake) return;
+    TSeaSnake& snake = set.params.seaSnake;
+    set.Add(SH_SEASNAKE);
+    ReadHeuristicParameters(SH_SEASNAKE, SeaSnakeParameter(f.m_sSeaSnake), set.params);
+    const std::vector<std::string_view> pendulum = SquareTexts(f.m_sPendulum);
+    for (size_t i = 0; i < std::size(snake.pendulum); ++i)
+        snake.pendulum[i] = pendulum.size() == 2 ? SquareOr(pendulum[i]) : kNoSquare;
+}
+
+void ReadZugzwang(const THeuristicsDialogFields& f, THeuristicSet& set, const TChessboard& position) {
+    if (!f.m_bZugzwang) return;
+    THeuristicParameters& p = set.params;
+    set.Add(SH_ZUGZWANG);
+    TChessboard after;
+    MakeMove(position, f.m_sZugzwangMove, after);
+    std::ranges::copy(after.squares, p.zugzwangSquares);
+    p.zugzwangSet = true;
+    p.zugzwangAfterMove = Number(f.m_sZugzwangBy);
+}
+
+// White's move in `position` that leads to the zugzwang position; empty when none does.
+std::string ZugzwangMoveText(const THeuristicParameters& p, const TChessboard& position) {
+    if (!p.zugzwangSet) return {};
+    TMoveList moves;
+    GenerateLegalMoves(position, moves);
+    for (const TMove& move : moves) {
+        TChessboard after;
+        PlayMove(position, move, after);
+        if (std::memcmp(after.squares, p.zugzwangSquares, sizeof after.squares) == 0)
+            return MoveToText(position, move);
+    }
+    return {};
+}
+
+std::string PendulumText(const TSeaSnake& snake) {
+    if (snake.pendulum[0] >= 64 || snake.pendulum[1] >= 64) return {};
+    return HeuristicSquareText(snake.pendulum[0]) + "," + HeuristicSquareText(snake.pendulum[1]);
+}
+
+void ShowPlayPatterns(const THeuristicSet& set, const TChessboard& position, THeuristicsDialogFields& f) {
+    const THeuristicParameters& p = set.params;
+    f.m_bFfmWithOthers = p.ffm.withOtherHeuristics != 0;
+    f.m_bFfmPartially = p.ffm.withOtherHeuristics == kFfmOthersPartially;
+    f.m_bSeaSnake = set.Has(SH_SEASNAKE);
+    if (f.m_bSeaSnake) f.m_sSeaSnake = HeuristicParameterText(SH_SEASNAKE, p);
+    f.m_sPendulum = PendulumText(p.seaSnake);
+    f.m_bOneColour = set.Has(SH_ONECOLORPLAYPOSSIBLE);
+    f.m_eColourMode = p.colourMode;
+    f.m_bZugzwang = set.Has(SH_ZUGZWANG);
+    f.m_sZugzwangMove = ZugzwangMoveText(p, position);
+    if (p.zugzwangSet) f.m_sZugzwangBy = std::to_string(p.zugzwangAfterMove);
 }
 
 }  // namespace
 
 // The parameter texts of heuristics that are off stay empty: their fields show nothing.
-THeuristicsDialogFields DialogFieldsOfSet(const THeuristicSet& set) {
+THeuristicsDialogFields DialogFieldsOfSet(const THeuristicSet& set, const TChessboard& position) {
     const THeuristicParameters& p = set.params;
     THeuristicsDialogFields f;
     const bool edge = set.Has(SH_KEEPKINGONTHEEDGE);
     f.m_bOutOfEdge = edge && p.kingMode == TKingMode::Off;
     f.m_bDontLetKingMove = edge && p.kingMode != TKingMode::Off;
     f.m_bAllowExc = edge && p.kingMode == TKingMode::AlmostStrict;
-    f.m_bOutOfExtEdge = set.Has(SH_KEEPKINGWITHINEXTEDGE);
+    f.m_bOutOfExtEdge = set.Has(SH_KEEPKINGWITHINEXTEDGE) && !p.edgeStrict;
+    f.m_bMoveUnlessOnEdge = set.Has(SH_KEEPKINGWITHINEXTEDGE) && p.edgeStrict;
     f.m_bOnAdvancedPawn = p.edgeRelaxation.onAdvancedPawn;
     f.m_bOnFigureCaptured = p.edgeRelaxation.figuresToCapture > 0;
     if (f.m_bOnFigureCaptured) f.m_sFiguresToCapture = std::to_string(p.edgeRelaxation.figuresToCapture);
@@ -118,18 +192,20 @@ THeuristicsDialogFields DialogFieldsOfSet(const THeuristicSet& set) {
     f.m_bFindForcedMate = set.Has(SH_FINDFORCEDMATE);
     f.m_nFfmMode = p.ffm.mode;
     f.m_sFfmRelaxations = std::to_string(p.ffm.relaxations);
-    f.m_bSeaSnake = set.Has(SH_SEASNAKE);
     if (p.quickMateDepth > 0) f.m_sQuickMateDepth = std::to_string(p.quickMateDepth);
+    ShowPlayPatterns(set, position, f);
     return f;
 }
 
 THeuristicSet SetOfDialogFields(const THeuristicsDialogFields& fields, uint32_t plainBits,
-                                const THeuristicSet& base) {
+                                const THeuristicSet& base, const TChessboard& position) {
     THeuristicSet set = base;
     set.mask = (base.mask & ~(kDialogPlainBits | kFieldBits)) | (plainBits & kDialogPlainBits);
     ReadEdge(fields, set);
     ReadFigures(fields, set);
     ReadLinesAndMoves(fields, set);
+    ReadSeaSnake(fields, set);
+    ReadZugzwang(fields, set, position);
     return set;
 }
 

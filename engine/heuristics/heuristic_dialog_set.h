@@ -12,19 +12,20 @@ namespace moremate {
 // The heuristics the dialog shows as plain check boxes: a named bit with a label of its own and
 // no field among THeuristicsDialogFields.
 inline constexpr uint32_t kDialogPlainBits =
-    SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK | SH_ONECOLORPLAYPOSSIBLE | SH_DONTRECEDEBLACKKING |
-    SH_DONTLETPROMOTEDQUEENMOVE | SH_SAVEQUEENROOK | SH_DONTLOSEANYFIGURES | SH_DONTLETBLACKQUEENCHECKTWICE |
-    SH_ASSERTBLACKKINGSURROUNDED | SH_SINGLEQUEENMATE | SH_3MOVESTOMATE | SH_CAPTUREKNIGHT |
-    SH_DONTLETPROMOTEDFIGUREMOVE | SH_REDUCTIONTOGLOBREGPOS | SH_ZUGZWANG;
+    SH_AREKINGSNEAR | SH_SWEEPINGWHITEROOK | SH_DONTRECEDEBLACKKING | SH_DONTLETPROMOTEDQUEENMOVE |
+    SH_SAVEQUEENROOK | SH_DONTLOSEANYFIGURES | SH_DONTLETBLACKQUEENCHECKTWICE | SH_ASSERTBLACKKINGSURROUNDED |
+    SH_SINGLEQUEENMATE | SH_3MOVESTOMATE | SH_CAPTUREKNIGHT | SH_DONTLETPROMOTEDFIGUREMOVE |
+    SH_REDUCTIONTOGLOBREGPOS;
 
-// The fields showing `set` (the plain bits are read from the set's mask).
-THeuristicsDialogFields DialogFieldsOfSet(const THeuristicSet& set);
+// The fields showing `set` (the plain bits are read from the set's mask); `position` is the
+// problem's, from which the zugzwang field names White's move into the zugzwang position.
+THeuristicsDialogFields DialogFieldsOfSet(const THeuristicSet& set, const TChessboard& position);
 
 // The set that checked fields describe: `plainBits` (within kDialogPlainBits) and the heuristics of
 // the fields with their parameters. What the dialog does not show (the bits only the engine sets,
 // the parameters without a field) is kept from `base`. The fields must have passed
-// CheckHeuristicsDialog.
+// CheckHeuristicsDialog with the same `position`.
 THeuristicSet SetOfDialogFields(const THeuristicsDialogFields& fields, uint32_t plainBits,
-                                const THeuristicSet& base);
+                                const THeuristicSet& base, const TChessboard& position);
 
 }  // namespace moremate

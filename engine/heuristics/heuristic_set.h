@@ -55,6 +55,10 @@ struct TSeaSnake {
     friend bool operator==(const TSeaSnake&, const TSeaSnake&) = default;
 };
 
+// Levels of "-WithOtherHeuristics" (0: off).
+inline constexpr uint8_t kFfmOthersPartially = 1;  // not on the first moves
+inline constexpr uint8_t kFfmOthersFully = 2;
+
 struct TFindForcedMate {
     uint8_t mode = kFfmThreat1;         // TFindForcedMateMode
     uint8_t initialMode = kFfmThreat1;  // the mode the relaxation steps start from
@@ -70,7 +74,9 @@ struct TFindForcedMate {
 struct THeuristicParameters {
     TKingMode kingMode = TKingMode::Off;
     bool inclCorner = false;  // b2, b7, g2, g7 count as edge squares
-    bool edgeStrict = false;  // "strict" of the edge / ext.edge pair
+    // "strict" of the edge / ext.edge pair: with SH_KEEPKINGWITHINEXTEDGE, "move unless on the edge"
+    // (the king keeps to the second line, and each of its moves goes onto the edge line).
+    bool edgeStrict = false;
     TEdgeRelaxation edgeRelaxation;
     int8_t cornerDistance = 0;      // > 0: squares ("3S"); <= 0: |value| king moves ("2M")
     bool surroundedStrict = false;  // SH_ASSERTBLACKKINGSURROUNDED "strict (max 2 free sqrs)"

@@ -27,7 +27,6 @@ constexpr std::array<std::string_view, 1> kSkipPassive = {"SkipPassive"};
 constexpr std::array<std::string_view, 8> kFfmModes = {"CheckOnly", "#1", "#1+", "#2",
                                                        "#2+",       "#3", "#4",  "#5"};
 constexpr std::array<std::string_view, 3> kFfmSuffixes = {"WithOtherHeuristics", "Preliminary", "Custom"};
-constexpr uint8_t kFfmFully = 2;
 
 // Composed texts shown under another name. "(STRICT)" stands before "(strict)" so that reading
 // the display name back gives the king mode.
@@ -320,7 +319,7 @@ void ReadFfm(std::string_view text, THeuristicParameters& p) {
     for (std::string_view suffix : Split(text.substr(dash + 1), '-')) {
         switch (ReadChoice(SH_FINDFORCEDMATE, suffix, kFfmSuffixes)) {
             case 1:
-                p.ffm.withOtherHeuristics = kFfmFully;
+                p.ffm.withOtherHeuristics = kFfmOthersFully;
                 break;
             case 2:
                 p.ffm.preliminary = true;

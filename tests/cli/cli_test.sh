@@ -141,6 +141,7 @@ check "precalc info" 0 '^Longest mate: White mates in 10: .* w$' -- precalc info
 check "precalc info of the run-length form" 0 '^Form: run-length blocks$' -- precalc info KRk
 check "precalc info lists the types on disk" 0 'position type\(s\) on disk: KQk KRk' -- precalc info
 check "precalc verify" 0 '^KRk: 262144 indexes checked, 0 fault\(s\)$' -- precalc verify KRk --threads 1
+check "precalc verify of what an interrupted generation left" 0 '^Not on disk: K[BN]k K[BN]k KPk$' -- precalc verify KPk --partial --threads 1
 check "precalc of a bad type" 2 'Unknown position type description: KJk' -- precalc generate KJk
 check "precalc generate of a custom type" 0 '^KR\(1\)k: 32768 indexes, 10910 White-to-move mates \(longest 16\)' -- precalc generate "KR(1)k" --threads 1
 check "precalc probe in a custom type" 0 '^White mates in 1$' -- precalc probe "k7/8/1K6/8/8/8/8/7R w - - 0 1" --type "KR(1)k"

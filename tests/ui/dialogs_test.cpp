@@ -93,6 +93,12 @@ class TDialogsTest : public QObject {
         QTest::newRow("king move and edge") << QStringList{"heur.kingmove", "heur.outofedge"} << ""
                                             << "Conflict of heuristics (\"Don't let bl.king move (unless "
                                                "immed.mate)\" and \"Don't let bl.king out of the edge\")";
+        QTest::newRow("ext.edge and move unless")
+            << QStringList{"heur.outofextedge", "heur.moveunless"} << ""
+            << "Conflict of heuristics: select only one of 'Don't let black king out of ext.edge' and "
+               "'(Don't let black king) move unless back to the edge'";
+        QTest::newRow("move unless") << QStringList{"heur.moveunless", "heur.inclcorner"} << ""
+                                     << "SH_KEEPKINGWITHINEXTEDGE(incl.corner,strict)";
         QTest::newRow("allow exc alone")
             << QStringList{"heur.allowexc"} << ""
             << "Heuristics 'Don't let black king move' is off, while 'allow exc' is on.";
@@ -108,6 +114,20 @@ class TDialogsTest : public QObject {
                                << "SH_DONTLETKINGMOVE(excptns), SH_3MOVESTOMATE, SH_KEEPKINGNEARCORNER(3S)";
         QTest::newRow("flag") << QStringList{"heur.surrounded", "heur.surroundstrict", "!heur.relax"} << ""
                               << "SH_ASSERTBLACKKINGSURROUNDED(strict)";
+        QTest::newRow("one colour unchosen")
+            << QStringList{"heur.onecolor"} << ""
+            << "Choose the squares of 'One color play possible': white squares only, black squares only";
+        QTest::newRow("sea snake squares")
+            << QStringList{"heur.seasnake"} << "heur.seasnake=d2,f2"
+            << "Sea snake: the approach and the turn-back square must be neighbours.";
+        QTest::newRow("zugzwang move") << QStringList{"heur.zugzwang"} << "heur.zugzwang=Kb1-c1"
+                                       << "Invalid move for SH_ZUGZWANG";
+        QTest::newRow("zugzwang by") << QStringList{"heur.zugzwang"} << "heur.zugzwang=Ka1-b1"
+                                     << "Invalid number of the move by which SH_ZUGZWANG";
+        QTest::newRow("partially alone") << QStringList{"heur.ffm", "heur.ffmpartially"} << "heur.ffm=0"
+                                         << "'Partially' applies to '-WithOtherHeuristics'";
+        QTest::newRow("ffm with others") << QStringList{"heur.ffm", "heur.ffmothers"} << "heur.ffm=0"
+                                         << "SH_FINDFORCEDMATE(#1-WithOtherHeuristics)";
         QTest::newRow("ffm note")
             << QStringList{"heur.ffm", "!heur.relax"} << "heur.ffm=2"
             << "Note: relaxation of heuristics is off, so setting for FFM (2 time(s)) will be "
@@ -132,6 +152,28 @@ class TDialogsTest : public QObject {
         else
             QVERIFY(Reported(*m_pReporter, outcome.toStdString()));
         QCOMPARE(dialog.Relaxes(), !checked.contains("!heur.relax"));
+    }
+
+    // The colour mode's list and the fields of the sea snake and the zugzwang reach the chosen set.
+    void heuristicsDialogTakesPatternFields() {
+        TChessboard board;
+        QVERIFY(ReadFen("7k/8/8/8/8/8/8/K7 w - - 0 1", board));
+        THeuristicsWindow dialog({}, board, std::nullopt, kEnglish, *m_pReporter);
+        for (const char* id : {"heur.onecolor", "heur.seasnake", "heur.zugzwang", "heur.relax"})
+            dialog.Check(id)->setChecked(true);
+        dialog.ColourMode()->setCurrentIndex(static_cast<int>(TColourMode::SeparatedBlackBishop));
+        dialog.Field("heur.seasnake")->setText("b2 c2");
+        dialog.Field("heur.pendulum")->setText("g7,h7");
+        dialog.Field("heur.zugzwang")->setText("Ka1-b1");
+        dialog.Field("heur.zugzwangby")->setText("2");
+        QVERIFY(dialog.TakeSet());
+        QCOMPARE(QString::fromStdString(HeuristicSetText(dialog.Chosen())),
+                 "SH_ONECOLORPLAYPOSSIBLE(SeparatedBlackBishop), SH_SEASNAKE(B2,C2), SH_ZUGZWANG");
+        const THeuristicParameters& p = dialog.Chosen().params;
+        QCOMPARE(int(p.seaSnake.pendulum[1]), 55);  // h7
+        QVERIFY(p.zugzwangSet);
+        QCOMPARE(int(p.zugzwangSquares[1]), int(kWhite | kKing));  // b1
+        QCOMPARE(int(p.zugzwangAfterMove), 2);
     }
 
     void variantsAreSavedRenamedAndDeleted() {
@@ -226,7 +268,8 @@ class TDialogsTest : public QObject {
         QCOMPARE(fen(), start);
     }
 
-    // KQk generated, looked up, walked by its longest mates (#10) and verified, each on the engine thread.
+    // KQk generated, looked up, walked by its longest mates (#10) and verified (also as partial data,
+    // which it is not: nothing else is needed), each on the engine thread.
     void precalculatedDataTools() {
         TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(TOptions{}),
                                                m_pReporter.get());
@@ -244,7 +287,8 @@ class TDialogsTest : public QObject {
               {"adv.maxnext", "KQk: max #10, index 19616", first.c_str()},
               {"adv.maxnext", "KQk: max #10, index 19840", "8/8/4k3/8/8/8/1Q6/K7"},
               {"adv.maxprev", "KQk: max #10, index 19616", first.c_str()},
-              {"adv.verifyfiles", "1 position type(s) verified, 0 fault(s)", first.c_str()}}) {
+              {"adv.verifyfiles", "1 position type(s) verified, 0 fault(s)", first.c_str()},
+              {"adv.verifypartial", "KQk: 262144 indexes checked, 0 fault(s)", first.c_str()}}) {
             QSignalSpy finished(m_pWindow.get(), &TMainWindow::AnalysisFinished);
             Trigger(step.id);
             QVERIFY(finished.wait(120000));

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QClipboard>
+#include <QDesktopServices>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QListWidget>
@@ -76,6 +77,12 @@ class TMainWindowTest : public QObject {
         QVERIFY(finished.wait(120000));
     }
 
+  public Q_SLOTS:
+    void Opened(const QUrl& url) { m_vOpened.push_back(url); }
+
+  private:
+    QList<QUrl> m_vOpened;
+
   private Q_SLOTS:
     void init() {
         qputenv("MOREMATE_HOME", m_dir.path().toUtf8());
@@ -113,6 +120,21 @@ class TMainWindowTest : public QObject {
         QVERIFY(!m_pWindow->SelectProblemNumber(77));
         QVERIFY(Reported(*m_pReporter, "There is no problem number 77"));
         QCOMPARE(c.Current().m_nNumber, 3u);
+    }
+
+    // Each "Find position in ..." opens its database's search for the problem's position.
+    void findsThePositionInOutsideDatabases() {
+        QDesktopServices::setUrlHandler("https", this, "Opened");
+        for (const char* id : {"pos.findpdb", "pos.findmeson", "pos.findalbrecht", "pos.findyacpdb"})
+            Trigger(id);
+        QDesktopServices::unsetUrlHandler("https");
+        QCOMPARE(m_vOpened.size(), qsizetype{4});
+        QCOMPARE(m_vOpened[0].host(), "pdb.dieschwalbe.de");
+        QCOMPARE(m_vOpened[0].query(QUrl::FullyDecoded), "expression=WPIECES=3 AND BPIECES=1 AND STIP='#2'");
+        QCOMPARE(m_vOpened[1].host(), "www.bstephen.me.uk");
+        QCOMPARE(m_vOpened[2].host(), "www.dieschwalbe.de");
+        QCOMPARE(m_vOpened[3].toString(QUrl::FullyDecoded),
+                 "https://www.yacpdb.org/?search=wKe1 wQa7 wRh1 bKc1");
     }
 
     void faultyFileIsReported() {

@@ -26,6 +26,9 @@ TEST(HeuristicChecks, EveryMessage) {
         "Heuristics 'Don't let black king move' is off, while 'allow exc' is on.\nIt "
         "requires correction.";
     const std::string capture = "Invalid number of figures to capture for relaxation of edge heuristics";
+    const std::string snakeItems =
+        "Sea snake: give the approach and the turn-back square, then the move of 'only after' if any (e.g. "
+        "D2,E2,3).";
     // clang-format off
     const std::vector<std::pair<TFields, std::string>> cases = {
         {TFields{.m_bOutOfEdge = true, .m_bDontLetKingMove = true},
@@ -71,6 +74,26 @@ TEST(HeuristicChecks, EveryMessage) {
          "Invalid value in field with number of heuristics relaxations for FFM (FindForcedMate)"},
         {TFields{.m_bFindForcedMate = true, .m_nFfmMode = kFfmThreat3, .m_sFfmRelaxations = "3"},
          "Number of heuristics relaxations for FFM is too large (max = 2)"},
+        {TFields{.m_bFindForcedMate = true, .m_sFfmRelaxations = "0", .m_bFfmPartially = true},
+         "'Partially' applies to '-WithOtherHeuristics' of FindForcedMate, which is off."},
+        {TFields{.m_bOneColour = true},
+         "Choose the squares of 'One color play possible': white squares only, black squares only or separated "
+             "black bishop."},
+        {TFields{.m_bSeaSnake = true, .m_sSeaSnake = "d2"}, snakeItems},
+        {TFields{.m_bSeaSnake = true, .m_sSeaSnake = "d2,e2,1,2"}, snakeItems},
+        {TFields{.m_bSeaSnake = true, .m_sSeaSnake = "d2,e9"}, "Improper square: e9"},
+        {TFields{.m_bSeaSnake = true, .m_sSeaSnake = "d2 D2"}, "Duplicate square: D2"},
+        {TFields{.m_bSeaSnake = true, .m_sSeaSnake = "d2,f2"},
+         "Sea snake: the approach and the turn-back square must be neighbours."},
+        {TFields{.m_bSeaSnake = true, .m_sSeaSnake = "d2,e3,x"}, "Sea snake: invalid move number of 'only after': x"},
+        {TFields{.m_bSeaSnake = true, .m_sSeaSnake = "d2,e3", .m_sPendulum = "b7"},
+         "Sea snake: the pendulum takes two squares (or none)."},
+        {TFields{.m_bSeaSnake = true, .m_sSeaSnake = "d2,e3", .m_sPendulum = "b7,b0"}, "Improper square: b0"},
+        {TFields{.m_bZugzwang = true, .m_sZugzwangMove = "Ka1-b2", .m_sZugzwangBy = "2"},
+         "Invalid move for SH_ZUGZWANG"},
+        {TFields{.m_bZugzwang = true, .m_sZugzwangMove = "", .m_sZugzwangBy = "2"}, "Invalid move for SH_ZUGZWANG"},
+        {TFields{.m_bZugzwang = true, .m_sZugzwangMove = "Ka1-b1", .m_sZugzwangBy = "0"},
+         "Invalid number of the move by which SH_ZUGZWANG is to return to its position"},
         {TFields{.m_sQuickMateDepth = "0"}, "Value of depth for quicker mate is out of range."},
         {TFields{.m_sQuickMateDepth = "10"}, "Value of depth for quicker mate is out of range."},
         // The first failing check in the fixed order gives the message.
@@ -98,6 +121,11 @@ TEST(HeuristicChecks, AcceptedFields) {
         TFields{.m_bKeyWhiteFigure = true, .m_sKeyWhiteFigure = "A8"}, TFields{.m_bKeyLine = true, .m_sKeyLine = "H"},
         TFields{.m_bKeyDiagonal = true, .m_sKeyDiagonal = "h1-a8"}, TFields{.m_sQuickMateDepth = "9"},
         TFields{.m_bFindForcedMate = true, .m_nFfmMode = kFfmThreat3, .m_sFfmRelaxations = "2"},
+        TFields{.m_bFindForcedMate = true, .m_sFfmRelaxations = "0", .m_bFfmWithOthers = true, .m_bFfmPartially = true},
+        TFields{.m_bFindForcedMate = false, .m_bFfmPartially = true},
+        TFields{.m_bSeaSnake = true, .m_sSeaSnake = "d2 e3, 4", .m_sPendulum = "b7,b8"},
+        TFields{.m_bOneColour = true, .m_eColourMode = TColourMode::SeparatedBlackBishop},
+        TFields{.m_bZugzwang = true, .m_sZugzwangMove = "Ka1-b1", .m_sZugzwangBy = "3"},
     };
     // clang-format on
     for (const TFields& fields : cases) {

@@ -51,6 +51,7 @@ TEST(SpecialHeuristics, KingZones) {
     const THeuristicSet ext = With(SH_KEEPKINGWITHINEXTEDGE);
     const THeuristicSet extStrict = With(SH_KEEPKINGWITHINEXTEDGE, [](auto& p) { p.edgeStrict = true; });
     const char* second = "8/8/8/8/8/1k6/8/4K2R w";
+    const char* onEdge = "8/8/8/8/8/k7/8/4K2R w";
     ExpectVerdicts({
         {"edge: the king steps off the edge", edge, kCornerKing, "Rh1-h2 Ka8-b7", SH_KEEPKINGONTHEEDGE},
         {"edge: a step along the edge", edge, kCornerKing, "Rh1-h2 Ka8-b8", 0},
@@ -61,6 +62,8 @@ TEST(SpecialHeuristics, KingZones) {
          SH_KEEPKINGWITHINEXTEDGE},
         {"ext.edge strict: onto the edge", extStrict, second, "Rh1-h2 Kb3-a4", 0},
         {"ext.edge strict: staying put", extStrict, second, "Rh1-h3", 0},
+        {"ext.edge strict: along the edge", extStrict, onEdge, "Rh1-h2 Ka3-a4", 0},
+        {"ext.edge strict: back off the edge", extStrict, onEdge, "Rh1-h2 Ka3-b4", SH_KEEPKINGWITHINEXTEDGE},
     });
 }
 

@@ -11,6 +11,7 @@
 #include "engine/search/proof_number_search.h"
 #include "engine/state/search_result.h"
 #include "precalc/generator/lookahead.h"
+#include "precalc/generator/partial_verification.h"
 #include "precalc/generator/verification.h"
 #include "precalc/global/find_mate.h"
 #include "tests/support/positions.h"
@@ -277,6 +278,46 @@ TEST_F(PrecalcData, AStopEndsTheGenerationBeforeTheNextType) {
             std::filesystem::exists(TypeFile(folder.Path(), TPrecalcType::Parse(type), TStorageKind::kPlain)),
             done[0] == type)
             << type;
+}
+
+// What an interrupted generation of KPk may leave: the promotion types KQk and KRk are verified,
+// KBk and KNk are missing, and KPk, on disk without them, cannot be checked. A stop set before
+// the first type verifies nothing.
+TEST_F(PrecalcData, PartialDataIsVerifiedAsFarAsItGoes) {
+    const TPrecalcType pawn = TPrecalcType::Parse("KPk");
+    std::vector<std::string> order;
+    for (const TPrecalcType& type : TypesGeneratedFor(pawn)) order.push_back(type.Description());
+    std::ranges::sort(order.begin(), order.end() - 1);
+    EXPECT_EQ(order, (std::vector<std::string>{"KBk", "KNk", "KQk", "KRk", "KPk"}));
+
+    testing::CTempFolder folder;
+    for (const char* type : {"KQk", "KRk", "KPk"}) {
+        const TPrecalcType t = TPrecalcType::Parse(type);
+        const std::filesystem::path file = TypeFile(folder.Path(), t, TStorageKind::kPlain);
+        std::filesystem::create_directories(file.parent_path());
+        std::filesystem::copy_file(TypeFile(s_pFolder->Path(), t, TStorageKind::kPlain), file);
+    }
+    TGlobalRegisters registers;
+    TGlobalRegisterSettings settings = s_pRegisters->Settings();
+    settings.m_dataFolder = folder.Path();
+    registers.Configure(settings, nullptr);
+    const TPartialVerification result = VerifyPartialData(registers, pawn, 2, false);
+    ASSERT_EQ(result.m_vVerified.size(), 2u);
+    for (const auto& [description, report] : result.m_vVerified) {
+        EXPECT_TRUE(description == "KQk" || description == "KRk") << description;
+        EXPECT_EQ(report.m_nFaults, 0u) << description;
+        EXPECT_GT(report.m_nChecked, 0u) << description;
+    }
+    std::vector<std::string> missing = result.m_vMissing;
+    std::ranges::sort(missing);
+    EXPECT_EQ(missing, (std::vector<std::string>{"KBk", "KNk"}));
+    EXPECT_EQ(result.m_vUnchecked, std::vector<std::string>{"KPk"});
+    EXPECT_FALSE(result.m_bStopped);
+
+    const std::atomic<bool> stop{true};
+    const TPartialVerification stopped = VerifyPartialData(registers, pawn, 2, false, &stop);
+    EXPECT_TRUE(stopped.m_bStopped);
+    EXPECT_TRUE(stopped.m_vVerified.empty());
 }
 
 }  // namespace
