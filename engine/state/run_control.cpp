@@ -54,16 +54,31 @@ bool CRunControl::Skip(size_t count) {
     for (const TSlot* slot : m_vAnalysed)
         if (!slot->bSkip && (!first || slot->index < first->index)) first = slot;
     if (!first) return false;
-    SkipFrom(first->index, count);
+    SkipMoves(Following(first->index, count));
     return true;
 }
 
-void CRunControl::SkipFrom(size_t from, size_t count) {
-    for (size_t index = from; index < from + count; ++index)
-        if (std::find(m_vSkipped.begin(), m_vSkipped.end(), index) == m_vSkipped.end())
-            m_vSkipped.push_back(index);
+// Move `from` and the `count` - 1 that come after it: in the order of the round when the search
+// keeps one, else by index.
+std::vector<size_t> CRunControl::Following(size_t from, size_t count) const {
+    std::vector<size_t> indices{from};
+    if (!m_pSteering) {
+        for (size_t index = from + 1; index < from + count; ++index) indices.push_back(index);
+        return indices;
+    }
+    for (const TWaitingMove& next : m_pSteering->Waiting())
+        if (indices.size() < count) indices.push_back(next.index);
+    return indices;
+}
+
+void CRunControl::SkipMoves(const std::vector<size_t>& indices) {
+    const auto among = [](const std::vector<size_t>& list, size_t index) {
+        return std::find(list.begin(), list.end(), index) != list.end();
+    };
+    for (const size_t index : indices)
+        if (!among(m_vSkipped, index)) m_vSkipped.push_back(index);
     for (TSlot* slot : m_vAnalysed) {
-        if (slot->index < from || slot->index >= from + count || slot->bSkip) continue;
+        if (slot->bSkip || !among(indices, slot->index)) continue;
         slot->bSkip = true;
         ++m_nSkipsPending;
     }
@@ -83,7 +98,7 @@ bool CRunControl::SwapWithNext() {
 bool CRunControl::SkipTo(const TMove& move) {
     std::lock_guard lock(m_mutex);
     const std::optional<size_t> current = m_pSteering ? m_pSteering->BringForward(move) : std::nullopt;
-    if (current) SkipFrom(*current, 1);
+    if (current) SkipMoves({*current});
     return current.has_value();
 }
 

@@ -36,8 +36,9 @@ struct TPassProgress {
     double percent = 0;  // first moves done at this mate length
 };
 
-// A first move waiting for its analysis, with its text in long notation.
+// A first move waiting for its analysis: its index in the round, and its text in long notation.
 struct TWaitingMove {
+    size_t index = 0;
     TMove move;
     std::string text;
 };
@@ -86,7 +87,8 @@ class CRunControl {
     int HeldThreads() const;
 
     // Skips the first move with the lowest index among those being analysed and not yet skipped,
-    // and the `count` - 1 moves after it (those not yet begun are skipped when they begin).
+    // and the `count` - 1 moves that come after it in the order of analysis (those not yet begun
+    // are skipped when they begin).
     // False when there is none (the run is between passes, building main lines, or not running).
     bool Skip(size_t count = 1);
     // Changes of the order of the round under way (see CFirstMoveSteering); false, or nothing
@@ -147,8 +149,10 @@ class CRunControl {
     };
 
     void Attend();
-    void UpdateAttention();                    // under m_mutex
-    void SkipFrom(size_t from, size_t count);  // under m_mutex
+    void UpdateAttention();  // under m_mutex
+    // Under m_mutex.
+    std::vector<size_t> Following(size_t from, size_t count) const;
+    void SkipMoves(const std::vector<size_t>& indices);
 
     static thread_local TSlot* s_pAnalysed;  // the calling thread's first move, if any
 

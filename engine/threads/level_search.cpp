@@ -309,7 +309,7 @@ std::vector<TWaitingMove> CLevelSearch::Waiting() const {
     std::lock_guard lock(m_mutex);
     std::vector<TWaitingMove> waiting;
     for (const size_t index : m_waiting)
-        if (index < Needed()) waiting.push_back({m_moves[index], MoveToText(m_root, m_moves[index])});
+        if (index < Needed()) waiting.push_back({index, m_moves[index], MoveToText(m_root, m_moves[index])});
     return waiting;
 }
 

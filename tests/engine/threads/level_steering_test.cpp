@@ -168,6 +168,24 @@ TEST(ConcurrentLevelSteering, NothingWaitingRefusesEveryChange) {
     EXPECT_EQ(moved.concluded.back().first, plain.concluded[1].first);
 }
 
+// Skipping two moves after a swap skips the move under analysis and the one that comes next in
+// the changed order, not the next by index.
+TEST(ConcurrentLevelSteering, SkipFollowsTheOrderOfAnalysis) {
+    const test::TSharedDirectmate problem = Problems().front();
+    const TRound plain = SearchRound(problem, 1);
+    ASSERT_GE(plain.concluded.size(), 5u);
+    const TRound skipped =
+        SearchRound(problem, 1,
+                    {{1, [](CRunControl& control) { EXPECT_TRUE(control.SwapWithNext()); }},
+                     {2, [](CRunControl& control) { EXPECT_TRUE(control.Skip(2)); }}});
+    const std::vector<TConclusion>& was = plain.concluded;
+    ASSERT_GE(skipped.concluded.size(), 4u);
+    EXPECT_EQ(skipped.concluded[1], was[2]);
+    EXPECT_EQ(skipped.concluded[2], TConclusion(was[1].first, kDoubtful));
+    EXPECT_EQ(skipped.concluded[3], TConclusion(was[3].first, kDoubtful));
+    EXPECT_EQ(skipped.concluded[4], was[4]);
+}
+
 // Skipping to a chosen waiting move ends the current one as not proven, and the chosen one is
 // analysed next; the others keep their results.
 TEST(ConcurrentLevelSteering, SkipToReachesTheChosenMove) {
