@@ -76,4 +76,20 @@ bool CEngineRun::Skip(size_t count) {
     return m_pControl && m_pControl->Skip(count);
 }
 
+bool CEngineRun::MoveToEnd() {
+    return m_pControl && m_pControl->MoveToEnd();
+}
+
+bool CEngineRun::SwapWithNext() {
+    return m_pControl && m_pControl->SwapWithNext();
+}
+
+bool CEngineRun::SkipTo(const TMove& move) {
+    return m_pControl && m_pControl->SkipTo(move);
+}
+
+std::vector<TWaitingMove> CEngineRun::WaitingFirstMoves() const {
+    return m_pControl ? m_pControl->WaitingFirstMoves() : std::vector<TWaitingMove>{};
+}
+
 }  // namespace moremate::ui

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <thread>
+#include <vector>
 
 #include "engine/run/progress_tick.h"
 #include "engine/state/run_control.h"
@@ -43,6 +44,12 @@ class CEngineRun : public QObject {
     // Skips the first move being analysed and the `count` - 1 after it; false when no first move
     // is being analysed.
     bool Skip(size_t count = 1);
+    // The order of the first moves (see CRunControl); false, or nothing waiting, when the run
+    // shares out no first moves at the moment.
+    bool MoveToEnd();
+    bool SwapWithNext();
+    bool SkipTo(const TMove& move);
+    std::vector<TWaitingMove> WaitingFirstMoves() const;
     // A line for the progress area, from the engine thread (a test's report lines).
     void Say(const std::string& line) { Q_EMIT Said(QString::fromStdString(line)); }
 

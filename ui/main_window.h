@@ -232,6 +232,11 @@ class TMainWindow : public QMainWindow {
     void SkipMove() { SkipMoves(1); }
     void SkipFiveMoves() { SkipMoves(5); }
     void SkipMoves(size_t count);
+    // The order of analysis of the first moves: the current one to the end, swapped with the
+    // next, or skipped for one the user picks among those waiting.
+    void MoveToEndOfAnalysis();
+    void SwapWithNextMove();
+    void SkipToChosenMove();
     void MoveBack();
     void MoveForward();
     void NextProblem();

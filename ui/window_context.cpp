@@ -20,6 +20,13 @@
 #include "texts.h"
 
 namespace moremate::ui {
+namespace {
+
+// The commands of the analysis menu that steer a run.
+constexpr const char* kSteeringActions[] = {"ctx.movetoend", "ctx.swapnext", "ctx.skip5", "ctx.skipto",
+                                            "ctx.skipnext"};
+
+}  // namespace
 
 QAction* TMainWindow::ContextAction(QMenu* menu, const char* id, void (TMainWindow::*run)()) {
     QAction* action = menu->addAction(id);
@@ -49,11 +56,14 @@ void TMainWindow::BuildContextMenus() {
     ContextAction(m_pAnalysisMenu, "ctx.copymoves", &TMainWindow::CopyMoves);
     ContextAction(m_pAnalysisMenu, "ctx.newinstance", &TMainWindow::OpenInNewInstance);
     m_pAnalysisMenu->addSeparator();
+    ContextAction(m_pAnalysisMenu, "ctx.movetoend", &TMainWindow::MoveToEndOfAnalysis);
+    ContextAction(m_pAnalysisMenu, "ctx.swapnext", &TMainWindow::SwapWithNextMove);
     ContextAction(m_pAnalysisMenu, "ctx.skip5", &TMainWindow::SkipFiveMoves);
+    ContextAction(m_pAnalysisMenu, "ctx.skipto", &TMainWindow::SkipToChosenMove);
     ContextAction(m_pAnalysisMenu, "ctx.skipnext", &TMainWindow::SkipMove);
     m_pProgress->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(m_pProgress, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
-        for (const char* id : {"ctx.skip5", "ctx.skipnext"}) m_actions.at(id)->setEnabled(Analysing());
+        for (const char* id : kSteeringActions) m_actions.at(id)->setEnabled(Analysing());
         m_pAnalysisMenu->popup(m_pProgress->mapToGlobal(at));
     });
 

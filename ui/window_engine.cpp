@@ -168,6 +168,30 @@ void TMainWindow::SkipMoves(size_t count) {
     if (Analysing() && !m_run.Skip(count)) Inform(kSkipFailedText);
 }
 
+void TMainWindow::MoveToEndOfAnalysis() {
+    if (Analysing() && !m_run.MoveToEnd()) Inform(kReorderFailedText);
+}
+
+void TMainWindow::SwapWithNextMove() {
+    if (Analysing() && !m_run.SwapWithNext()) Inform(kReorderFailedText);
+}
+
+void TMainWindow::SkipToChosenMove() {
+    if (!Analysing()) return;
+    const std::vector<TWaitingMove> waiting = m_run.WaitingFirstMoves();
+    if (waiting.empty()) {
+        Inform(kSkipFailedText);
+        return;
+    }
+    QStringList texts;
+    for (const TWaitingMove& move : waiting) texts << QString::fromStdString(move.text);
+    bool ok = false;
+    const QString chosen =
+        QInputDialog::getItem(this, Title("ctx.skipto"), Text("label.waitingmoves"), texts, 0, false, &ok);
+    if (!ok || !Analysing()) return;
+    if (!m_run.SkipTo(waiting[static_cast<size_t>(texts.indexOf(chosen))].move)) Inform(kSkipFailedText);
+}
+
 void TMainWindow::ShowProgress(const TRunProgress& progress) {
     if (!Analysing()) return;
     m_pProgress->setPlainText(

@@ -1,6 +1,6 @@
 // The texts with which the interface speaks about a solving run: the result of the analysis, the
-// progress box, stopping, skipping, quitting, the automatic save, and the requests refused while a
-// run is active.
+// progress box, stopping, skipping and reordering, quitting, the automatic save, and the requests refused
+// while a run is active.
 #pragma once
 
 #include <cstddef>
@@ -18,6 +18,8 @@ inline constexpr const char* kStopPendingText = "Stop pending...";
 inline constexpr const char* kGlobalRegisterLoadPendingText =
     "Global register load pending. Stopping may take a few seconds...";
 inline constexpr const char* kSkipFailedText = "Skip to next move has failed (engine busy?)";
+inline constexpr const char* kReorderFailedText =
+    "Change of the order of analysis has failed (no move being analysed, or no move waiting)";
 inline constexpr const char* kSaveRefusedText =
     "Analysis pending. Stop it or pause it before trying to save temporary data";
 inline constexpr const char* kToolUnavailableText =

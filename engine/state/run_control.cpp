@@ -54,17 +54,57 @@ bool CRunControl::Skip(size_t count) {
     for (const TSlot* slot : m_vAnalysed)
         if (!slot->bSkip && (!first || slot->index < first->index)) first = slot;
     if (!first) return false;
-    const size_t from = first->index;
-    for (size_t index = from; index < from + count; ++index)
-        if (std::find(m_vSkipped.begin(), m_vSkipped.end(), index) == m_vSkipped.end())
-            m_vSkipped.push_back(index);
+    SkipMoves(Following(first->index, count));
+    return true;
+}
+
+// Move `from` and the `count` - 1 that come after it: in the order of the round when the search
+// keeps one, else by index.
+std::vector<size_t> CRunControl::Following(size_t from, size_t count) const {
+    std::vector<size_t> indices{from};
+    if (!m_pSteering) {
+        for (size_t index = from + 1; index < from + count; ++index) indices.push_back(index);
+        return indices;
+    }
+    for (const TWaitingMove& next : m_pSteering->Waiting())
+        if (indices.size() < count) indices.push_back(next.index);
+    return indices;
+}
+
+void CRunControl::SkipMoves(const std::vector<size_t>& indices) {
+    const auto among = [](const std::vector<size_t>& list, size_t index) {
+        return std::find(list.begin(), list.end(), index) != list.end();
+    };
+    for (const size_t index : indices)
+        if (!among(m_vSkipped, index)) m_vSkipped.push_back(index);
     for (TSlot* slot : m_vAnalysed) {
-        if (slot->index < from || slot->index >= from + count || slot->bSkip) continue;
+        if (slot->bSkip || !among(indices, slot->index)) continue;
         slot->bSkip = true;
         ++m_nSkipsPending;
     }
     UpdateAttention();
-    return true;
+}
+
+bool CRunControl::MoveToEnd() {
+    std::lock_guard lock(m_mutex);
+    return m_pSteering && m_pSteering->MoveToEnd();
+}
+
+bool CRunControl::SwapWithNext() {
+    std::lock_guard lock(m_mutex);
+    return m_pSteering && m_pSteering->SwapWithNext();
+}
+
+bool CRunControl::SkipTo(const TMove& move) {
+    std::lock_guard lock(m_mutex);
+    const std::optional<size_t> current = m_pSteering ? m_pSteering->BringForward(move) : std::nullopt;
+    if (current) SkipMoves({*current});
+    return current.has_value();
+}
+
+std::vector<TWaitingMove> CRunControl::WaitingFirstMoves() const {
+    std::lock_guard lock(m_mutex);
+    return m_pSteering ? m_pSteering->Waiting() : std::vector<TWaitingMove>{};
 }
 
 void CRunControl::PassStarted(int number, const std::string& letter, uint32_t mask) {
@@ -73,22 +113,30 @@ void CRunControl::PassStarted(int number, const std::string& letter, uint32_t ma
     m_nFirstMoves = m_nFirstMovesBegun = 0;
 }
 
-// The moves before the earliest one in progress are done.
+// The moves concluded; without a search that keeps the order, those before the earliest one in
+// progress.
 TPassProgress CRunControl::Pass() const {
     std::lock_guard lock(m_mutex);
     TPassProgress pass = m_pass;
     size_t done = m_nFirstMovesBegun;
     for (const TSlot* slot : m_vAnalysed) done = std::min(done, slot->index);
+    if (m_pSteering) done = m_pSteering->Concluded();
     if (m_nFirstMoves > 0)
         pass.percent = 100.0 * static_cast<double>(done) / static_cast<double>(m_nFirstMoves);
     return pass;
 }
 
-void CRunControl::FirstMovesStarted(size_t count) {
+void CRunControl::FirstMovesStarted(size_t count, CFirstMoveSteering* steering) {
     std::lock_guard lock(m_mutex);
     m_nFirstMoves = count;
     m_nFirstMovesBegun = 0;
     m_vSkipped.clear();
+    m_pSteering = steering;
+}
+
+void CRunControl::FirstMovesEnded() {
+    std::lock_guard lock(m_mutex);
+    m_pSteering = nullptr;
 }
 
 void CRunControl::Attend() {

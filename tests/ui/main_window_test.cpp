@@ -23,6 +23,7 @@
 
 #include "core/fen.h"
 #include "diagnostics/crash_handler.h"
+#include "engine/run/run_texts.h"
 #include "problems/annotations/problem_variants.h"
 #include "settings/instance_lock.h"
 #include "settings/options_dialog.h"
@@ -423,6 +424,42 @@ class TMainWindowTest : public QObject {
         WaitForRun();
         QCOMPARE(m_pWindow->ProgressText().section("Every reply:\n", 1),
                  QString("Kc1-c2 (no mate)\nKc1-b1 (#1)"));
+    }
+
+    // Once a first move is being analysed, it can be swapped with the next one, moved to the end,
+    // or skipped for one of the moves still waiting, chosen from a list.
+    void steersTheFirstMovesFromTheAnalysisMenu() {
+        Trigger("prob.next");
+        Trigger("pos.stipup");  // a #6 that keeps one thread busy for seconds
+        QApplication::clipboard()->setText("8/k7/8/1K5B/5B2/8/8/N7 w - - 0 1");
+        Trigger("pos.paste");
+        Trigger("prob.all");
+        // Refused while no first move is in progress, as at the start or right after a change: each
+        // command is repeated until it is taken, and then no more.
+        const auto steered = [this](const char* id, const char* failure) {
+            const int failures = Count(*m_pReporter, failure);
+            Trigger(id);
+            return Count(*m_pReporter, failure) == failures;
+        };
+        bool swapped = false, moved = false, skipped = false;
+        QTRY_VERIFY_WITH_TIMEOUT(swapped = swapped || steered("ctx.swapnext", kReorderFailedText), 60000);
+        QTRY_VERIFY(moved = moved || steered("ctx.movetoend", kReorderFailedText));
+        QStringList offered;
+        const auto chooseTheLast = [this, &offered, &steered] {
+            QTimer::singleShot(0, m_pWindow.get(), [this, &offered] {
+                auto* ask = m_pWindow->findChild<QInputDialog*>();
+                if (!ask) return;
+                offered = ask->comboBoxItems();
+                ask->setTextValue(offered.last());
+                ask->accept();
+            });
+            return steered("ctx.skipto", kSkipFailedText);
+        };
+        QTRY_VERIFY(skipped = skipped || chooseTheLast());
+        QVERIFY(offered.size() > 1);
+        QVERIFY(m_pWindow->Analysing());
+        Trigger("prob.stop");
+        WaitForRun();
     }
 
     void refusesEditsDuringARun() {
