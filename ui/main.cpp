@@ -28,9 +28,9 @@ int main(int argc, char** argv) {
     const TOptions options = ReadOptions(OptionsFilePath(), reporter);
     std::error_code error;
     diagnostics::InstallCrashHandler(options, std::filesystem::read_symlink("/proc/self/exe", error));
-    TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(options), &reporter);
     ui::AppendStartLog(true);
     ui::TMainWindow window(options, reporter);
+    TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(options), &window.Reporter());
     const QStringList arguments = QApplication::arguments();
     const bool opened = arguments.size() > 1 && window.OpenCollection(arguments.at(1).toStdString());
     if (!opened && !window.OpenDefaultCollection()) return 2;

@@ -143,6 +143,33 @@ class TMainWindowTest : public QObject {
         QCOMPARE(m_pWindow->Collection().File(), File());
     }
 
+    void libraryFailuresShowInTheWindowsLanguage_data() {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("opening");
+        QTest::addColumn<QString>("shifting");
+        QTest::newRow("Polish") << int(kPolish) << "Błąd otwarcia pliku: "
+                                << "Nie można przesunąć pozycji: bierka opuściłaby szachownicę";
+        QTest::newRow("Ukrainian") << int(kUkrainian) << "Помилка відкриття файлу: "
+                                   << "Позицію не можна зсунути: фігура вийшла б за межі дошки";
+        QTest::newRow("English") << int(kEnglish) << "Error opening file: "
+                                 << "The position cannot be shifted: a piece would leave the board";
+    }
+
+    void libraryFailuresShowInTheWindowsLanguage() {
+        QFETCH(int, language);
+        QFETCH(QString, opening);
+        QFETCH(QString, shifting);
+        m_pWindow->SetLanguage(language);
+        const std::string missing = m_dir.path().toStdString() + "/missing.cp";
+        QVERIFY(!m_pWindow->OpenCollection(missing));
+        const CRecordingReporter::TReport report = m_pReporter->Reports().back();
+        QCOMPARE(report.sTitle, ReportTitle(ReportKind::Error, language));
+        QVERIFY2(report.sText.starts_with(missing + ": " + opening.toStdString() + missing),
+                 report.sText.c_str());
+        Trigger("pos.left");  // the queen stands on the a-file
+        QCOMPARE(m_pWindow->StatusText(), shifting);
+    }
+
     void pastesFenAndUndoes() {
         const std::string before = Fen();
         QApplication::clipboard()->setText("4k3/8/8/8/8/8/8/R3K3 w - - 0 1");
