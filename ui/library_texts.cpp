@@ -31,7 +31,10 @@ const TLibraryTextRow* LongestMatch(std::string_view message, bool ending) {
     return best;
 }
 
-// The message with its known start and its known endings translated; nothing when neither is known.
+std::string TranslatedLine(std::string_view line, int language);
+
+// The message with its known start and its known endings translated, and what lies between them
+// as a line of its own (a result after "Result of analysis: "); nothing when neither is known.
 std::optional<std::string> TranslatedMessage(std::string_view message, int language) {
     const TLibraryTextRow* start = LongestMatch(message, false);
     if (start) message.remove_prefix(std::string_view(start->english).size());
@@ -41,7 +44,7 @@ std::optional<std::string> TranslatedMessage(std::string_view message, int langu
         message.remove_suffix(std::string_view(ending->english).size());
     }
     if (!start && endings.empty()) return std::nullopt;
-    return (start ? Form(*start, language) : "") + std::string(message) + endings;
+    return (start ? Form(*start, language) : "") + TranslatedLine(message, language) + endings;
 }
 
 // The line with the message it holds translated: the whole line, or what follows a label ": ".

@@ -10,6 +10,7 @@
 
 #include "engine/run/run_texts.h"
 #include "settings/reporter.h"
+#include "ui/library_text_reporter.h"
 #include "ui/library_texts.h"
 
 using namespace moremate;
@@ -65,6 +66,11 @@ const std::set<std::string> kNotMessages = {"kAffinityChangedOutside",
                                             "kWhiteOnly",
                                             "kWithBlack"};
 
+// The sources whose functions return the messages the window shows: the broken rules of a
+// position and of the heuristics dialog, Black's defence and the lines of a run's passes.
+const std::set<std::string> kReturningMessages = {"validation.cpp", "heuristic_checks.cpp",
+                                                  "black_defence.cpp", "passes.cpp", "relaxation_path.cpp"};
+
 std::string FileText(const std::filesystem::path& file) {
     std::ifstream in(file);
     std::stringstream text;
@@ -96,11 +102,15 @@ struct TSourceMessage {
     std::string text;
 };
 
-// The message constants and the leading literals of the exceptions of every library source.
+// The message constants and the leading literals of the exceptions and the other messages of
+// every library source.
 std::vector<TSourceMessage> SourceMessages() {
     static const std::regex constant(
         R"((?:constexpr const char\*|const char\* const|constexpr std::string_view|const std::string) (k\w+) =)");
-    static const std::regex exception(R"(ChessException\((?:std::string\()?(?=\"))");
+    // The exceptions, and the messages of the file and position readers and of the heuristics checks.
+    static const std::regex exception(
+        R"((?:ChessException\((?:std::string\()?|ThrowFileError\(|RequireColon\(lexer, |TVerdict\(|Joined\(\{)(?=\"))");
+    static const std::regex returned(R"(return (?=\"))");
     std::vector<TSourceMessage> messages;
     for (const char* folder : kLibraryFolders) {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(
@@ -112,9 +122,12 @@ std::vector<TSourceMessage> SourceMessages() {
                 const std::string text = Literals(source, it->position() + it->length());
                 if (!text.empty() && !kNotMessages.contains((*it)[1])) messages.push_back({(*it)[1], text});
             }
-            for (std::sregex_iterator it(source.begin(), source.end(), exception), end; it != end; ++it)
-                messages.push_back(
-                    {entry.path().filename().string(), Literals(source, it->position() + it->length())});
+            const std::string name = entry.path().filename().string();
+            for (const std::regex* pattern : {&exception, &returned}) {
+                if (pattern == &returned && !kReturningMessages.contains(name)) continue;
+                for (std::sregex_iterator it(source.begin(), source.end(), *pattern), end; it != end; ++it)
+                    messages.push_back({name, Literals(source, it->position() + it->length())});
+            }
         }
     }
     return messages;
@@ -163,6 +176,10 @@ TEST(LibraryTexts, FixedPartsAreTranslatedAndTheVariablePartsKept) {
          "wyboru heurystyk)"},
         {SolutionsSoFarText(3), "Dotąd znalezione rozwiązania: 3"},
         {QuitQuestionText(2), "Trwa szukanie rozwiązania, liczba zadań: 2.\nCzy na pewno chcesz zakończyć?"},
+        // A message after a known start is translated as a line of its own.
+        {"Result of analysis: No solution found (3 sec.) (stopped by user)",
+         "Wynik analizy: Nie znaleziono rozwiązania (3 s) (przerwane przez użytkownika)"},
+        {"Engine stopped: Position repetition", "Silnik zatrzymany: Powtórzenie pozycji"},
         {"Nieznany tekst: 5", "Nieznany tekst: 5"},
     };
     for (const auto& [english, polish] : cases) {
@@ -170,4 +187,19 @@ TEST(LibraryTexts, FixedPartsAreTranslatedAndTheVariablePartsKept) {
         EXPECT_EQ(LibraryText(english, kEnglish), english);
     }
     EXPECT_EQ(LibraryText("Cannot open file x.dat", kUkrainian), "Не вдається відкрити файл x.dat");
+}
+
+TEST(LibraryTexts, ReportsReachTheirTargetInTheLanguageSetLast) {
+    CRecordingReporter target;
+    CLibraryTextReporter reporter(target, kEnglish);
+    reporter.Report("Question", "Recompress it now?", ReportButtons::YesNo);
+    reporter.SetLanguage(kPolish);
+    reporter.Report("Question", "Recompress it now?", ReportButtons::YesNo);
+    reporter.Report("Error", "Generation stopped", ReportButtons::Ok);  // error titles stay English
+    const std::vector<CRecordingReporter::TReport> reports = target.Reports();
+    ASSERT_EQ(reports.size(), 3u);
+    EXPECT_EQ(reports[0].sTitle + "|" + reports[0].sText, "Question|Recompress it now?");
+    EXPECT_EQ(reports[1].sTitle + "|" + reports[1].sText, "Pytanie|Skompresować go ponownie teraz?");
+    EXPECT_EQ(reports[1].buttons, ReportButtons::YesNo);
+    EXPECT_EQ(reports[2].sTitle + "|" + reports[2].sText, "Error|Generowanie zatrzymane");
 }
