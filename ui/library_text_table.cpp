@@ -349,6 +349,8 @@ const std::vector<TLibraryTextRow> kLibraryTable = {
     {" completed with error:", " zakończył pracę z błędem:", " завершив роботу з помилкою:"},
     {"No solution found of the problem ", "Nie znaleziono rozwiązania zadania ",
      "Не знайдено розв'язку задачі "},
+    {" solution(s) found of the problem ", " – liczba znalezionych rozwiązań zadania ",
+     " – кількість знайдених розв'язків задачі "},
     {"Solving time limit hit: ", "Osiągnięto limit czasu rozwiązywania: ",
      "Досягнуто ліміту часу розв'язування: "},
     {" seconds", " s", " с"},

@@ -11,8 +11,13 @@ const char* Form(const TLibraryTextRow& row, int language) {
     return language == kPolish ? row.polish : row.ukrainian;
 }
 
+bool IsInfix(const TLibraryTextRow& row) {
+    const std::string_view english = row.english;
+    return english.starts_with(' ') && english.ends_with(' ');
+}
+
 bool IsEnding(const TLibraryTextRow& row) {
-    return row.english[0] == ' ';
+    return row.english[0] == ' ' && !IsInfix(row);
 }
 
 // The row with the longest English text that `message` starts with (`ending` false) or ends with
@@ -33,8 +38,21 @@ const TLibraryTextRow* LongestMatch(std::string_view message, bool ending) {
 
 std::string TranslatedLine(std::string_view line, int language);
 
+// The message with the first known middle part it holds translated, as a number before it and a
+// number after it are kept ("3 solution(s) found of the problem 12").
+std::optional<std::string> TranslatedInfix(std::string_view message, int language) {
+    for (const TLibraryTextRow& row : LibraryTextTable()) {
+        const size_t at = IsInfix(row) ? message.find(row.english) : std::string_view::npos;
+        if (at == std::string_view::npos) continue;
+        return std::string(message.substr(0, at)) + Form(row, language) +
+               TranslatedLine(message.substr(at + std::string_view(row.english).size()), language);
+    }
+    return std::nullopt;
+}
+
 // The message with its known start and its known endings translated, and what lies between them
-// as a line of its own (a result after "Result of analysis: "); nothing when neither is known.
+// as a line of its own (a result after "Result of analysis: "); else with its known middle part
+// translated; nothing when none is known.
 std::optional<std::string> TranslatedMessage(std::string_view message, int language) {
     const TLibraryTextRow* start = LongestMatch(message, false);
     if (start) message.remove_prefix(std::string_view(start->english).size());
@@ -43,7 +61,7 @@ std::optional<std::string> TranslatedMessage(std::string_view message, int langu
         endings.insert(0, Form(*ending, language));
         message.remove_suffix(std::string_view(ending->english).size());
     }
-    if (!start && endings.empty()) return std::nullopt;
+    if (!start && endings.empty()) return TranslatedInfix(message, language);
     return (start ? Form(*start, language) : "") + TranslatedLine(message, language) + endings;
 }
 

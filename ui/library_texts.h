@@ -18,7 +18,8 @@ struct TLibraryTextRow {
 
 // Every known message. A row matches a message that starts with its English text; what follows
 // (a file name, a number) is kept. Rows starting with a blank are endings of messages: they
-// match a message that ends with them.
+// match a message that ends with them; those that end with a blank too are middle parts, found
+// anywhere in a message that has no known start or ending.
 const std::vector<TLibraryTextRow>& LibraryTextTable();
 
 // `text` in `language` (the values of LanguageId), line by line. A line may carry a label

@@ -180,6 +180,7 @@ TEST(LibraryTexts, FixedPartsAreTranslatedAndTheVariablePartsKept) {
         {"Result of analysis: No solution found (3 sec.) (stopped by user)",
          "Wynik analizy: Nie znaleziono rozwiązania (3 s) (przerwane przez użytkownika)"},
         {"Engine stopped: Position repetition", "Silnik zatrzymany: Powtórzenie pozycji"},
+        {"3 solution(s) found of the problem 12", "3 – liczba znalezionych rozwiązań zadania 12"},
         {"Nieznany tekst: 5", "Nieznany tekst: 5"},
     };
     for (const auto& [english, polish] : cases) {
