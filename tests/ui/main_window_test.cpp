@@ -422,6 +422,17 @@ class TMainWindowTest : public QObject {
         QVERIFY(!m_pWindow->Collection().Modified());
     }
 
+    void runResultInTheWindowsLanguage() {
+        m_pWindow->SetLanguage(kPolish);
+        Trigger("prob.solve");
+        WaitForRun();
+        const QString progress = m_pWindow->ProgressText();
+        QVERIFY2(
+            progress.startsWith("Silnik zakończył pracę: rozwiązane\nWątek rozwiązujący zadanie 1 zakończył "
+                                "pracę pomyślnie.\n1 – liczba znalezionych rozwiązań zadania 1\nQa7-f2"),
+            qPrintable(progress));
+    }
+
     void solvesAndShowsTheWholeMainVariant() {
         Trigger("prob.whole");
         WaitForRun();
