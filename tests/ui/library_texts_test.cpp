@@ -181,6 +181,8 @@ TEST(LibraryTexts, FixedPartsAreTranslatedAndTheVariablePartsKept) {
          "Wynik analizy: Nie znaleziono rozwiązania (3 s) (przerwane przez użytkownika)"},
         {"Engine stopped: Position repetition", "Silnik zatrzymany: Powtórzenie pozycji"},
         {"3 solution(s) found of the problem 12", "3 – liczba znalezionych rozwiązań zadania 12"},
+        {"Buckets count = 8 (0.50 elems per bucket)\nElements count = 4",
+         "Liczba kubełków = 8 (0.50 elem. na kubełek)\nLiczba elementów = 4"},
         {"Nieznany tekst: 5", "Nieznany tekst: 5"},
     };
     for (const auto& [english, polish] : cases) {
