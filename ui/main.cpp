@@ -9,11 +9,25 @@
 
 #include "crash_dialogs.h"
 #include "diagnostics/crash_handler.h"
+#include "library_text_reporter.h"
 #include "main_window.h"
 #include "message_box_reporter.h"
 #include "precalc/global/global_registers.h"
 #include "settings/program_folder.h"
 #include "start_log.h"
+
+namespace {
+
+// The options, their notes reported in the language the options choose once they are read.
+moremate::TOptions ReadOptionsReportingInTheirLanguage(moremate::CReporter& reporter) {
+    moremate::CRecordingReporter notes;  // every note of the options asks for Ok only
+    const moremate::TOptions options = moremate::ReadOptions(moremate::OptionsFilePath(), notes);
+    moremate::ui::CLibraryTextReporter translated(reporter, options.m_nLanguageId);
+    for (const auto& note : notes.Reports()) translated.Report(note.sTitle, note.sText, note.buttons);
+    return options;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     using namespace moremate;
@@ -25,12 +39,12 @@ int main(int argc, char** argv) {
     if (argc == 3 && std::strcmp(argv[1], diagnostics::kShowCrashArgument) == 0)
         return ui::ShowCrashMessage(QString::fromUtf8(argv[2]));
     ui::CMessageBoxReporter reporter;
-    const TOptions options = ReadOptions(OptionsFilePath(), reporter);
+    const TOptions options = ReadOptionsReportingInTheirLanguage(reporter);
     std::error_code error;
     diagnostics::InstallCrashHandler(options, std::filesystem::read_symlink("/proc/self/exe", error));
-    TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(options), &reporter);
     ui::AppendStartLog(true);
     ui::TMainWindow window(options, reporter);
+    TGlobalRegisters::Instance().Configure(TGlobalRegisterSettings::FromOptions(options), &window.Reporter());
     const QStringList arguments = QApplication::arguments();
     const bool opened = arguments.size() > 1 && window.OpenCollection(arguments.at(1).toStdString());
     if (!opened && !window.OpenDefaultCollection()) return 2;

@@ -16,6 +16,7 @@
 #include "click_button.h"
 #include "engine/run/run_texts.h"
 #include "instance_notice.h"
+#include "library_texts.h"
 #include "piece_palette.h"
 #include "problems/solving/tablebase_access.h"
 #include "settings/machine.h"
@@ -26,7 +27,8 @@ namespace moremate::ui {
 TMainWindow::TMainWindow(const TOptions& options, CReporter& reporter, QWidget* parent)
     : QMainWindow(parent),
       m_options(options),
-      m_reporter(reporter),
+      m_libraryReporter(reporter, options.m_nLanguageId),
+      m_reporter(m_libraryReporter),
       m_nLanguage(options.m_nLanguageId),
       m_nThreads(static_cast<int>(LogicalProcessorCount())) {
     BuildLayout();
@@ -38,13 +40,14 @@ TMainWindow::TMainWindow(const TOptions& options, CReporter& reporter, QWidget* 
     connect(&m_run, &CEngineRun::Progressed, this, &TMainWindow::ShowProgress);
     connect(&m_run, &CEngineRun::Finished, this, &TMainWindow::RunFinished);
     connect(&m_run, &CEngineRun::Said, this, [this](const QString& line) {
-        m_pProgress->appendPlainText(line.endsWith('\n') ? line.chopped(1) : line);
+        const QString said = QString::fromStdString(LibraryText(line.toStdString(), m_nLanguage));
+        m_pProgress->appendPlainText(said.endsWith('\n') ? said.chopped(1) : said);
     });
     Relabel();
     UpdateRunState();
     resize(1000, 720);
     m_pTablebaseReporter = std::make_unique<CInstanceNoticeFilter>(
-        reporter, options.m_nWarnAboutSecondInstanceOfProgram,
+        m_reporter, options.m_nWarnAboutSecondInstanceOfProgram,
         [this](const std::string& text) { Say(QString::fromStdString(text)); });
     m_pTablebase = TablebaseForRuns(options, *m_pTablebaseReporter);
 }
@@ -166,6 +169,7 @@ QString TMainWindow::StatusText() const {
 
 void TMainWindow::SetLanguage(int language) {
     m_nLanguage = language;
+    m_libraryReporter.SetLanguage(language);
     m_options.m_nLanguageId = language;
     Relabel();
 }
@@ -184,7 +188,7 @@ void TMainWindow::Relabel() {
 }
 
 void TMainWindow::Say(const QString& text) {
-    statusBar()->showMessage(text);
+    statusBar()->showMessage(QString::fromStdString(LibraryText(text.toStdString(), m_nLanguage)));
 }
 
 void TMainWindow::Inform(const std::string& text) {

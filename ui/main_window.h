@@ -16,6 +16,7 @@
 #include "edit_history.h"
 #include "engine/heuristics/heuristic_set.h"
 #include "engine_run.h"
+#include "library_text_reporter.h"
 #include "problem_collection.h"
 #include "problems/annotations/database_links.h"
 #include "settings/options.h"
@@ -75,6 +76,8 @@ class TMainWindow : public QMainWindow {
     QString ProgressText() const;
     QString StatusText() const;
     int Language() const { return m_nLanguage; }
+    // Reports in the window's language, for the libraries that keep a reporter.
+    CReporter& Reporter() { return m_reporter; }
 
     void SetLanguage(int language);
     bool SelectProblemNumber(uint32_t number);
@@ -365,7 +368,8 @@ class TMainWindow : public QMainWindow {
     void Navigate(const std::function<bool(TProblemCollection&)>& move);
 
     TOptions m_options;
-    CReporter& m_reporter;
+    CLibraryTextReporter m_libraryReporter;
+    CReporter& m_reporter;  // the libraries' reports too, in the window's language
     int m_nLanguage;
     int m_nThreads;
     TProblemCollection m_collection;

@@ -16,6 +16,7 @@
 #include "engine/search/mate_search.h"
 #include "engine/threads/multithreading_levels.h"
 #include "interface_state.h"
+#include "library_texts.h"
 #include "main_window.h"
 #include "options_window.h"
 #include "precalc/global/global_registers.h"
@@ -220,7 +221,7 @@ void TMainWindow::WriteResult(ProblemEntry& entry, const TProblemReport& report)
 void TMainWindow::RunFinished(const TProblemReport& report) {
     UpdateRunState();
     ShowRegisterCount();
-    QString text = QString::fromStdString(report.outcome).trimmed();
+    QString text = QString::fromStdString(LibraryText(report.outcome, m_nLanguage)).trimmed();
     if (!report.keysLong.empty()) {
         QStringList keys;
         for (const std::string& key : report.keysLong) keys << QString::fromStdString(key);
@@ -228,7 +229,7 @@ void TMainWindow::RunFinished(const TProblemReport& report) {
     }
     if (report.error) {
         ReportError(*report.error);
-        text += "\n" + QString::fromStdString(*report.error);
+        text += "\n" + QString::fromStdString(LibraryText(*report.error, m_nLanguage));
     }
     report.result == kToolResult ? m_pProgress->appendPlainText(text) : m_pProgress->setPlainText(text);
     if (m_nRunIndex < m_collection.Size()) {

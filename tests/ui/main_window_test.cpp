@@ -144,6 +144,33 @@ class TMainWindowTest : public QObject {
         QCOMPARE(m_pWindow->Collection().File(), File());
     }
 
+    void libraryFailuresShowInTheWindowsLanguage_data() {
+        QTest::addColumn<int>("language");
+        QTest::addColumn<QString>("opening");
+        QTest::addColumn<QString>("shifting");
+        QTest::newRow("Polish") << int(kPolish) << "Błąd otwarcia pliku: "
+                                << "Nie można przesunąć pozycji: bierka opuściłaby szachownicę";
+        QTest::newRow("Ukrainian") << int(kUkrainian) << "Помилка відкриття файлу: "
+                                   << "Позицію не можна зсунути: фігура вийшла б за межі дошки";
+        QTest::newRow("English") << int(kEnglish) << "Error opening file: "
+                                 << "The position cannot be shifted: a piece would leave the board";
+    }
+
+    void libraryFailuresShowInTheWindowsLanguage() {
+        QFETCH(int, language);
+        QFETCH(QString, opening);
+        QFETCH(QString, shifting);
+        m_pWindow->SetLanguage(language);
+        const std::string missing = m_dir.path().toStdString() + "/missing.cp";
+        QVERIFY(!m_pWindow->OpenCollection(missing));
+        const CRecordingReporter::TReport report = m_pReporter->Reports().back();
+        QCOMPARE(report.sTitle, ReportTitle(ReportKind::Error, language));
+        QVERIFY2(report.sText.starts_with(missing + ": " + opening.toStdString() + missing),
+                 report.sText.c_str());
+        Trigger("pos.left");  // the queen stands on the a-file
+        QCOMPARE(m_pWindow->StatusText(), shifting);
+    }
+
     void pastesFenAndUndoes() {
         const std::string before = Fen();
         QApplication::clipboard()->setText("4k3/8/8/8/8/8/8/R3K3 w - - 0 1");
@@ -394,6 +421,17 @@ class TMainWindowTest : public QObject {
         QVERIFY(saved.find("//!Main variant: 1. Qa7-f2") != std::string::npos);
         QVERIFY(std::filesystem::exists(File().string() + ".BAK"));
         QVERIFY(!m_pWindow->Collection().Modified());
+    }
+
+    void runResultInTheWindowsLanguage() {
+        m_pWindow->SetLanguage(kPolish);
+        Trigger("prob.solve");
+        WaitForRun();
+        const QString progress = m_pWindow->ProgressText();
+        QVERIFY2(
+            progress.startsWith("Silnik zakończył pracę: rozwiązane\nWątek rozwiązujący zadanie 1 zakończył "
+                                "pracę pomyślnie.\n1 – liczba znalezionych rozwiązań zadania 1\nQa7-f2"),
+            qPrintable(progress));
     }
 
     void solvesAndShowsTheWholeMainVariant() {
