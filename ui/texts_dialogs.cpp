@@ -225,6 +225,32 @@ const std::vector<TTextRow> kDialogTable = {
     {"heur.zugzwang", "Pozycja zugzwangowa do powrotu (ruch białych do niej)",
      "Zugzwang position to return to (White's move into it)",
      "Цугцвангова позиція для повернення (хід білих до неї)"},
+    // Refusals, questions and summaries of the tools.
+    {"msg.solvingpending", "Trwa rozwiązywanie.", "Solving is pending.", "Триває розв'язування."},
+    {"msg.scriptrunning", "Skrypt już działa", "Script already running", "Скрипт уже виконується"},
+    {"msg.regressionquestion",
+     "Testy regresyjne to zwykle operacja czasochłonna (ponadto zwykle wymagają sporo danych "
+     "prekalkulowanych/Nalimova na dysku)\n\nWyniki testów zostaną zapisane w pliku RegressionTest.log\n\n",
+     "Regression tests are usually a time-consuming operation (moreover it usually requires quite many "
+     "precalculated/Nalimov data on disk)\n\nTest results will be written to file RegressionTest.log\n\n",
+     "Регресійні тести зазвичай забирають багато часу (до того ж зазвичай потребують чимало "
+     "попередньо обчислених даних/даних Налімова на диску)\n\nРезультати тестів буде записано у файл "
+     "RegressionTest.log\n\n"},
+    {"msg.regressionfailed", "Test regresyjny: niektóre testy nie powiodły się",
+     "Regression test: some tests failed", "Регресійний тест: деякі тести не пройшли"},
+    {"msg.regressionok", "Test regresyjny: wszystkie testy poprawne", "Regression test: all tests ok",
+     "Регресійний тест: усі тести успішні"},
+    {"msg.scriptfailed", "Skrypt: niektóre testy nie powiodły się", "Script: some tests failed",
+     "Скрипт: деякі тести не пройшли"},
+    {"msg.scriptok", "Skrypt: wszystkie testy poprawne", "Script: all tests ok", "Скрипт: усі тести успішні"},
+    {"msg.forciblyclosed", "Wygląda na to, że ostatnia analiza programu została zamknięta siłą.",
+     "The last program analysis seems to have been closed forcibly.",
+     "Схоже, що останній аналіз програми було закрито примусово."},
+    {"msg.whitetomove", "Ruch białych:", "White to move:", "Хід білих:"},
+    {"msg.blacktomove", "Ruch czarnych:", "Black to move:", "Хід чорних:"},
+    {"msg.fileopenerror", "Błąd otwarcia pliku: %1", "Error opening file: %1", "Помилка відкриття файлу: %1"},
+    {"msg.noprevheur", "Brak poprzednich ustawień heurystyk", "No previous settings for heuristics",
+     "Немає попередніх налаштувань евристик"},
 };
 
 }  // namespace

@@ -288,7 +288,8 @@ void TMainWindow::ShowRegisterCount() {
 void TMainWindow::RegisterStatus() {
     if (!m_pRunRegister) return Inform(Text("msg.noregister").toStdString());
     if (Analysing()) return Inform(kToolUnavailableText);
-    Inform("White to move:\n" + RegisterStatistics(m_pRunRegister->WhiteToMove()) + "\n\nBlack to move:\n" +
+    Inform(Text("msg.whitetomove").toStdString() + "\n" + RegisterStatistics(m_pRunRegister->WhiteToMove()) +
+           "\n\n" + Text("msg.blacktomove").toStdString() + "\n" +
            RegisterStatistics(m_pRunRegister->BlackToMove()));
 }
 
