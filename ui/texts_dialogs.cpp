@@ -249,6 +249,21 @@ const std::vector<TTextRow> kDialogTable = {
     {"msg.whitetomove", "Ruch białych:", "White to move:", "Хід білих:"},
     {"msg.blacktomove", "Ruch czarnych:", "Black to move:", "Хід чорних:"},
     {"msg.fileopenerror", "Błąd otwarcia pliku: %1", "Error opening file: %1", "Помилка відкриття файлу: %1"},
+    // The global register's status and the storage forms of its types.
+    {"msg.globalstatus",
+     "Rejestr globalny: wczytane typy pozycji: %1, %2 MB z limitu %3 MB, przechowywane indeksy matów: %4 z "
+     "%5",
+     "Global register: %1 position type(s) loaded, %2 MB of %3 MB quota, %4 of %5 mate indexes held",
+     "Глобальний реєстр: завантажено типів позицій: %1, %2 МБ із квоти %3 МБ, утримувані індекси матів: %4 "
+     "із "
+     "%5"},
+    {"msg.globalstatusline", "  %1: indeksów: %2, %3, %4 MB", "  %1: %2 indexes, %3, %4 MB",
+     "  %1: індексів: %2, %3, %4 МБ"},
+    {"form.diskaccess", "dostęp do dysku", "disk access", "доступ до диска"},
+    {"form.twobit", "upakowanie 2-bitowe", "2-bit packed", "2-бітове пакування"},
+    {"form.plain", "zwykła tablica", "plain array", "звичайний масив"},
+    {"form.runlength", "bloki kodowania długości serii", "run-length blocks", "блоки кодування довжин серій"},
+    {"form.randomaccess", "bufor o dostępie swobodnym", "random-access buffer", "буфер довільного доступу"},
     {"msg.noprevheur", "Brak poprzednich ustawień heurystyk", "No previous settings for heuristics",
      "Немає попередніх налаштувань евристик"},
 };

@@ -433,6 +433,11 @@ class TMainWindowTest : public QObject {
             progress.startsWith("Silnik zakończył pracę: rozwiązane\nWątek rozwiązujący zadanie 1 zakończył "
                                 "pracę pomyślnie.\n1 – liczba znalezionych rozwiązań zadania 1\nQa7-f2"),
             qPrintable(progress));
+        Trigger("adv.globalstatus");
+        const std::string status = m_pReporter->Reports().back().sText;
+        QVERIFY2(status.starts_with("Rejestr globalny: wczytane typy pozycji: ") &&
+                     status.find('%') == std::string::npos,
+                 status.c_str());
     }
 
     void solvesAndShowsTheWholeMainVariant() {
