@@ -206,7 +206,7 @@ void THeuristicsWindow::Show(const THeuristicSet& set) {
 void THeuristicsWindow::RestorePrevious() {
     if (!m_previous) {
         m_reporter.Report(ReportTitle(ReportKind::Information, m_nLanguage),
-                          "No previous settings for heuristics");
+                          UiText("msg.noprevheur", m_nLanguage).toStdString());
         return;
     }
     m_chosen = *m_previous;

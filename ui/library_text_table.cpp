@@ -92,6 +92,7 @@ const std::vector<TLibraryTextRow> kLibraryTable = {
      " zdefiniowane więcej niż raz - obowiązuje ostatnia definicja.",
      " визначена більше одного разу - діє останнє визначення."},
     {"Error opening file: ", "Błąd otwarcia pliku: ", "Помилка відкриття файлу: "},
+    {"No problem in file ", "Brak zadań w pliku ", "Немає задач у файлі "},
     {"Error writing file: ", "Błąd zapisu pliku: ", "Помилка запису файлу: "},
     {"Cannot create the folder ", "Nie można utworzyć folderu ", "Не вдається створити теку "},
     {"An error occurred.", "Wystąpił błąd.", "Сталася помилка."},

@@ -225,6 +225,66 @@ const std::vector<TTextRow> kDialogTable = {
     {"heur.zugzwang", "Pozycja zugzwangowa do powrotu (ruch białych do niej)",
      "Zugzwang position to return to (White's move into it)",
      "Цугцвангова позиція для повернення (хід білих до неї)"},
+    // Refusals, questions and summaries of the tools.
+    {"msg.solvingpending", "Trwa rozwiązywanie.", "Solving is pending.", "Триває розв'язування."},
+    {"msg.scriptrunning", "Skrypt już działa", "Script already running", "Скрипт уже виконується"},
+    {"msg.regressionquestion",
+     "Testy regresyjne to zwykle operacja czasochłonna (ponadto zwykle wymagają sporo danych "
+     "prekalkulowanych/Nalimova na dysku)\n\nWyniki testów zostaną zapisane w pliku RegressionTest.log\n\n",
+     "Regression tests are usually a time-consuming operation (moreover it usually requires quite many "
+     "precalculated/Nalimov data on disk)\n\nTest results will be written to file RegressionTest.log\n\n",
+     "Регресійні тести зазвичай забирають багато часу (до того ж зазвичай потребують чимало "
+     "попередньо обчислених даних/даних Налімова на диску)\n\nРезультати тестів буде записано у файл "
+     "RegressionTest.log\n\n"},
+    {"msg.regressionfailed", "Test regresyjny: niektóre testy nie powiodły się",
+     "Regression test: some tests failed", "Регресійний тест: деякі тести не пройшли"},
+    {"msg.regressionok", "Test regresyjny: wszystkie testy poprawne", "Regression test: all tests ok",
+     "Регресійний тест: усі тести успішні"},
+    {"msg.scriptfailed", "Skrypt: niektóre testy nie powiodły się", "Script: some tests failed",
+     "Скрипт: деякі тести не пройшли"},
+    {"msg.scriptok", "Skrypt: wszystkie testy poprawne", "Script: all tests ok", "Скрипт: усі тести успішні"},
+    {"msg.forciblyclosed", "Wygląda na to, że ostatnia analiza programu została zamknięta siłą.",
+     "The last program analysis seems to have been closed forcibly.",
+     "Схоже, що останній аналіз програми було закрито примусово."},
+    {"msg.whitetomove", "Ruch białych:", "White to move:", "Хід білих:"},
+    {"msg.blacktomove", "Ruch czarnych:", "Black to move:", "Хід чорних:"},
+    {"msg.fileopenerror", "Błąd otwarcia pliku: %1", "Error opening file: %1", "Помилка відкриття файлу: %1"},
+    // The tools on the precalculated data of the position's type.
+    {"prec.notype", "Pozycja nie należy do żadnego typu danych przeliczonych",
+     "The position is of no precalculated type",
+     "Позиція не належить до жодного типу попередньо обчислених даних"},
+    {"prec.checked", "%1: sprawdzone indeksy: %2, błędy: %3", "%1: %2 indexes checked, %3 fault(s)",
+     "%1: перевірено індексів: %2, помилок: %3"},
+    {"prec.unknown", "%1: nieznane (brak danych przeliczonych)", "%1: unknown (no precalculated data)",
+     "%1: невідомо (немає попередньо обчислених даних)"},
+    {"prec.nomate", "%1: brak mata", "%1: no mate", "%1: мату немає"},
+    {"prec.mated", "%1: czarne są zamatowane", "%1: Black is mated", "%1: чорним мат"},
+    {"prec.matesin", "%1: białe matują w %2", "%1: White mates in %2", "%1: білі матують за %2"},
+    {"prec.generated", "%1: indeksów: %2, najdłuższy mat: %3", "%1: %2 indexes, longest mate %3",
+     "%1: індексів: %2, найдовший мат: %3"},
+    {"prec.verifiedall", "Sprawdzone typy pozycji: %1, błędy: %2",
+     "%1 position type(s) verified, %2 fault(s)", "Перевірено типів позицій: %1, помилок: %2"},
+    {"prec.nomatestored", "%1: brak zapisanego mata", "%1: no mate stored", "%1: немає збереженого мату"},
+    {"prec.nosuchposition", "%1: brak takiej pozycji", "%1: no such position", "%1: такої позиції немає"},
+    {"prec.longest", "%1: maks. #%2, indeks %3: %4 w", "%1: max #%2, index %3: %4 w",
+     "%1: макс. #%2, індекс %3: %4 w"},
+    // The global register's status and the storage forms of its types.
+    {"msg.globalstatus",
+     "Rejestr globalny: wczytane typy pozycji: %1, %2 MB z limitu %3 MB, przechowywane indeksy matów: %4 z "
+     "%5",
+     "Global register: %1 position type(s) loaded, %2 MB of %3 MB quota, %4 of %5 mate indexes held",
+     "Глобальний реєстр: завантажено типів позицій: %1, %2 МБ із квоти %3 МБ, утримувані індекси матів: %4 "
+     "із "
+     "%5"},
+    {"msg.globalstatusline", "  %1: indeksów: %2, %3, %4 MB", "  %1: %2 indexes, %3, %4 MB",
+     "  %1: індексів: %2, %3, %4 МБ"},
+    {"form.diskaccess", "dostęp do dysku", "disk access", "доступ до диска"},
+    {"form.twobit", "upakowanie 2-bitowe", "2-bit packed", "2-бітове пакування"},
+    {"form.plain", "zwykła tablica", "plain array", "звичайний масив"},
+    {"form.runlength", "bloki kodowania długości serii", "run-length blocks", "блоки кодування довжин серій"},
+    {"form.randomaccess", "bufor o dostępie swobodnym", "random-access buffer", "буфер довільного доступу"},
+    {"msg.noprevheur", "Brak poprzednich ustawień heurystyk", "No previous settings for heuristics",
+     "Немає попередніх налаштувань евристик"},
 };
 
 }  // namespace

@@ -32,6 +32,29 @@
 #endif
 
 namespace moremate::ui {
+namespace {
+
+const char* const kStorageFormIds[] = {"form.diskaccess", "form.twobit", "form.plain", "form.runlength",
+                                       "form.randomaccess"};  // in TStorageForm's order
+
+QString Megabytes(uint64_t bytes) {
+    return QString::number(bytes / 1048576.0, 'f', 1);
+}
+
+QString GlobalStatusText(const TGlobalRegisterStatus& status, int language) {
+    QString text = UiText("msg.globalstatus", language)
+                       .arg(QString::number(status.m_vLoaded.size()), Megabytes(status.m_nMemoryBytes),
+                            Megabytes(status.m_nQuotaBytes), QString::number(status.m_nMateIndexesHeld),
+                            QString::number(status.m_nMaxMateIndexes));
+    for (const TLoadedRegister& reg : status.m_vLoaded)
+        text += "\n" + UiText("msg.globalstatusline", language)
+                           .arg(QString::fromStdString(reg.m_sDescription), QString::number(reg.m_nIndexes),
+                                UiText(kStorageFormIds[static_cast<int>(reg.m_eForm)], language),
+                                Megabytes(reg.m_nMemoryBytes));
+    return text;
+}
+
+}  // namespace
 
 void TMainWindow::StartRun(bool allSolutions, bool hybrid, bool bruteForce) {
     if (Analysing() || m_collection.Size() == 0) return;
@@ -288,12 +311,13 @@ void TMainWindow::ShowRegisterCount() {
 void TMainWindow::RegisterStatus() {
     if (!m_pRunRegister) return Inform(Text("msg.noregister").toStdString());
     if (Analysing()) return Inform(kToolUnavailableText);
-    Inform("White to move:\n" + RegisterStatistics(m_pRunRegister->WhiteToMove()) + "\n\nBlack to move:\n" +
+    Inform(Text("msg.whitetomove").toStdString() + "\n" + RegisterStatistics(m_pRunRegister->WhiteToMove()) +
+           "\n\n" + Text("msg.blacktomove").toStdString() + "\n" +
            RegisterStatistics(m_pRunRegister->BlackToMove()));
 }
 
 void TMainWindow::GlobalRegisterStatus() {
-    Inform(TGlobalRegisters::Instance().StatusText());
+    Inform(GlobalStatusText(TGlobalRegisters::Instance().Status(), m_nLanguage).toStdString());
 }
 
 void TMainWindow::ShowOptions() {

@@ -15,7 +15,7 @@ void TMainWindow::CheckFenFile() {
     const QString name = QFileDialog::getOpenFileName(this, Title("adv.fencheck"));
     if (name.isEmpty()) return;
     std::ifstream in(name.toStdString());
-    if (!in) return ReportError("Error opening file: " + name.toStdString());
+    if (!in) return ReportError(Text("msg.fileopenerror").arg(name).toStdString());
     int codes = 0;
     QStringList missing;
     for (std::string line; std::getline(in, line);) {

@@ -21,10 +21,21 @@
 namespace moremate::ui {
 namespace {
 
+// The text `id` in `language` with its %1, %2... filled in by `args` in turn.
+std::string Worded(const char* id, int language, std::initializer_list<QString> args = {}) {
+    QString text = UiText(id, language);
+    for (const QString& arg : args) text = text.arg(arg);
+    return text.toStdString();
+}
+
+QString Qs(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
 // The type of the position, or the reason why there is none.
-TPrecalcType TypeOf(const TChessboard& board) {
+TPrecalcType TypeOf(const TChessboard& board, int language) {
     const std::optional<TPrecalcType> type = TPrecalcType::OfPosition(board.squares);
-    if (!type) throw ChessException("The position is of no precalculated type");
+    if (!type) throw ChessException(Worded("prec.notype", language));
     return *type;
 }
 
@@ -33,47 +44,51 @@ unsigned VerificationThreads() {
 }
 
 // The line that tells of a type's verification, with its fault file when there are faults.
-std::string VerificationLine(const std::string& description, const TVerificationReport& r) {
-    return fmt::format("{}: {} indexes checked, {} fault(s){}{}", description, r.m_nChecked, r.m_nFaults,
-                       r.m_nFaults != 0 ? "\n" : "", r.m_nFaults != 0 ? r.m_faultFile.string() : "");
+std::string VerificationLine(const std::string& description, const TVerificationReport& r, int language) {
+    const std::string line =
+        Worded("prec.checked", language,
+               {Qs(description), QString::number(r.m_nChecked), QString::number(r.m_nFaults)});
+    return r.m_nFaults != 0 ? line + "\n" + r.m_faultFile.string() : line;
 }
 
 // Verifies the type's data: the faults and the line that tells of them.
-std::pair<uint64_t, std::string> Verified(const TPrecalcType& type) {
+std::pair<uint64_t, std::string> Verified(const TPrecalcType& type, int language) {
     TGlobalRegisters& registers = TGlobalRegisters::Instance();
     const TVerificationReport r =
         VerifyTypeData(registers, registers.Require(type), VerificationThreads(), false);
-    return {r.m_nFaults, VerificationLine(type.Description(), r)};
+    return {r.m_nFaults, VerificationLine(type.Description(), r, language)};
 }
 
 }  // namespace
 
 void TMainWindow::PositionInformation() {
     if (RefuseTool()) return;
-    StartTool([board = ShownBoard()](CRunControl&) {
+    StartTool([board = ShownBoard(), language = m_nLanguage](CRunControl&) {
         TGlobalRegister* reg = TGlobalRegisters::Instance().Find(board);
         const int halfMoves = reg ? reg->HalfMovesToMate(board) : kStoredUnknown;
-        const std::string fen =
-            fmt::format("{} {}", WriteFenPlacement(board), board.WhiteToMove() ? 'w' : 'b');
-        if (halfMoves == kStoredUnknown) return fen + ": unknown (no precalculated data)";
-        if (halfMoves == kStoredNoMate) return fen + ": no mate";
-        if (halfMoves == 0) return fen + ": Black is mated";
-        return fmt::format("{}: White mates in {}", fen, (halfMoves + 1) / 2);
+        const QString fen =
+            Qs(fmt::format("{} {}", WriteFenPlacement(board), board.WhiteToMove() ? 'w' : 'b'));
+        if (halfMoves == kStoredUnknown) return Worded("prec.unknown", language, {fen});
+        if (halfMoves == kStoredNoMate) return Worded("prec.nomate", language, {fen});
+        if (halfMoves == 0) return Worded("prec.mated", language, {fen});
+        return Worded("prec.matesin", language, {fen, QString::number((halfMoves + 1) / 2)});
     });
 }
 
 void TMainWindow::PrecalculateType() {
     if (RefuseTool()) return;
-    StartTool([run = &m_run, board = ShownBoard()](CRunControl& control) {
+    StartTool([run = &m_run, board = ShownBoard(), language = m_nLanguage](CRunControl& control) {
         TGenerationOptions options;
         options.m_pStop = control.StopFlag();  // Stop ends it before the next type or level
         options.m_kind = StorageKindNamed("lz4");
         options.m_nThreads = std::max(1u, LogicalProcessorCount());
-        const TPrecalcType type = TypeOf(board);
-        EnsureTypeData(TGlobalRegisters::Instance(), type, options, [run](const TGenerationReport& r) {
-            run->Say(r.m_sDescription + ": " + std::to_string(r.m_nIndexes) + " indexes, longest mate " +
-                     std::to_string(r.m_nLongestMate));
-        });
+        const TPrecalcType type = TypeOf(board, language);
+        EnsureTypeData(TGlobalRegisters::Instance(), type, options,
+                       [run, language](const TGenerationReport& r) {
+                           run->Say(Worded("prec.generated", language,
+                                           {Qs(r.m_sDescription), QString::number(r.m_nIndexes),
+                                            QString::number(r.m_nLongestMate)}));
+                       });
         return fmt::format("{}: {}", type.Description(),
                            TGlobalRegisters::Instance().FileToLoad(type).string());
     });
@@ -81,20 +96,23 @@ void TMainWindow::PrecalculateType() {
 
 void TMainWindow::VerifyType() {
     if (RefuseTool()) return;
-    StartTool([board = ShownBoard()](CRunControl&) { return Verified(TypeOf(board)).second; });
+    StartTool([board = ShownBoard(), language = m_nLanguage](CRunControl&) {
+        return Verified(TypeOf(board, language), language).second;
+    });
 }
 
 // What an interrupted or incomplete generation of the type left on disk, verified type by type;
 // Stop ends it before the next type.
 void TMainWindow::VerifyPartialType() {
     if (RefuseTool()) return;
-    StartTool([board = ShownBoard()](CRunControl& control) {
-        const TPartialVerification result = VerifyPartialData(
-            TGlobalRegisters::Instance(), TypeOf(board), VerificationThreads(), false, control.StopFlag());
+    StartTool([board = ShownBoard(), language = m_nLanguage](CRunControl& control) {
+        const TPartialVerification result =
+            VerifyPartialData(TGlobalRegisters::Instance(), TypeOf(board, language), VerificationThreads(),
+                              false, control.StopFlag());
         std::string text;
         const auto add = [&text](const std::string& line) { text += (text.empty() ? "" : "\n") + line; };
         for (const auto& [description, report] : result.m_vVerified)
-            add(VerificationLine(description, report));
+            add(VerificationLine(description, report, language));
         for (const std::string& note : PartialVerificationNotes(result)) add(note);
         return text;
     });
@@ -104,20 +122,21 @@ void TMainWindow::VerifyPartialType() {
 // position's type on; Stop ends the series after the type being verified.
 void TMainWindow::VerifyAllTypes(bool fromCurrent) {
     if (RefuseTool()) return;
-    StartTool([run = &m_run, board = ShownBoard(), fromCurrent](CRunControl& control) {
-        const std::string from = fromCurrent ? TypeOf(board).Description() : "";
-        uint64_t faults = 0;
-        int types = 0;
-        for (const std::string& description : TGlobalRegisters::Instance().TypesOnDisk()) {
-            if (description < from) continue;
-            if (control.StoppedByUser()) break;
-            const auto [typeFaults, line] = Verified(TPrecalcType::ParseAny(description));
-            run->Say(line);
-            faults += typeFaults;
-            ++types;
-        }
-        return fmt::format("{} position type(s) verified, {} fault(s)", types, faults);
-    });
+    StartTool(
+        [run = &m_run, board = ShownBoard(), fromCurrent, language = m_nLanguage](CRunControl& control) {
+            const std::string from = fromCurrent ? TypeOf(board, language).Description() : "";
+            uint64_t faults = 0;
+            int types = 0;
+            for (const std::string& description : TGlobalRegisters::Instance().TypesOnDisk()) {
+                if (description < from) continue;
+                if (control.StoppedByUser()) break;
+                const auto [typeFaults, line] = Verified(TPrecalcType::ParseAny(description), language);
+                run->Say(line);
+                faults += typeFaults;
+                ++types;
+            }
+            return Worded("prec.verifiedall", language, {QString::number(types), QString::number(faults)});
+        });
 }
 
 // The position `step` placements away in the type of the position shown, with the same side to
@@ -126,7 +145,7 @@ void TMainWindow::StepInType(int step) {
     if (RefuseWhileAnalysing() || m_collection.Size() == 0) return;
     const TChessboard board = ShownBoard();
     try {
-        const TPrecalcType type = TypeOf(board);
+        const TPrecalcType type = TypeOf(board, m_nLanguage);
         const std::optional<uint64_t> index =
             NextPlacement(type, type.IndexOf(board.squares), step, board.WhiteToMove());
         TChessboard next;
@@ -144,7 +163,7 @@ void TMainWindow::SetTypePosition(const TChessboard& board, uint64_t index) {
 void TMainWindow::PasteTypeIndex() {
     if (RefuseWhileAnalysing() || m_collection.Size() == 0) return;
     try {
-        const TPrecalcType type = TypeOf(ShownBoard());
+        const TPrecalcType type = TypeOf(ShownBoard(), m_nLanguage);
         bool ok = false;
         const QString text = QInputDialog::getText(
             this, Title("adv.typeindex"), Text("label.typeindexprompt").arg(type.PlacementCount() - 1),
@@ -166,20 +185,22 @@ void TMainWindow::StepToLongestMate(int step) {
     if (RefuseTool()) return;
     auto found = std::make_shared<std::optional<std::pair<TChessboard, uint64_t>>>();
     StartTool(
-        [found, board = ShownBoard(), step](CRunControl&) {
-            const TPrecalcType type = TypeOf(board);
+        [found, board = ShownBoard(), step, language = m_nLanguage](CRunControl&) {
+            const TPrecalcType type = TypeOf(board, language);
+            const QString description = Qs(type.Description());
             const CGlobalStorage& storage = TGlobalRegisters::Instance().Require(type).Storage();
             const TLongestMate longest = LongestMate(type, storage);
-            if (longest.nValue == 0) return type.Description() + ": no mate stored";
+            if (longest.nValue == 0) return Worded("prec.nomatestored", language, {description});
             const uint64_t from = board.WhiteToMove() ? type.IndexOf(board.squares) : longest.nIndex - step;
             const std::optional<uint64_t> index =
                 NextPlacementWith(type, storage, from, step, longest.nValue);
             TChessboard next;
             if (!index || !SetUpPlacement(type, *index, true, next))
-                return type.Description() + ": no such position";
+                return Worded("prec.nosuchposition", language, {description});
             *found = std::pair(next, *index);
-            return fmt::format("{}: max #{}, index {}: {} w", type.Description(), longest.nValue, *index,
-                               WriteFenPlacement(next));
+            return Worded("prec.longest", language,
+                          {description, QString::number(longest.nValue), QString::number(*index),
+                           Qs(WriteFenPlacement(next))});
         },
         [this, found] {
             if (*found) SetTypePosition((*found)->first, (*found)->second);

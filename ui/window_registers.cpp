@@ -16,12 +16,6 @@
 #include "texts.h"
 
 namespace moremate::ui {
-namespace {
-
-constexpr const char* kForciblyClosedText = "The last program analysis seems to have been closed forcibly.";
-
-}  // namespace
-
 // Saving reads the register that a run fills, reading replaces it: neither while a run goes on.
 bool TMainWindow::RefuseRegisterCommand() {
     if (Analysing()) {
@@ -118,7 +112,7 @@ void TMainWindow::ShowRecoveryNotice() {
     std::error_code error;
     if (!std::filesystem::exists(descriptor, error) || !EndedForcibly(ReadAutoSaveDescriptor(descriptor)))
         return;
-    Inform(std::string(kForciblyClosedText) + "\n\n" + Text("msg.recovery").toStdString() + "\n" +
+    Inform(Text("msg.forciblyclosed").toStdString() + "\n\n" + Text("msg.recovery").toStdString() + "\n" +
            data.string());
     MarkAutoSaveClosed(descriptor);  // told once
 }

@@ -17,15 +17,8 @@
 namespace moremate::ui {
 namespace {
 
-constexpr const char* kRegressionQuestion =
-    "Regression tests are usually a time-consuming operation (moreover it usually requires quite many "
-    "precalculated/Nalimov data on disk)\n\nTest results will be written to file RegressionTest.log\n\n";
-constexpr const char* kSolvingPendingText = "Solving is pending.";
-constexpr const char* kScriptRunningText = "Script already running";
-
-std::string TestSummary(const TRegressionTestResult& result) {
-    return std::string(result.bAnyFailed ? "Regression test: some tests failed"
-                                         : "Regression test: all tests ok") +
+std::string TestSummary(const TRegressionTestResult& result, int language) {
+    return UiText(result.bAnyFailed ? "msg.regressionfailed" : "msg.regressionok", language).toStdString() +
            "\n" + result.logFile.string();
 }
 
@@ -33,7 +26,7 @@ std::string TestSummary(const TRegressionTestResult& result) {
 
 bool TMainWindow::RefuseTool() {
     if (m_bScriptRunning || Analysing()) {
-        Inform(m_bScriptRunning ? kScriptRunningText : kSolvingPendingText);
+        Inform(Text(m_bScriptRunning ? "msg.scriptrunning" : "msg.solvingpending").toStdString());
         return true;
     }
     return m_collection.Size() == 0;
@@ -56,7 +49,8 @@ void TMainWindow::StartTool(const std::function<std::string(CRunControl&)>& work
 void TMainWindow::StartRegressionTest(bool quick) {
     if (RefuseTool()) return;
     const std::string question = ReportTitle(ReportKind::Question, m_nLanguage);
-    if (!quick && m_reporter.Report(question, kRegressionQuestion, ReportButtons::YesNo) != ReportAnswer::Yes)
+    if (!quick && m_reporter.Report(question, Text("msg.regressionquestion").toStdString(),
+                                    ReportButtons::YesNo) != ReportAnswer::Yes)
         return;
     TRegressionTestSettings settings;
     settings.bShort = quick;
@@ -64,14 +58,15 @@ void TMainWindow::StartRegressionTest(bool quick) {
     if (RunInLoop(m_options, {&m_reporter, m_nLanguage})) settings.nLoops = kUntilStopped;
     const std::vector<ProblemEntry> entries = AllEntries();
     const std::filesystem::path file = m_collection.File();
-    StartTool([run = &m_run, settings, entries, file, solve = RunSettings(),
-               options = m_options](CRunControl& control) {
+    StartTool([run = &m_run, settings, entries, file, solve = RunSettings(), options = m_options,
+               language = m_nLanguage](CRunControl& control) {
         TRegressionTestSettings own = settings;
         own.stopped = [&control] { return control.StoppedByUser(); };
         TSolveSettings ownSolve = solve;
         ownSolve.run.control = &control;
         return TestSummary(RunRegressionTest(entries, file, own, ownSolve, options,
-                                             [run](const std::string& line) { run->Say(line); }));
+                                             [run](const std::string& line) { run->Say(line); }),
+                           language);
     });
 }
 
@@ -82,15 +77,15 @@ void TMainWindow::RunScript() {
     if (name.isEmpty()) return;
     m_bScriptRunning = true;
     StartTool(
-        [run = &m_run, name = name.toStdString(), solve = RunSettings(),
-         options = m_options](CRunControl& control) {
+        [run = &m_run, name = name.toStdString(), solve = RunSettings(), options = m_options,
+         language = m_nLanguage](CRunControl& control) {
             TScriptEnvironment environment{
                 options, solve, {}, {}, [run](const std::string& line) { run->Say(line); }};
             environment.solve.run.control = &control;
             environment.testSettings.databaseFolder = ProgramFolder() / kSolvedProblemsFolder;
             environment.testSettings.stopped = [&control] { return control.StoppedByUser(); };
             const TScriptResult result = RunScriptFile(name, environment);
-            return std::string(result.bAnyFailed ? "Script: some tests failed" : "Script: all tests ok");
+            return UiText(result.bAnyFailed ? "msg.scriptfailed" : "msg.scriptok", language).toStdString();
         },
         [this] { m_bScriptRunning = false; });
 }

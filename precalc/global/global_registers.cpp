@@ -273,17 +273,29 @@ TGlobalRegisterCounts TGlobalRegisters::Counts() const {
     return {m_nLookups.load(), m_nMates.load(), m_nNoMates.load(), m_nUnknown.load()};
 }
 
-std::string TGlobalRegisters::StatusText() const {
-    const uint64_t memory = MemoryBytes();
+TGlobalRegisterStatus TGlobalRegisters::Status() const {
+    TGlobalRegisterStatus status;
+    status.m_nMemoryBytes = MemoryBytes();
     std::shared_lock lock(m_lock);
+    status.m_nQuotaBytes = m_settings.m_nQuotaBytes;
+    status.m_nMateIndexesHeld = m_nMateIndexesHeld.load();
+    status.m_nMaxMateIndexes = m_settings.m_nMaxMateIndexes;
+    for (const auto& [description, reg] : m_registers)
+        status.m_vLoaded.push_back(
+            {description, reg->Storage().ElementCount(), reg->Storage().Form(), reg->MemoryBytes()});
+    return status;
+}
+
+std::string TGlobalRegisters::StatusText() const {
+    const TGlobalRegisterStatus status = Status();
     std::string text = fmt::format(
         "Global register: {} position type(s) loaded, {:.1f} MB of {:.1f} MB quota, {} of {} mate "
         "indexes held\n",
-        m_registers.size(), memory / 1048576.0, m_settings.m_nQuotaBytes / 1048576.0,
-        m_nMateIndexesHeld.load(), m_settings.m_nMaxMateIndexes);
-    for (const auto& [description, reg] : m_registers)
-        text += fmt::format("  {}: {} indexes, {}, {:.1f} MB\n", description, reg->Storage().ElementCount(),
-                            StorageFormName(reg->Storage().Form()), reg->MemoryBytes() / 1048576.0);
+        status.m_vLoaded.size(), status.m_nMemoryBytes / 1048576.0, status.m_nQuotaBytes / 1048576.0,
+        status.m_nMateIndexesHeld, status.m_nMaxMateIndexes);
+    for (const TLoadedRegister& reg : status.m_vLoaded)
+        text += fmt::format("  {}: {} indexes, {}, {:.1f} MB\n", reg.m_sDescription, reg.m_nIndexes,
+                            StorageFormName(reg.m_eForm), reg.m_nMemoryBytes / 1048576.0);
     return text;
 }
 

@@ -46,6 +46,22 @@ struct TGlobalRegisterCounts {
     uint64_t m_nUnknown = 0;
 };
 
+// A loaded type as the status shows it.
+struct TLoadedRegister {
+    std::string m_sDescription;
+    uint64_t m_nIndexes = 0;
+    TStorageForm m_eForm = TStorageForm::kPlain;
+    uint64_t m_nMemoryBytes = 0;
+};
+
+struct TGlobalRegisterStatus {
+    std::vector<TLoadedRegister> m_vLoaded;  // by description
+    uint64_t m_nMemoryBytes = 0;
+    uint64_t m_nQuotaBytes = 0;
+    uint64_t m_nMateIndexesHeld = 0;
+    uint64_t m_nMaxMateIndexes = 0;
+};
+
 class TGlobalRegisters {
   public:
     // The process's registers (the search, the command line and the generator share them).
@@ -80,7 +96,8 @@ class TGlobalRegisters {
     // node's half-moves), or that the data did not know.
     void Count(bool bKnown, bool bMate);
     TGlobalRegisterCounts Counts() const;
-    // The loaded types with form, indexes and memory, and the quota.
+    // The loaded types with form, indexes and memory, and the quota; StatusText words it in English.
+    TGlobalRegisterStatus Status() const;
     std::string StatusText() const;
 
   private:
