@@ -83,6 +83,7 @@ class TRegisterCombinedMap {
     void Prefetch(const TChessboardRegisterItem& item) const {
         const uint64_t word = BucketOf(item).load(std::memory_order_relaxed);
         const char* p = static_cast<const char*>(BucketPointer(word));
+        if (!p) return;  // an empty bucket: nothing to load
         for (int line = 0; line < 3; ++line) __builtin_prefetch(p + 64 * line);
     }
 
