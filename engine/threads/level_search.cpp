@@ -308,8 +308,9 @@ std::optional<size_t> CLevelSearch::BringForward(const TMove& move) {
 std::vector<TWaitingMove> CLevelSearch::Waiting() const {
     std::lock_guard lock(m_mutex);
     std::vector<TWaitingMove> waiting;
+    const size_t needed = Needed();
     for (const size_t index : m_waiting)
-        if (index < Needed()) waiting.push_back({index, m_moves[index], MoveToText(m_root, m_moves[index])});
+        if (index < needed) waiting.push_back({index, m_moves[index], MoveToText(m_root, m_moves[index])});
     return waiting;
 }
 
