@@ -1,7 +1,6 @@
-// Who attacks a square. The scans start at the square and walk outward (king, pawns, knights,
-// then the eight rays), so a test costs a few dozen byte reads and no board-wide loop. The board's
-// piece counts let a scan pass over the kinds of attacker the side does not have (no pawns: no pawn
-// squares; no queen or bishop: no diagonals; no queen or rook: no lines).
+// Who attacks a square, from the board's bit boards: the jumps of knights, kings and pawns are
+// table masks, and the slider rays are worked out only when a slider of the side stands on a
+// line or diagonal of the square (occupancy.h).
 #pragma once
 
 #include <cstdint>
@@ -13,7 +12,7 @@ namespace moremate {
 inline constexpr uint8_t kNoAttacker = 255;
 inline constexpr uint8_t kManyAttackers = 64;
 
-// Attackers as (file, rank) pairs, in the order the scan finds them.
+// Attackers as (file, rank) pairs, in square order.
 struct TAttackerList {
     uint8_t count = 0;
     uint8_t file[16];
@@ -23,14 +22,11 @@ struct TAttackerList {
 // kNoAttacker, kManyAttackers, or the square of the single attacker of (file, rank) by `colour`.
 uint8_t AttackerOf(const TChessboard& board, uint8_t colour, int file, int rank,
                    TAttackerList* list = nullptr);
-bool IsAttackedByWhite(const TChessboard& board, int file, int rank);
-bool IsAttackedByBlack(const TChessboard& board, int file, int rank);
-// As above on a board whose piece bytes may differ from `board.squares` (a king lifted off).
-bool IsAttacked(const TChessboard& board, const uint8_t* squares, int sq, uint8_t byColour);
+bool IsAttacked(const TChessboard& board, int sq, uint8_t byColour);
 
-// For a board whose piece counts are not kept (a placement set up square by square): every kind
-// of piece counted present on both sides, so that no scan passes over one.
-void CountEveryPieceKind(TChessboard& board);
+// Fills the bit boards from the piece bytes, for a board set up square by square (the
+// validation does it for the positions it checks).
+void DerivePieceBits(TChessboard& board);
 
 // Squares next to the Black king it may go to: on the board, not held by a Black piece, and not
 // attacked by White with the king lifted off its square.

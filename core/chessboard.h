@@ -1,8 +1,10 @@
 // TChessboard: one position of a search line. A mailbox of 64 piece bytes plus derived facts
-// (king squares, checkers, material) so that the search never scans the board for them.
-// A child position is a plain copy of its parent with the move applied: no heap, no undo.
+// (bit boards of the pieces, king squares, checkers, material) so that the search never scans the
+// board for them. A child position is a plain copy of its parent with the move applied: no heap,
+// no undo.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <vector>
 
@@ -15,6 +17,10 @@ struct TProblemRoot;
 
 struct TChessboard {
     uint8_t squares[64] = {};
+    // pieceBits[k]: the squares whose piece byte has bit k set, so k = 0..4 the type bits (kings,
+    // pawns, bishops and queens, rooks and queens, knights), 6 White, 7 Black. Kept with `squares`
+    // by PlayMove and filled by the validation.
+    uint64_t pieceBits[8] = {};
     TSolvingRun* run = nullptr;
     const TChessboard* previous = nullptr;
     const TProblemRoot* problem = nullptr;
@@ -55,7 +61,17 @@ struct TChessboard {
         return colour == kWhite ? whiteKingAttacker : blackKingAttacker;
     }
     bool InCheck() const { return KingAttacker(ToMove()) != -1; }
+
+    // The squares whose piece byte has `pieceBit` (one type bit, kWhite or kBlack): With(kRook) are
+    // the rooks and queens of both sides.
+    uint64_t With(uint8_t pieceBit) const { return pieceBits[std::countr_zero(pieceBit)]; }
+    uint64_t Occupied() const { return With(kWhite) | With(kBlack); }
 };
+
+// Adds `piece` to the bit boards on the squares of `mask`, or takes it off them.
+inline void TogglePieceBits(TChessboard& board, Piece piece, uint64_t mask) {
+    for (unsigned bits = piece; bits; bits &= bits - 1) board.pieceBits[std::countr_zero(bits)] ^= mask;
+}
 
 // The problem's root data: the starting position and the moves stated as already played.
 struct TProblemRoot {

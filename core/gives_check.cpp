@@ -21,24 +21,12 @@ bool PlayedToSee(const TChessboard& board, const TMove& move) {
 CCheckSquares::CCheckSquares(const TChessboard& board) {
     const uint8_t us = board.ToMove();
     m_nKing = board.KingSquare(Opponent(us));
-    const CJumps& jumps = g_geometry.knight[m_nKing];
-    for (int i = 0; i < jumps.count; ++i) m_nKnight |= Bit(jumps.squares[i]);
-    const int pawnRank = RankOf(m_nKing) + (us == kWhite ? -1 : 1);
-    if (pawnRank >= 0 && pawnRank < 8) {
-        const int file = FileOf(m_nKing);
-        if (file > 0) m_nPawn |= Bit(MakeSquare(file - 1, pawnRank));
-        if (file < 7) m_nPawn |= Bit(MakeSquare(file + 1, pawnRank));
-    }
-    const uint64_t occupied = Occupied(board.squares);
-    for (int d = 0; d < kDirections; ++d) {
-        const int first = FirstOnRay(occupied, m_nKing, d);
-        const uint64_t open =
-            g_geometry.rayMask[m_nKing][d] ^ (first >= 0 ? g_geometry.rayMask[first][d] : 0);
-        (IsDiagonal(d) ? m_nDiagonal : m_nLine) |= open;
-        if (first < 0 || ColourOf(board.squares[first]) != us) continue;
-        const int behind = FirstOnRay(occupied, first, d);
-        if (behind >= 0 && SlidesAlong(board.squares[behind], us, d)) m_nUncovers |= Bit(first);
-    }
+    m_nKnight = g_geometry.knightMask[m_nKing];
+    m_nPawn = g_geometry.pawnCaptures[SideIndex(Opponent(us))][m_nKing];
+    const uint64_t occupied = board.Occupied();
+    m_nDiagonal = DiagonalAttacks(occupied, m_nKing);
+    m_nLine = LineAttacks(occupied, m_nKing);
+    m_nUncovers = LoneBlockers(board, m_nKing, us, board.With(us));
 }
 
 bool CCheckSquares::Gives(const TChessboard& board, const TMove& move) const {

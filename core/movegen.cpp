@@ -1,7 +1,7 @@
 #include "movegen.h"
 
+#include <bit>
 #include <cstdlib>
-#include <cstring>
 
 #include "attacks.h"
 #include "gives_check.h"
@@ -29,171 +29,179 @@ constexpr CastlingLane kLanes[4] = {
 struct CNodeInfo {
     uint8_t us, them;
     int king;
+    uint64_t own, occupied;
     uint64_t pinned = 0;
-    int8_t pinDir[64];         // valid only for pinned squares
     uint64_t targets = ~0ull;  // squares a non-king move may go to (check evasion)
     bool doubleCheck = false;
 };
 
-void FindPins(const TChessboard& b, CNodeInfo& info) {
-    const TSliderDirections sliders = SliderDirections(b, info.them);
-    if (!sliders.Any()) return;
-    const uint64_t occupied = Occupied(b.squares);
-    for (int d = 0; d < kDirections; ++d) {
-        if (!sliders.Has(d)) continue;
-        const int own = FirstOnRay(occupied, info.king, d);
-        if (own < 0 || ColourOf(b.squares[own]) != info.us) continue;
-        const int behind = FirstOnRay(occupied, own, d);
-        if (behind >= 0 && SlidesAlong(b.squares[behind], info.them, d)) {
-            info.pinned |= Bit(own);
-            info.pinDir[own] = static_cast<int8_t>(d);
-        }
-    }
-}
-
-void Analyse(const TChessboard& b, CNodeInfo& info) {
+CNodeInfo Analyse(const TChessboard& b) {
+    CNodeInfo info;
     info.us = b.ToMove();
     info.them = Opponent(info.us);
     info.king = b.KingSquare(info.us);
-    FindPins(b, info);
+    info.own = b.With(info.us);
+    info.occupied = b.Occupied();
+    info.pinned = LoneBlockers(b, info.king, info.them, info.own);
     const int8_t checker = b.KingAttacker(info.us);
     if (checker == kManyAttackers) {
         info.doubleCheck = true;
     } else if (checker >= 0) {
         info.targets = Bit(checker) | g_geometry.between[info.king][checker];
     }
+    return info;
 }
 
-bool MayGo(const CNodeInfo& info, int from, int to) {
-    if (!((info.targets >> to) & 1)) return false;
-    if (!((info.pinned >> from) & 1)) return true;
-    return (g_geometry.rayMask[info.king][info.pinDir[from]] >> to) & 1;
+// The squares a piece on `from` may go to as far as a check and a pin allow: a pinned piece
+// stays on the ray from its king through it.
+uint64_t Allowed(const CNodeInfo& info, int from) {
+    if (!((info.pinned >> from) & 1)) return info.targets;
+    return info.targets & g_geometry.rayMask[info.king][g_geometry.direction[info.king][from]];
 }
 
-// En passant can uncover a line through both pawns: settle it by playing the move.
-bool EnPassantLegal(const TChessboard& b, const CNodeInfo& info, int from, int to) {
-    uint8_t after[64];
-    std::memcpy(after, b.squares, 64);
-    after[to] = after[from];
-    after[from] = kEmpty;
-    after[info.us == kWhite ? to - 8 : to + 8] = kEmpty;
-    return !IsAttacked(b, after, info.king, info.them);
+// En passant can uncover a line through both pawns: the occupancy after the capture settles it.
+bool EnPassantLegal(const TChessboard& b, const CNodeInfo& info, int from) {
+    const int to = b.epSquare;
+    if (to >= 64 || !((g_geometry.pawnCaptures[SideIndex(info.us)][from] >> to) & 1)) return false;
+    const int victim = info.us == kWhite ? to - 8 : to + 8;
+    const uint64_t after = info.occupied ^ Bit(from) ^ Bit(to) ^ Bit(victim);
+    return AttackersOf(b, info.king, info.them, after) == 0;
 }
 
-// The generators below hand each move to a sink that answers false to stop the generation.
-template <typename Sink>
-bool PawnMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sink) {
+// The squares of a pawn's steps and captures, en passant aside.
+uint64_t PawnTargets(const TChessboard& b, const CNodeInfo& info, int from) {
     const bool white = info.us == kWhite;
-    const int step = white ? 8 : -8;
-    const int rank = RankOf(from);
-    const bool promoting = rank == (white ? 6 : 1);
-    auto emit = [&](int to) {
-        if (!MayGo(info, from, to)) return true;
-        if (!promoting) return sink(from, to, 0);
-        for (uint8_t t : kPromotions)
-            if (!sink(from, to, t)) return false;
-        return true;
-    };
-    const int one = from + step;
+    const int one = white ? from + 8 : from - 8;
+    uint64_t to = g_geometry.pawnCaptures[SideIndex(info.us)][from] & b.With(info.them);
     if (b.squares[one] == kEmpty) {
-        if (!emit(one)) return false;
-        const int two = one + step;
-        if (rank == (white ? 1 : 6) && b.squares[two] == kEmpty && !emit(two)) return false;
+        to |= Bit(one);
+        const int two = white ? one + 8 : one - 8;
+        if (RankOf(from) == (white ? 1 : 6) && b.squares[two] == kEmpty) to |= Bit(two);
     }
-    const int file = FileOf(from);
-    for (int df = -1; df <= 1; df += 2) {
-        if (file + df < 0 || file + df > 7) continue;
-        const int to = one + df;
-        if (ColourOf(b.squares[to]) == info.them) {
-            if (!emit(to)) return false;
-        } else if (to == b.epSquare && EnPassantLegal(b, info, from, to) && !sink(from, to, 0)) {
-            return false;
-        }
-    }
-    return true;
+    return to & Allowed(info, from);
 }
 
-// With `steps` false only castling is generated (the steps cannot matter to the caller).
-template <typename Sink>
-bool KingMoves(const TChessboard& b, const CNodeInfo& info, Sink& sink, bool steps) {
-    uint8_t lifted[64];
-    std::memcpy(lifted, b.squares, 64);
-    lifted[info.king] = kEmpty;
-    const CJumps& around = g_geometry.king[info.king];
-    for (int i = 0; steps && i < around.count; ++i) {
-        const int to = around.squares[i];
-        if (ColourOf(b.squares[to]) != info.us && !IsAttacked(b, lifted, to, info.them) &&
-            !sink(info.king, to, 0))
-            return false;
+bool Promotes(int from, uint8_t us) {
+    return RankOf(from) == (us == kWhite ? 6 : 1);
+}
+
+// The legal destination squares of the piece on `from` (not the king; en passant aside).
+uint64_t PieceTargets(const TChessboard& b, const CNodeInfo& info, int from) {
+    switch (TypeOf(b.squares[from])) {
+        case kPawn:
+            return PawnTargets(b, info, from);
+        case kKnight:  // a pinned knight never moves
+            return ((info.pinned >> from) & 1) ? 0 : g_geometry.knightMask[from] & ~info.own & info.targets;
+        case kBishop:
+            return DiagonalAttacks(info.occupied, from) & ~info.own & Allowed(info, from);
+        case kRook:
+            return LineAttacks(info.occupied, from) & ~info.own & Allowed(info, from);
+        case kQueen:
+            return (DiagonalAttacks(info.occupied, from) | LineAttacks(info.occupied, from)) & ~info.own &
+                   Allowed(info, from);
+        default:
+            return 0;
     }
-    if (b.InCheck()) return true;
+}
+
+// The squares next to the king that no enemy piece attacks once the king has left its square.
+uint64_t KingSteps(const TChessboard& b, const CNodeInfo& info) {
+    const uint64_t lifted = info.occupied ^ Bit(info.king);
+    uint64_t steps = 0;
+    for (uint64_t around = g_geometry.kingMask[info.king] & ~info.own; around; around &= around - 1) {
+        const int to = std::countr_zero(around);
+        if (!AttackersOf(b, to, info.them, lifted)) steps |= Bit(to);
+    }
+    return steps;
+}
+
+// The squares the king castles to: not out of check, nor over or onto an attacked square.
+uint64_t CastlingTargets(const TChessboard& b, const CNodeInfo& info) {
+    if (b.InCheck()) return 0;
     const uint8_t rights = CastlingRights(b);
+    uint64_t targets = 0;
     for (const CastlingLane& lane : kLanes) {
         if (!(rights & lane.right) || lane.king != info.king) continue;
         bool free = true;
         for (uint8_t s : lane.between) free = free && (s == kNoSquare || b.squares[s] == kEmpty);
-        if (free && !IsAttacked(b, b.squares, lane.passes, info.them) &&
-            !IsAttacked(b, b.squares, lane.kingTo, info.them) && !sink(info.king, lane.kingTo, 0))
-            return false;
+        if (free && !IsAttacked(b, lane.passes, info.them) && !IsAttacked(b, lane.kingTo, info.them))
+            targets |= Bit(lane.kingTo);
     }
+    return targets;
+}
+
+// The emitters below hand the moves to a sink, which answers false to stop the generation, in
+// the generator's fixed order: the search tries equal moves in the order they come.
+template <typename Sink>
+bool JumpMoves(const CJumps& jumps, int from, uint64_t targets, Sink& sink) {
+    for (int i = 0; i < jumps.count; ++i)
+        if (((targets >> jumps.squares[i]) & 1) && !sink(from, jumps.squares[i], 0)) return false;
     return true;
 }
 
+// Ray by ray, outward from the piece.
 template <typename Sink>
-bool SliderMoves(const TChessboard& b, const CNodeInfo& info, int from, int firstDir, int lastDir,
-                 Sink& sink) {
+bool RayMoves(int from, int firstDir, int lastDir, uint64_t targets, Sink& sink) {
     for (int d = firstDir; d <= lastDir; ++d) {
-        const CRay& ray = g_geometry.rays[from][d];
-        for (int i = 0; i < ray.length; ++i) {
-            const int to = ray.squares[i];
-            const Piece p = b.squares[to];
-            if (ColourOf(p) == info.us) break;
-            if (MayGo(info, from, to) && !sink(from, to, 0)) return false;
-            if (p != kEmpty) break;
+        for (uint64_t on = targets & g_geometry.rayMask[from][d]; on;) {
+            const int to = RayRunsUp(d) ? std::countr_zero(on) : 63 - std::countl_zero(on);
+            on ^= Bit(to);
+            if (!sink(from, to, 0)) return false;
         }
     }
     return true;
 }
 
+// The single step, the double step, then the captures towards the a-file and the h-file.
 template <typename Sink>
-bool KnightMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sink) {
-    if ((info.pinned >> from) & 1) return true;  // a pinned knight never moves
-    const CJumps& jumps = g_geometry.knight[from];
-    for (int i = 0; i < jumps.count; ++i) {
-        const int to = jumps.squares[i];
-        if (ColourOf(b.squares[to]) != info.us && ((info.targets >> to) & 1) && !sink(from, to, 0))
-            return false;
+bool PawnMoves(const TChessboard& b, const CNodeInfo& info, int from, uint64_t targets, Sink& sink) {
+    if (EnPassantLegal(b, info, from)) targets |= Bit(b.epSquare);
+    const int step = info.us == kWhite ? 8 : -8;
+    const bool promoting = Promotes(from, info.us);
+    for (const int to : {from + step, from + 2 * step, from + step - 1, from + step + 1}) {
+        if (static_cast<unsigned>(to) >= 64 || !((targets >> to) & 1)) continue;
+        if (!promoting) {
+            if (!sink(from, to, 0)) return false;
+            continue;
+        }
+        for (uint8_t t : kPromotions)
+            if (!sink(from, to, t)) return false;
     }
     return true;
 }
 
 template <typename Sink>
 bool PieceMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sink) {
+    const uint64_t targets = PieceTargets(b, info, from);
     switch (TypeOf(b.squares[from])) {
         case kPawn:
-            return PawnMoves(b, info, from, sink);
+            return PawnMoves(b, info, from, targets, sink);
         case kKnight:
-            return KnightMoves(b, info, from, sink);
+            return JumpMoves(g_geometry.knight[from], from, targets, sink);
         case kBishop:
-            return SliderMoves(b, info, from, kNorthEast, kSouthWest, sink);
+            return RayMoves(from, kNorthEast, kSouthWest, targets, sink);
         case kRook:
-            return SliderMoves(b, info, from, kNorth, kWest, sink);
-        case kQueen:
-            return SliderMoves(b, info, from, kNorth, kSouthWest, sink);
+            return RayMoves(from, kNorth, kWest, targets, sink);
         default:
-            return true;
+            return RayMoves(from, kNorth, kSouthWest, targets, sink);
     }
 }
 
-// Returns false when the sink stopped the generation.
+// King steps, castling (king side first), then the other pieces in square order. Returns false
+// when the sink stopped the generation. With `kingSteps` false the king's steps are left out.
 template <typename Sink>
 bool Generate(const TChessboard& b, Sink& sink, bool kingSteps = true) {
-    CNodeInfo info;
-    Analyse(b, info);
-    if (!KingMoves(b, info, sink, kingSteps)) return false;
+    const CNodeInfo info = Analyse(b);
+    if (kingSteps && !JumpMoves(g_geometry.king[info.king], info.king, KingSteps(b, info), sink))
+        return false;
+    for (uint64_t castling = CastlingTargets(b, info); castling;) {
+        const int to = 63 - std::countl_zero(castling);
+        castling ^= Bit(to);
+        if (!sink(info.king, to, 0)) return false;
+    }
     if (info.doubleCheck) return true;
-    for (int from = 0; from < 64; ++from)
-        if (ColourOf(b.squares[from]) == info.us && !PieceMoves(b, info, from, sink)) return false;
+    for (uint64_t pieces = info.own & ~Bit(info.king); pieces; pieces &= pieces - 1)
+        if (!PieceMoves(b, info, std::countr_zero(pieces), sink)) return false;
     return true;
 }
 
@@ -215,6 +223,21 @@ uint8_t* MaterialCount(TChessboard& b, Piece p) {
     }
 }
 
+// Moves the piece byte on `from` to `to` (empty before), bit boards with it.
+void Relocate(TChessboard& b, int from, int to) {
+    TogglePieceBits(b, b.squares[from], Bit(from) | Bit(to));
+    b.squares[to] = b.squares[from];
+    b.squares[from] = kEmpty;
+}
+
+// Takes the piece off `sq`, bit boards and material count with it.
+void Remove(TChessboard& b, int sq) {
+    const Piece piece = b.squares[sq];
+    TogglePieceBits(b, piece, Bit(sq));
+    --*MaterialCount(b, piece);
+    b.squares[sq] = kEmpty;
+}
+
 }  // namespace
 
 bool TMoveList::Contains(const TMove& m) const {
@@ -233,12 +256,18 @@ void GenerateLegalMoves(const TChessboard& board, TMoveList& list) {
 }
 
 int CountLegalMoves(const TChessboard& board) {
-    int n = 0;
-    auto sink = [&n](int, int, uint8_t) {
-        ++n;
-        return true;
-    };
-    Generate(board, sink);
+    const CNodeInfo info = Analyse(board);
+    int n = std::popcount(KingSteps(board, info)) + std::popcount(CastlingTargets(board, info));
+    if (info.doubleCheck) return n;
+    for (uint64_t pieces = info.own & ~Bit(info.king); pieces; pieces &= pieces - 1) {
+        const int from = std::countr_zero(pieces);
+        const int moves = std::popcount(PieceTargets(board, info, from));
+        if (TypeOf(board.squares[from]) != kPawn) {
+            n += moves;
+            continue;
+        }
+        n += (Promotes(from, info.us) ? 4 * moves : moves) + EnPassantLegal(board, info, from);
+    }
     return n;
 }
 
@@ -266,12 +295,10 @@ void PlayMove(const TChessboard& parent, const TMove& move, TChessboard& child) 
     child.lastMove = move;
     child.movesLeft = static_cast<int16_t>(parent.movesLeft - 1);
     child.epSquare = kNoSquare;
-    uint8_t* sq = child.squares;
-    const Piece piece = sq[move.from];
+    const Piece piece = child.squares[move.from];
     const uint8_t us = ColourOf(piece);
-    Piece captured = sq[move.to];
-    sq[move.from] = kEmpty;
-    sq[move.to] = move.PromotedType() ? static_cast<Piece>(us | move.PromotedType()) : piece;
+    if (child.squares[move.to] != kEmpty) Remove(child, move.to);
+    Relocate(child, move.from, move.to);
     switch (TypeOf(piece)) {
         case kKing:
             if (us == kWhite) {
@@ -284,27 +311,26 @@ void PlayMove(const TChessboard& parent, const TMove& move, TChessboard& child) 
             if (std::abs(move.to - move.from) == 2) {  // castling: the rook jumps over
                 const int rank = RankOf(move.from) * 8;
                 const bool kingside = move.to > move.from;
-                sq[rank + (kingside ? 5 : 3)] = sq[rank + (kingside ? 7 : 0)];
-                sq[rank + (kingside ? 7 : 0)] = kEmpty;
+                Relocate(child, rank + (kingside ? 7 : 0), rank + (kingside ? 5 : 3));
             }
             break;
         case kPawn:
-            if (move.to == parent.epSquare && captured == kEmpty) {
-                const int victim = us == kWhite ? move.to - 8 : move.to + 8;
-                captured = sq[victim];
-                sq[victim] = kEmpty;
+            if (move.to == parent.epSquare) {
+                Remove(child, us == kWhite ? move.to - 8 : move.to + 8);
             } else if (std::abs(move.to - move.from) == 16) {
                 child.epSquare = static_cast<uint8_t>((move.from + move.to) / 2);
             }
             if (move.PromotedType()) {
+                const Piece promoted = static_cast<Piece>(us | move.PromotedType());
+                TogglePieceBits(child, piece ^ promoted, Bit(move.to));
+                child.squares[move.to] = promoted;
                 --*MaterialCount(child, piece);
-                ++*MaterialCount(child, sq[move.to]);
+                ++*MaterialCount(child, promoted);
             }
             break;
         default:
             break;
     }
-    if (captured != kEmpty) --*MaterialCount(child, captured);
     child.castling &= g_geometry.castlingKeep[move.from] & g_geometry.castlingKeep[move.to];
     const uint8_t them = Opponent(us);
     if (us == kWhite) {

@@ -1,5 +1,7 @@
-// The board's occupied squares as a bit mask, and the first piece on a ray read from it: a ray's
-// nearest piece is found with one bit scan instead of a walk over its empty squares.
+// Attack sets read from the board's bit boards: the squares a slider reaches along its rays up to
+// and including the first piece met (a ray's first piece is found with one bit scan instead of a
+// walk over its empty squares), the pieces of a side that attack a square, and the pieces that
+// alone stand between a square and a slider.
 #pragma once
 
 #include <bit>
@@ -14,7 +16,7 @@
 
 namespace moremate {
 
-// Bit i set when square i holds a piece.
+// Bit i set when square i of the piece bytes holds a piece.
 inline uint64_t Occupied(const uint8_t* squares) {
 #if defined(__SSE2__)
     const __m128i zero = _mm_setzero_si128();
@@ -37,32 +39,59 @@ constexpr bool RayRunsUp(int d) {
     return d == kNorth || d == kEast || d == kNorthEast || d == kNorthWest;
 }
 
-// Whether `piece` is a slider of `colour` moving along direction `d` (a bishop or queen on a
-// diagonal, a rook or queen on a line).
-inline bool SlidesAlong(Piece piece, uint8_t colour, int d) {
-    const uint8_t slider = colour | (IsDiagonal(d) ? kBishop : kRook);
-    return (piece & (kColourMask | slider)) == slider;
+// The squares of ray `d` from `sq` up to and including the first occupied one. An empty ray
+// needs no branch: with no piece the low-bit mask is all ones, and the high-bit scan of 1 gives
+// a1, whose downward rays are empty.
+template <int d>
+uint64_t RayAttacks(uint64_t occupied, int sq) {
+    const uint64_t ray = g_geometry.rayMask[sq][d];
+    const uint64_t pieces = occupied & ray;
+    if constexpr (RayRunsUp(d)) return ray & (pieces ^ (pieces - 1));
+    return ray ^ g_geometry.rayMask[63 - std::countl_zero(pieces | 1)][d];
 }
 
-// The directions in which a side's sliders can reach anything, from its piece counts.
-struct TSliderDirections {
-    bool diagonals = false;  // a queen or a bishop
-    bool lines = false;      // a queen or a rook
-    bool Any() const { return diagonals || lines; }
-    bool Has(int d) const { return IsDiagonal(d) ? diagonals : lines; }
-};
-inline TSliderDirections SliderDirections(const TChessboard& board, uint8_t colour) {
-    const bool white = colour == kWhite;
-    const int queens = white ? board.whiteQueens : board.blackQueens;
-    return {queens + (white ? board.whiteBishops : board.blackBishops) != 0,
-            queens + (white ? board.whiteRooks : board.blackRooks) != 0};
+inline uint64_t DiagonalAttacks(uint64_t occupied, int sq) {
+    return RayAttacks<kNorthEast>(occupied, sq) | RayAttacks<kNorthWest>(occupied, sq) |
+           RayAttacks<kSouthEast>(occupied, sq) | RayAttacks<kSouthWest>(occupied, sq);
 }
 
-// The square of the first piece on ray `d` from `sq`, or -1 when the ray is empty.
-inline int FirstOnRay(uint64_t occupied, int sq, int d) {
-    const uint64_t pieces = occupied & g_geometry.rayMask[sq][d];
-    if (!pieces) return -1;
-    return RayRunsUp(d) ? std::countr_zero(pieces) : 63 - std::countl_zero(pieces);
+inline uint64_t LineAttacks(uint64_t occupied, int sq) {
+    return RayAttacks<kNorth>(occupied, sq) | RayAttacks<kSouth>(occupied, sq) |
+           RayAttacks<kEast>(occupied, sq) | RayAttacks<kWest>(occupied, sq);
+}
+
+// Index of a colour in the tables kept per side.
+constexpr int SideIndex(uint8_t colour) {
+    return colour == kWhite ? 0 : 1;
+}
+
+// The pieces of `colour` that attack `sq` when the pieces stand on the squares of `occupied`: a
+// piece of the board off it is lifted off, a square added to it blocks the lines through it.
+inline uint64_t AttackersOf(const TChessboard& board, int sq, uint8_t colour, uint64_t occupied) {
+    const uint64_t theirs = board.With(colour) & occupied;
+    uint64_t attackers = (g_geometry.knightMask[sq] & board.With(kKnight)) |
+                         (g_geometry.kingMask[sq] & board.With(kKing)) |
+                         (g_geometry.pawnCaptures[SideIndex(Opponent(colour))][sq] & board.With(kPawn));
+    // The slider rays are worked out only when a slider of that kind could stand on them.
+    const uint64_t diagonal = theirs & board.With(kBishop) & g_geometry.diagonals[sq];
+    if (diagonal) attackers |= DiagonalAttacks(occupied, sq) & diagonal;
+    const uint64_t line = theirs & board.With(kRook) & g_geometry.lines[sq];
+    if (line) attackers |= LineAttacks(occupied, sq) & line;
+    return attackers & theirs;
+}
+
+// The pieces among `blockers` that stand alone between `sq` and a slider of `colour` on one of
+// its lines or diagonals: pinned pieces, or pieces whose leaving uncovers a check.
+inline uint64_t LoneBlockers(const TChessboard& board, int sq, uint8_t colour, uint64_t blockers) {
+    const uint64_t occupied = board.Occupied();
+    uint64_t sliders = board.With(colour) & ((g_geometry.diagonals[sq] & board.With(kBishop)) |
+                                             (g_geometry.lines[sq] & board.With(kRook)));
+    uint64_t lone = 0;
+    for (; sliders; sliders &= sliders - 1) {
+        const uint64_t between = g_geometry.between[sq][std::countr_zero(sliders)] & occupied;
+        if (between && !(between & (between - 1)) && (between & blockers)) lone |= between;
+    }
+    return lone;
 }
 
 }  // namespace moremate

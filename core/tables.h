@@ -1,6 +1,6 @@
-// Precomputed geometry for the mailbox move generator: rays in eight directions, knight and king
-// targets, and bit masks of the squares between two squares. Built once at start-up so that the
-// hot paths walk short arrays instead of testing board edges.
+// Precomputed geometry for the move generator: rays in eight directions, knight and king targets
+// as lists and as bit masks, pawn captures, and bit masks of the squares between two squares.
+// Built once at start-up so that the hot paths read tables instead of testing board edges.
 #pragma once
 
 #include <cstdint>
@@ -26,9 +26,14 @@ struct CGeometry {
     CJumps knight[64];
     CJumps king[64];
     uint64_t rayMask[64][kDirections];  // all squares of a ray
-    uint64_t between[64][64];           // squares strictly between two squares on a line, else 0
-    int8_t direction[64][64];           // direction from the first square to the second, or -1
-    uint8_t castlingKeep[64];           // castling rights that survive a move from or to the square
+    uint64_t diagonals[64];             // the four diagonal rays together
+    uint64_t lines[64];                 // the four line rays together
+    uint64_t knightMask[64];
+    uint64_t kingMask[64];
+    uint64_t pawnCaptures[2][64];  // squares a White [0] or Black [1] pawn on the square captures on
+    uint64_t between[64][64];      // squares strictly between two squares on a line, else 0
+    int8_t direction[64][64];      // direction from the first square to the second, or -1
+    uint8_t castlingKeep[64];      // castling rights that survive a move from or to the square
 };
 
 extern const CGeometry& g_geometry;

@@ -4,7 +4,6 @@
 
 #include "attacks.h"
 #include "chess_exception.h"
-#include "occupancy.h"
 
 namespace moremate {
 namespace {
@@ -54,9 +53,10 @@ void ResetDerived(TChessboard& b) {
 
 const char* BrokenRule(TChessboard& b) {
     ResetDerived(b);
+    DerivePieceBits(b);
     int whiteKings = 0, blackKings = 0;
     // Only the occupied squares are visited, in board order.
-    for (uint64_t occupied = Occupied(b.squares); occupied; occupied &= occupied - 1) {
+    for (uint64_t occupied = b.Occupied(); occupied; occupied &= occupied - 1) {
         const int sq = std::countr_zero(occupied);
         const Piece p = b.squares[sq];
         if (TypeOf(p) == kPawn && (sq < 8 || RankOf(sq) == 7))

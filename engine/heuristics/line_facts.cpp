@@ -83,7 +83,7 @@ int MobileBlackPawns(const TChessboard& board) {
 }
 
 bool AttackedBy(const TChessboard& board, int square, uint8_t colour) {
-    return IsAttacked(board, board.squares, square, colour);
+    return IsAttacked(board, square, colour);
 }
 
 }  // namespace moremate

@@ -17,14 +17,9 @@ bool SetUpPlacement(const TPrecalcType& type, uint64_t nPlacement, bool bWhiteTo
     if (KingDistance(wk, bk) <= 1) return false;
     // The side not to move in check is refused before the full validation, which would throw for
     // both kings in check: an exception per placement costs more than the rest of its work. The
-    // attack test reads the king squares and the piece counts from the board's fields.
-    board.whiteKingFile = static_cast<uint8_t>(FileOf(wk));
-    board.whiteKingRank = static_cast<uint8_t>(RankOf(wk));
-    board.blackKingFile = static_cast<uint8_t>(FileOf(bk));
-    board.blackKingRank = static_cast<uint8_t>(RankOf(bk));
-    CountEveryPieceKind(board);
-    if (IsAttacked(board, board.squares, bWhiteToMove ? bk : wk, bWhiteToMove ? kWhite : kBlack))
-        return false;
+    // attack test reads the pieces from the board's bit boards.
+    DerivePieceBits(board);
+    if (IsAttacked(board, bWhiteToMove ? bk : wk, bWhiteToMove ? kWhite : kBlack)) return false;
     board.movesLeft = board.movesAtStart = bWhiteToMove ? 3 : 2;
     try {
         Validate(board, true);

@@ -21,19 +21,15 @@ bool HasPieces(const TPrecalcType& type, uint8_t colour, uint8_t pieceType) {
 
 // Whether the position before a move taken back is legal with the mover's side to move: the
 // other king not attacked. `board` holds the position after the move and is left as it was. The
-// attack test reads the king squares and the piece counts from the board's fields, so
-// those are filled in for it.
+// attack test reads the pieces from the board's bit boards, so those are filled in for it.
 bool LegalBefore(TChessboard& board, const TPrecalcType::TPieceSquares& before, const TRetroMove& move,
                  uint8_t mover) {
     uint8_t* sq = board.squares;
     sq[move.to] = sq[move.from];
     sq[move.from] = kEmpty;
-    const int ownKing = mover == kWhite ? before[0] : before[1],
-              otherKing = mover == kWhite ? before[1] : before[0];
-    board.whiteKingFile = board.blackKingFile = static_cast<uint8_t>(FileOf(ownKing));
-    board.whiteKingRank = board.blackKingRank = static_cast<uint8_t>(RankOf(ownKing));
-    CountEveryPieceKind(board);
-    const bool legal = !IsAttacked(board, sq, otherKing, mover);
+    const int otherKing = mover == kWhite ? before[1] : before[0];
+    DerivePieceBits(board);
+    const bool legal = !IsAttacked(board, otherKing, mover);
     sq[move.from] = sq[move.to];
     sq[move.to] = kEmpty;
     return legal;
@@ -110,8 +106,7 @@ bool CTypeGenerator::MayLeaveType(const TChessboard& board) const {
     for (int sq = 0; sq < 64; ++sq) {
         const Piece p = board.squares[sq];
         if (p == (kWhite | kPawn) && RankOf(sq) == 6) return true;
-        if (ColourOf(p) == kBlack && TypeOf(p) != kKing && IsAttacked(board, board.squares, sq, kWhite))
-            return true;
+        if (ColourOf(p) == kBlack && TypeOf(p) != kKing && IsAttacked(board, sq, kWhite)) return true;
     }
     return false;
 }

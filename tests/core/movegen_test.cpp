@@ -95,32 +95,55 @@ TEST(Mate, MateAndStalemateAreTold) {
     EXPECT_FALSE(IsMate(Board("7k/5Q2/8/8/8/8/8/K7 b")));
 }
 
-// Walks every line of `depth` half-moves and compares the quick check test with the position
-// actually played: direct, discovered and double checks, promotions, castling and en passant.
-void CompareAlongTree(const TChessboard& board, int depth, int& compared) {
+// Positions that stress the rules: castling, en passant discoveries, promotions with capture,
+// checks by pawns, pins; and a promotion uncovering the file behind it, a check by the castling rook.
+const char* const kTreeRoots[] = {
+    "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -",
+    "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -",
+    "r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq - 0 1",
+    "rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ - 1 8",
+    "1k6/1P6/8/8/8/8/8/1R2K3 w - -",
+    "5k2/8/8/8/8/8/8/4K2R w K -",
+};
+
+// Hands every move of every line of `depth` half-moves to `visit` with the positions before and
+// after it, and returns how many there were.
+template <typename Visit>
+int WalkLines(const TChessboard& board, int depth, Visit& visit) {
     TMoveList list;
     GenerateLegalMoves(board, list);
+    int moves = 0;
     for (const TMove& m : list) {
         TChessboard after;
         PlayMove(board, m, after);
-        ASSERT_EQ(GivesCheck(board, m), after.InCheck()) << MoveToText(board, m);
-        ++compared;
-        if (depth > 1) CompareAlongTree(after, depth - 1, compared);
+        visit(board, m, after);
+        moves += 1 + (depth > 1 ? WalkLines(after, depth - 1, visit) : 0);
     }
+    return moves;
 }
 
+// The quick check test against the position actually played: direct, discovered and double
+// checks, promotions, castling and en passant.
 TEST(GivesCheck, AgreesWithThePlayedPosition) {
-    const char* fens[] = {
-        "r3k2r/p1ppqpb1/bn2pnp1/3PN3/1p2P3/2N2Q1p/PPPBBPPP/R3K2R w KQkq -",
-        "8/2p5/3p4/KP5r/1R3p1k/8/4P1P1/8 w - -",
-        "r3k2r/Pppp1ppp/1b3nbN/nP6/BBP1P3/q4N2/Pp1P2PP/R2Q1RK1 w kq - 0 1",
-        "rnbq1k1r/pp1Pbppp/2p5/8/2B5/8/PPP1NnPP/RNBQK2R w KQ - 1 8",
-        "1k6/1P6/8/8/8/8/8/1R2K3 w - -",  // promotion uncovering the file behind it
-        "5k2/8/8/8/8/8/8/4K2R w K -",     // check by the castling rook
+    auto compare = [](const TChessboard& board, const TMove& m, const TChessboard& after) {
+        ASSERT_EQ(GivesCheck(board, m), after.InCheck()) << MoveToText(board, m);
     };
     int compared = 0;
-    for (const char* fen : fens) CompareAlongTree(test::Board(fen), 3, compared);
+    for (const char* fen : kTreeRoots) compared += WalkLines(test::Board(fen), 3, compare);
     EXPECT_GT(compared, 100000);
+}
+
+// The bit boards and checkers PlayMove keeps against those the validation derives afresh from the
+// piece bytes, after captures, promotions, castling and en passant.
+TEST(PlayMove, BitBoardsAndCheckersMatchTheSquares) {
+    auto compare = [](const TChessboard& board, const TMove& m, const TChessboard& after) {
+        TChessboard fresh = after;
+        ValidateOnLine(fresh);
+        for (int k = 0; k < 8; ++k) ASSERT_EQ(after.pieceBits[k], fresh.pieceBits[k]) << MoveToText(board, m);
+        ASSERT_EQ(after.whiteKingAttacker, fresh.whiteKingAttacker) << MoveToText(board, m);
+        ASSERT_EQ(after.blackKingAttacker, fresh.blackKingAttacker) << MoveToText(board, m);
+    };
+    for (const char* fen : kTreeRoots) WalkLines(test::Board(fen), 3, compare);
 }
 
 struct PerftCase {
