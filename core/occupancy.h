@@ -1,7 +1,6 @@
 // Attack sets read from the board's bit boards: the squares a slider reaches along its rays up to
-// and including the first piece met (a ray's first piece is found with one bit scan instead of a
-// walk over its empty squares), the pieces of a side that attack a square, and the pieces that
-// alone stand between a square and a slider.
+// and including the first piece met (one table read, see CSliderIndex), the pieces of a side
+// that attack a square, and the pieces that alone stand between a square and a slider.
 #pragma once
 
 #include <bit>
@@ -39,25 +38,16 @@ constexpr bool RayRunsUp(int d) {
     return d == kNorth || d == kEast || d == kNorthEast || d == kNorthWest;
 }
 
-// The squares of ray `d` from `sq` up to and including the first occupied one. An empty ray
-// needs no branch: with no piece the low-bit mask is all ones, and the high-bit scan of 1 gives
-// a1, whose downward rays are empty.
-template <int d>
-uint64_t RayAttacks(uint64_t occupied, int sq) {
-    const uint64_t ray = g_geometry.rayMask[sq][d];
-    const uint64_t pieces = occupied & ray;
-    if constexpr (RayRunsUp(d)) return ray & (pieces ^ (pieces - 1));
-    return ray ^ g_geometry.rayMask[63 - std::countl_zero(pieces | 1)][d];
+// The squares a slider on the square of `index` reaches with the pieces of `occupied`, up to and
+// including the first piece on each of its rays.
+inline uint64_t Reach(const CSliderIndex& index, uint64_t occupied) {
+    return g_geometry.sliderReach[index.offset + (((occupied & index.mask) * index.factor) >> index.shift)];
 }
-
 inline uint64_t DiagonalAttacks(uint64_t occupied, int sq) {
-    return RayAttacks<kNorthEast>(occupied, sq) | RayAttacks<kNorthWest>(occupied, sq) |
-           RayAttacks<kSouthEast>(occupied, sq) | RayAttacks<kSouthWest>(occupied, sq);
+    return Reach(g_geometry.diagonalIndex[sq], occupied);
 }
-
 inline uint64_t LineAttacks(uint64_t occupied, int sq) {
-    return RayAttacks<kNorth>(occupied, sq) | RayAttacks<kSouth>(occupied, sq) |
-           RayAttacks<kEast>(occupied, sq) | RayAttacks<kWest>(occupied, sq);
+    return Reach(g_geometry.lineIndex[sq], occupied);
 }
 
 // Index of a colour in the tables kept per side.

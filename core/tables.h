@@ -1,6 +1,7 @@
 // Precomputed geometry for the move generator: rays in eight directions, knight and king targets
-// as lists and as bit masks, pawn captures, and bit masks of the squares between two squares.
-// Built once at start-up so that the hot paths read tables instead of testing board edges.
+// as lists and as bit masks, pawn captures, bit masks of the squares between two squares, and the
+// reach of a slider for every placement of the pieces on its rays. Built once at start-up so that
+// the hot paths read tables instead of testing board edges or walking rays.
 #pragma once
 
 #include <cstdint>
@@ -21,6 +22,16 @@ struct CJumps {
     uint8_t squares[8];
 };
 
+// A slider's reach from one square by multiplication: the pieces on `mask` times `factor`, shifted
+// down by `shift`, index the reaches of that square, which start at `offset` in the table.
+struct CSliderIndex {
+    uint64_t mask;  // the squares of the rays whose pieces can stop the slider, each ray's last aside
+    uint64_t factor;
+    uint32_t offset;
+    uint8_t shift;
+};
+inline constexpr int kSliderReaches = 102400 + 5248;  // lines, then diagonals, of all squares
+
 struct CGeometry {
     CRay rays[64][kDirections];
     CJumps knight[64];
@@ -34,6 +45,10 @@ struct CGeometry {
     uint64_t between[64][64];      // squares strictly between two squares on a line, else 0
     int8_t direction[64][64];      // direction from the first square to the second, or -1
     uint8_t castlingKeep[64];      // castling rights that survive a move from or to the square
+    CSliderIndex lineIndex[64];
+    CSliderIndex diagonalIndex[64];
+    // The squares a slider reaches along its rays up to and including the first piece on each.
+    uint64_t sliderReach[kSliderReaches];
 };
 
 extern const CGeometry& g_geometry;
