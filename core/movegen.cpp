@@ -257,11 +257,11 @@ void GenerateLegalMoves(const TChessboard& board, TMoveList& list) {
 
 int CountLegalMoves(const TChessboard& board) {
     const CNodeInfo info = Analyse(board);
-    int n = std::popcount(KingSteps(board, info)) + std::popcount(CastlingTargets(board, info));
+    int n = BitCount(KingSteps(board, info)) + BitCount(CastlingTargets(board, info));
     if (info.doubleCheck) return n;
     for (uint64_t pieces = info.own & ~Bit(info.king); pieces; pieces &= pieces - 1) {
         const int from = std::countr_zero(pieces);
-        const int moves = std::popcount(PieceTargets(board, info, from));
+        const int moves = BitCount(PieceTargets(board, info, from));
         if (TypeOf(board.squares[from]) != kPawn) {
             n += moves;
             continue;

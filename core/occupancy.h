@@ -15,6 +15,25 @@
 
 namespace moremate {
 
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__POPCNT__)
+// Whether the processor has the bit count instruction, which a build for the x86-64 baseline does
+// not assume (std::popcount then calls a library routine). False until the start-up code has
+// asked, which only costs the slower count.
+inline const bool g_bitCountInstruction = (__builtin_cpu_init(), __builtin_cpu_supports("popcnt"));
+#endif
+
+// The number of bits set.
+inline int BitCount(uint64_t bits) {
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__POPCNT__)
+    if (g_bitCountInstruction) {
+        uint64_t count;
+        asm("popcnt %1, %0" : "=r"(count) : "rm"(bits));
+        return static_cast<int>(count);
+    }
+#endif
+    return std::popcount(bits);
+}
+
 // Bit i set when square i of the piece bytes holds a piece.
 inline uint64_t Occupied(const uint8_t* squares) {
 #if defined(__SSE2__)
