@@ -53,10 +53,15 @@ CNodeInfo Analyse(const TChessboard& b) {
 }
 
 // The squares a piece on `from` may go to as far as a check and a pin allow: a pinned piece
-// stays on the ray from its king through it.
+// stays on the ray from its king through it (which a knight never reaches).
 uint64_t Allowed(const CNodeInfo& info, int from) {
     if (!((info.pinned >> from) & 1)) return info.targets;
     return info.targets & g_geometry.rayMask[info.king][g_geometry.direction[info.king][from]];
+}
+
+// The same, and not held by an own piece: what a piece's moves are besides its own geometry.
+uint64_t Open(const CNodeInfo& info, int from) {
+    return ~info.own & Allowed(info, from);
 }
 
 // En passant can uncover a line through both pawns: the occupancy after the capture settles it.
@@ -83,25 +88,6 @@ uint64_t PawnTargets(const TChessboard& b, const CNodeInfo& info, int from) {
 
 bool Promotes(int from, uint8_t us) {
     return RankOf(from) == (us == kWhite ? 6 : 1);
-}
-
-// The legal destination squares of the piece on `from` (not the king; en passant aside).
-uint64_t PieceTargets(const TChessboard& b, const CNodeInfo& info, int from) {
-    switch (TypeOf(b.squares[from])) {
-        case kPawn:
-            return PawnTargets(b, info, from);
-        case kKnight:  // a pinned knight never moves
-            return ((info.pinned >> from) & 1) ? 0 : g_geometry.knightMask[from] & ~info.own & info.targets;
-        case kBishop:
-            return DiagonalAttacks(info.occupied, from) & ~info.own & Allowed(info, from);
-        case kRook:
-            return LineAttacks(info.occupied, from) & ~info.own & Allowed(info, from);
-        case kQueen:
-            return (DiagonalAttacks(info.occupied, from) | LineAttacks(info.occupied, from)) & ~info.own &
-                   Allowed(info, from);
-        default:
-            return 0;
-    }
 }
 
 // The squares next to the king that no enemy piece attacks once the king has left its square.
@@ -172,19 +158,76 @@ bool PawnMoves(const TChessboard& b, const CNodeInfo& info, int from, uint64_t t
 
 template <typename Sink>
 bool PieceMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sink) {
-    const uint64_t targets = PieceTargets(b, info, from);
     switch (TypeOf(b.squares[from])) {
         case kPawn:
-            return PawnMoves(b, info, from, targets, sink);
+            return PawnMoves(b, info, from, PawnTargets(b, info, from), sink);
         case kKnight:
-            return JumpMoves(g_geometry.knight[from], from, targets, sink);
+            return JumpMoves(g_geometry.knight[from], from, g_geometry.knightMask[from] & Open(info, from),
+                             sink);
         case kBishop:
-            return RayMoves(from, kNorthEast, kSouthWest, targets, sink);
+            return RayMoves(from, kNorthEast, kSouthWest,
+                            DiagonalAttacks(info.occupied, from) & Open(info, from), sink);
         case kRook:
-            return RayMoves(from, kNorth, kWest, targets, sink);
+            return RayMoves(from, kNorth, kWest, LineAttacks(info.occupied, from) & Open(info, from), sink);
         default:
-            return RayMoves(from, kNorth, kSouthWest, targets, sink);
+            return RayMoves(
+                from, kNorth, kSouthWest,
+                (DiagonalAttacks(info.occupied, from) | LineAttacks(info.occupied, from)) & Open(info, from),
+                sink);
     }
+}
+
+// The counters below add up the moves of a kind of piece without handing them out: the bits of
+// the pieces' target masks, each promotion counting four times.
+
+// Pawns that are not pinned, set-wise: all their steps and captures by shifts of the pawn mask.
+int CountFreePawnMoves(const TChessboard& b, const CNodeInfo& info, uint64_t pawns) {
+    constexpr uint64_t kFileA = 0x0101010101010101ull, kFileH = kFileA << 7, kRank1 = 0xFF;
+    const bool white = info.us == kWhite;
+    auto forward = [white](uint64_t mask, int squares) { return white ? mask << squares : mask >> squares; };
+    const uint64_t empty = ~info.occupied, enemy = b.With(info.them);
+    const uint64_t single = forward(pawns, 8) & empty;
+    const uint64_t twice = forward(single & (kRank1 << (white ? 16 : 40)), 8) & empty;
+    const uint64_t towardsA = forward(pawns & ~kFileA, white ? 7 : 9) & enemy;
+    const uint64_t towardsH = forward(pawns & ~kFileH, white ? 9 : 7) & enemy;
+    const uint64_t lastRank = kRank1 << (white ? 56 : 0);
+    int n = BitCount(twice & info.targets);
+    for (const uint64_t to : {single & info.targets, towardsA & info.targets, towardsH & info.targets})
+        n += BitCount(to & ~lastRank) + 4 * BitCount(to & lastRank);
+    return n;
+}
+
+int CountPawnMoves(const TChessboard& b, const CNodeInfo& info) {
+    const uint64_t pawns = info.own & b.With(kPawn);
+    int n = CountFreePawnMoves(b, info, pawns & ~info.pinned);
+    for (uint64_t pinned = pawns & info.pinned; pinned; pinned &= pinned - 1) {
+        const int from = std::countr_zero(pinned);
+        n += BitCount(PawnTargets(b, info, from)) * (Promotes(from, info.us) ? 4 : 1);
+    }
+    if (b.epSquare >= 64) return n;
+    for (uint64_t takers = pawns & g_geometry.pawnCaptures[SideIndex(info.them)][b.epSquare]; takers;
+         takers &= takers - 1)
+        n += EnPassantLegal(b, info, std::countr_zero(takers));
+    return n;
+}
+
+// Knights and the sliders, whose target masks are their reach on the board less what `Open`
+// takes off. A queen is counted once as a bishop and once as a rook: the two masks share no square.
+int CountPieceMoves(const TChessboard& b, const CNodeInfo& info) {
+    int n = 0;
+    for (uint64_t knights = info.own & b.With(kKnight); knights; knights &= knights - 1) {
+        const int from = std::countr_zero(knights);
+        n += BitCount(g_geometry.knightMask[from] & Open(info, from));
+    }
+    for (uint64_t sliders = info.own & b.With(kBishop); sliders; sliders &= sliders - 1) {
+        const int from = std::countr_zero(sliders);
+        n += BitCount(DiagonalAttacks(info.occupied, from) & Open(info, from));
+    }
+    for (uint64_t sliders = info.own & b.With(kRook); sliders; sliders &= sliders - 1) {
+        const int from = std::countr_zero(sliders);
+        n += BitCount(LineAttacks(info.occupied, from) & Open(info, from));
+    }
+    return n;
 }
 
 // King steps, castling (king side first), then the other pieces in square order. Returns false
@@ -257,18 +300,9 @@ void GenerateLegalMoves(const TChessboard& board, TMoveList& list) {
 
 int CountLegalMoves(const TChessboard& board) {
     const CNodeInfo info = Analyse(board);
-    int n = BitCount(KingSteps(board, info)) + BitCount(CastlingTargets(board, info));
-    if (info.doubleCheck) return n;
-    for (uint64_t pieces = info.own & ~Bit(info.king); pieces; pieces &= pieces - 1) {
-        const int from = std::countr_zero(pieces);
-        const int moves = BitCount(PieceTargets(board, info, from));
-        if (TypeOf(board.squares[from]) != kPawn) {
-            n += moves;
-            continue;
-        }
-        n += (Promotes(from, info.us) ? 4 * moves : moves) + EnPassantLegal(board, info, from);
-    }
-    return n;
+    const int king = BitCount(KingSteps(board, info)) + BitCount(CastlingTargets(board, info));
+    if (info.doubleCheck) return king;
+    return king + CountPawnMoves(board, info) + CountPieceMoves(board, info);
 }
 
 void GenerateCheckingMoves(const TChessboard& board, TMoveList& list) {
