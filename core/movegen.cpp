@@ -90,13 +90,17 @@ bool Promotes(int from, uint8_t us) {
     return RankOf(from) == (us == kWhite ? 6 : 1);
 }
 
-// The squares next to the king that no enemy piece attacks once the king has left its square.
+// The squares next to the king that no enemy piece attacks once the king has left its square;
+// with `kFirst` only the first of them found.
+template <bool kFirst = false>
 uint64_t KingSteps(const TChessboard& b, const CNodeInfo& info) {
     const uint64_t lifted = info.occupied ^ Bit(info.king);
     uint64_t steps = 0;
     for (uint64_t around = g_geometry.kingMask[info.king] & ~info.own; around; around &= around - 1) {
         const int to = std::countr_zero(around);
-        if (!AttackersOf(b, to, info.them, lifted)) steps |= Bit(to);
+        if (AttackersOf(b, to, info.them, lifted)) continue;
+        steps |= Bit(to);
+        if (kFirst) break;
     }
     return steps;
 }
@@ -319,8 +323,10 @@ void GenerateCheckingMoves(const TChessboard& board, TMoveList& list) {
 }
 
 bool HasLegalMove(const TChessboard& board) {
-    auto stopAtFirst = [](int, int, uint8_t) { return false; };
-    return !Generate(board, stopAtFirst);
+    const CNodeInfo info = Analyse(board);
+    if (KingSteps<true>(board, info)) return true;
+    if (info.doubleCheck) return false;
+    return CastlingTargets(board, info) || CountPawnMoves(board, info) || CountPieceMoves(board, info);
 }
 
 void PlayMove(const TChessboard& parent, const TMove& move, TChessboard& child) {
