@@ -55,6 +55,23 @@ bool CCheckSquares::Gives(const TChessboard& board, const TMove& move) const {
     }
 }
 
+uint64_t CCheckSquares::Candidates(const TChessboard& board, int from, uint64_t targets) const {
+    if ((m_nUncovers >> from) & 1) return targets;
+    const Piece piece = board.squares[from];
+    switch (TypeOf(piece)) {
+        case kKnight:
+            return targets & m_nKnight;
+        case kPawn:  // a promotion checks as the piece it becomes
+            return RankOf(from) == (ColourOf(piece) == kWhite ? 6 : 1) ? targets : targets & m_nPawn;
+        case kBishop:
+            return targets & m_nDiagonal;
+        case kRook:
+            return targets & m_nLine;
+        default:
+            return targets & (m_nDiagonal | m_nLine);
+    }
+}
+
 bool GivesCheck(const TChessboard& board, const TMove& move) {
     return CCheckSquares(board).Gives(board, move);
 }

@@ -16,6 +16,9 @@ class CCheckSquares {
     explicit CCheckSquares(const TChessboard& board);
     // `move` is a legal move of `board`, the position given to the constructor.
     bool Gives(const TChessboard& board, const TMove& move) const;
+    // The squares of `targets` (those of the piece on `from`, not the king) on which a move of it
+    // may check: all that do and perhaps others, which Gives tells apart.
+    uint64_t Candidates(const TChessboard& board, int from, uint64_t targets) const;
 
   private:
     int m_nKing;               // the king that would be checked

@@ -160,23 +160,26 @@ bool PawnMoves(const TChessboard& b, const CNodeInfo& info, int from, uint64_t t
     return true;
 }
 
-template <typename Sink>
-bool PieceMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sink) {
+// `narrow` may take squares off a piece's target mask before its moves are handed out.
+template <typename Sink, typename Narrow>
+bool PieceMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sink, const Narrow& narrow) {
     switch (TypeOf(b.squares[from])) {
         case kPawn:
-            return PawnMoves(b, info, from, PawnTargets(b, info, from), sink);
+            return PawnMoves(b, info, from, narrow(from, PawnTargets(b, info, from)), sink);
         case kKnight:
-            return JumpMoves(g_geometry.knight[from], from, g_geometry.knightMask[from] & Open(info, from),
-                             sink);
+            return JumpMoves(g_geometry.knight[from], from,
+                             narrow(from, g_geometry.knightMask[from] & Open(info, from)), sink);
         case kBishop:
             return RayMoves(from, kNorthEast, kSouthWest,
-                            DiagonalAttacks(info.occupied, from) & Open(info, from), sink);
+                            narrow(from, DiagonalAttacks(info.occupied, from) & Open(info, from)), sink);
         case kRook:
-            return RayMoves(from, kNorth, kWest, LineAttacks(info.occupied, from) & Open(info, from), sink);
+            return RayMoves(from, kNorth, kWest,
+                            narrow(from, LineAttacks(info.occupied, from) & Open(info, from)), sink);
         default:
             return RayMoves(
                 from, kNorth, kSouthWest,
-                (DiagonalAttacks(info.occupied, from) | LineAttacks(info.occupied, from)) & Open(info, from),
+                narrow(from, (DiagonalAttacks(info.occupied, from) | LineAttacks(info.occupied, from)) &
+                                 Open(info, from)),
                 sink);
     }
 }
@@ -235,9 +238,12 @@ int CountPieceMoves(const TChessboard& b, const CNodeInfo& info) {
 }
 
 // King steps, castling (king side first), then the other pieces in square order. Returns false
-// when the sink stopped the generation. With `kingSteps` false the king's steps are left out.
-template <typename Sink>
-bool Generate(const TChessboard& b, Sink& sink, bool kingSteps = true) {
+// when the sink stopped the generation. With `kingSteps` false the king's steps are left out;
+// `narrow` may thin out the other pieces' targets.
+constexpr auto kEveryTarget = [](int, uint64_t targets) { return targets; };
+
+template <typename Sink, typename Narrow = decltype(kEveryTarget)>
+bool Generate(const TChessboard& b, Sink& sink, bool kingSteps = true, const Narrow& narrow = kEveryTarget) {
     const CNodeInfo info = Analyse(b);
     if (kingSteps && !JumpMoves(g_geometry.king[info.king], info.king, KingSteps(b, info), sink))
         return false;
@@ -248,7 +254,7 @@ bool Generate(const TChessboard& b, Sink& sink, bool kingSteps = true) {
     }
     if (info.doubleCheck) return true;
     for (uint64_t pieces = info.own & ~Bit(info.king); pieces; pieces &= pieces - 1)
-        if (!PieceMoves(b, info, std::countr_zero(pieces), sink)) return false;
+        if (!PieceMoves(b, info, std::countr_zero(pieces), sink, narrow)) return false;
     return true;
 }
 
@@ -319,7 +325,8 @@ void GenerateCheckingMoves(const TChessboard& board, TMoveList& list) {
     };
     // A king step can only check by uncovering a line to the other king, so it needs that line.
     const int ours = board.KingSquare(board.ToMove()), theirs = board.KingSquare(Opponent(board.ToMove()));
-    Generate(board, sink, g_geometry.direction[theirs][ours] >= 0);
+    auto candidates = [&](int from, uint64_t targets) { return checks.Candidates(board, from, targets); };
+    Generate(board, sink, g_geometry.direction[theirs][ours] >= 0, candidates);
 }
 
 bool HasLegalMove(const TChessboard& board) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "core/attacks.h"
+#include "core/fen.h"
 #include "core/gives_check.h"
 #include "core/notation.h"
 #include "core/occupancy.h"
@@ -162,6 +163,22 @@ TEST(GivesCheck, AgreesWithThePlayedPosition) {
     int compared = 0;
     for (const char* fen : kTreeRoots) compared += WalkLines(test::Board(fen), 3, compare);
     EXPECT_GT(compared, 100000);
+}
+
+// The checking moves generated on their own against the legal moves that give check, in the same
+// order, in every position of the lines.
+TEST(GivesCheck, CheckingMovesAreTheLegalMovesThatCheck) {
+    auto compare = [](const TChessboard&, const TMove&, const TChessboard& after) {
+        TMoveList legal, checking, expected;
+        GenerateLegalMoves(after, legal);
+        for (const TMove& m : legal)
+            if (GivesCheck(after, m)) expected.moves[expected.count++] = m;
+        GenerateCheckingMoves(after, checking);
+        ASSERT_EQ(checking.count, expected.count) << WriteFen(after);
+        for (int i = 0; i < expected.count; ++i)
+            ASSERT_EQ(checking.moves[i], expected.moves[i]) << WriteFen(after);
+    };
+    for (const char* fen : kTreeRoots) WalkLines(test::Board(fen), 2, compare);
 }
 
 // The bit boards and checkers PlayMove keeps against those the validation derives afresh from the
