@@ -8,8 +8,15 @@
 namespace moremate {
 
 struct TMoveList {
-    TMove moves[256];
+    // In an anonymous union the entries are not zeroed when a list is made (a list lives in every
+    // node of the search, and its 768 bytes of zeros cost more than generating the moves); an
+    // entry comes to life when it is assigned, and only the first `count` are read.
+    union {
+        TMove moves[256];
+    };
     int count = 0;
+
+    TMoveList() {}
 
     void Add(int from, int to, uint8_t promotion = 0) {
         moves[count++] = TMove{static_cast<Square>(from), static_cast<Square>(to), promotion};

@@ -68,9 +68,9 @@ bool EnPassantPossible(const TChessboard& node) {
 bool MatesInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks) {
     std::optional<CCheckSquares> checks;
     if (!onlyChecks) checks.emplace(node);
+    TChessboard child;
     for (const TMove& m : moves) {
         if (checks && !checks->Gives(node, m)) continue;
-        TChessboard child;
         PlayMove(node, m, child);
         if (!HasLegalMove(child)) return true;
     }
