@@ -6,19 +6,9 @@
 #include "tables.h"
 
 namespace moremate {
-namespace {
-
-// kNoAttacker, kManyAttackers or the square of the single attacker in `attackers`.
-uint8_t Answer(uint64_t attackers) {
-    if (!attackers) return kNoAttacker;
-    return (attackers & (attackers - 1)) ? kManyAttackers : static_cast<uint8_t>(std::countr_zero(attackers));
-}
-
-}  // namespace
-
 uint8_t AttackerOf(const TChessboard& board, uint8_t colour, int file, int rank, TAttackerList* list) {
     uint64_t attackers = AttackersOf(board, MakeSquare(file, rank), colour, board.Occupied());
-    const uint8_t answer = Answer(attackers);
+    const uint8_t answer = AttackerAnswer(attackers);
     for (; list && attackers && list->count < 16; attackers &= attackers - 1) {
         const int from = std::countr_zero(attackers);
         list->file[list->count] = static_cast<uint8_t>(FileOf(from));
@@ -47,12 +37,6 @@ int BlackKingFlightSquares(const TChessboard& board) {
     for (uint64_t around = g_geometry.kingMask[king] & ~board.With(kBlack); around; around &= around - 1)
         flights += AttackersOf(board, std::countr_zero(around), kWhite, lifted) == 0;
     return flights;
-}
-
-int8_t KingAttackerField(const TChessboard& board, uint8_t colour) {
-    const uint8_t answer =
-        Answer(AttackersOf(board, board.KingSquare(colour), Opponent(colour), board.Occupied()));
-    return answer == kNoAttacker ? int8_t{-1} : static_cast<int8_t>(answer);
 }
 
 }  // namespace moremate

@@ -3,9 +3,11 @@
 // line or diagonal of the square (occupancy.h).
 #pragma once
 
+#include <bit>
 #include <cstdint>
 
 #include "chessboard.h"
+#include "occupancy.h"
 
 namespace moremate {
 
@@ -32,7 +34,18 @@ void DerivePieceBits(TChessboard& board);
 // attacked by White with the king lifted off its square.
 int BlackKingFlightSquares(const TChessboard& board);
 
+// kNoAttacker, kManyAttackers or the square of the single attacker in `attackers`.
+inline uint8_t AttackerAnswer(uint64_t attackers) {
+    if (!attackers) return kNoAttacker;
+    return (attackers & (attackers - 1)) ? kManyAttackers : static_cast<uint8_t>(std::countr_zero(attackers));
+}
+
 // Attacker answer of the king of `colour`, as stored in the king-attacker fields (-1 for none).
-int8_t KingAttackerField(const TChessboard& board, uint8_t colour);
+// Inline: every PlayMove asks it.
+inline int8_t KingAttackerField(const TChessboard& board, uint8_t colour) {
+    const uint8_t answer =
+        AttackerAnswer(AttackersOf(board, board.KingSquare(colour), Opponent(colour), board.Occupied()));
+    return answer == kNoAttacker ? int8_t{-1} : static_cast<int8_t>(answer);
+}
 
 }  // namespace moremate
