@@ -105,16 +105,20 @@ uint64_t KingSteps(const TChessboard& b, const CNodeInfo& info) {
     return steps;
 }
 
-// The squares the king castles to: not out of check, nor over or onto an attacked square.
+// The squares the king castles to: not out of check, nor over or onto an attacked square. The
+// rights still held and the empty squares are asked first, the rook on its square and the attacks
+// only then.
 uint64_t CastlingTargets(const TChessboard& b, const CNodeInfo& info) {
-    if (b.InCheck()) return 0;
-    const uint8_t rights = CastlingRights(b);
+    const uint8_t held = b.castling & (info.us == kWhite ? kWhiteKingside | kWhiteQueenside
+                                                         : kBlackKingside | kBlackQueenside);
+    if (!held || b.InCheck()) return 0;
     uint64_t targets = 0;
     for (const CastlingLane& lane : kLanes) {
-        if (!(rights & lane.right) || lane.king != info.king) continue;
+        if (!(held & lane.right) || lane.king != info.king) continue;
         bool free = true;
         for (uint8_t s : lane.between) free = free && (s == kNoSquare || b.squares[s] == kEmpty);
-        if (free && !IsAttacked(b, lane.passes, info.them) && !IsAttacked(b, lane.kingTo, info.them))
+        if (free && b.squares[lane.rook] == MakePiece(info.us, kRook) &&
+            !IsAttacked(b, lane.passes, info.them) && !IsAttacked(b, lane.kingTo, info.them))
             targets |= Bit(lane.kingTo);
     }
     return targets;
