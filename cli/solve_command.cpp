@@ -98,6 +98,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
         report.registerLoad = registerLoad;
         fmt::print("{}", args.json ? ReportJson(report) : ReportText(report));
         if (args.registerStats && report.proofNumberStats) fmt::print(stderr, "{}", *report.proofNumberStats);
+        if (args.registerStats && report.regionStats) fmt::print(stderr, "{}", *report.regionStats);
         std::fflush(stdout);
         summary.Add(report);
         if (report.match == false || report.error || !report.failedChecks.empty()) allMatched = false;
@@ -138,6 +139,10 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
         "Tokens added to pass 1's heuristics, e.g. \"SafeMode DLFU(h1,d5) FFM(#2) LFQMDepth(#5) !DLFU\"");
     cmd->add_flag("--no-heuristics", s.noHeuristics, "No heuristic passes: pass 2 only");
     cmd->add_flag("--no-pass2", s.noPassTwo, "No pass without heuristics after the heuristic passes");
+    cmd->add_flag(
+        "--regions", s.regions,
+        "Settle blocked positions (few pieces, no castling) by a retrograde analysis of the positions "
+        "their pieces reach: for long piece manoeuvres, and slow where they are not needed");
     cmd->add_option_function<std::string>(
            "--proof-number",
            [&s](const std::string& text) {

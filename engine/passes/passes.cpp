@@ -4,10 +4,12 @@
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 
 #include <fmt/format.h>
 
 #include "engine/heuristics/position_type.h"
+#include "engine/lookup/region_hook.h"
 #include "engine/state/run_control.h"
 
 namespace moremate {
@@ -192,6 +194,13 @@ void RunStandard(CPassSeries& series, const TPassRunRequest& request, size_t lim
 }  // namespace
 
 TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop) {
+    std::optional<CRegionSolver> regions;
+    std::optional<CRegionHook> regionHook;
+    if (request.regions) {
+        regions.emplace(TRegionLimits{}, stop);
+        regionHook.emplace(*regions, request.environment.globalRegister);
+        request.environment.globalRegister = &*regionHook;
+    }
     request.relaxation.root = &request.position;
     request.state.passEndTimes[0] = RelaxationClockMs(request.relaxation);
     CPassSeries series(request, stop);
@@ -214,7 +223,9 @@ TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop) {
             RunStandard(series, request, Limit(request.solutions));
             break;
     }
-    return series.Finish();
+    TPassRunResult result = series.Finish();
+    if (regions) result.regions = regions->Stats();
+    return result;
 }
 
 std::string QuickModeLine(const TPassState& state) {

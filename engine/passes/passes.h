@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/lookup/region_solver.h"
 #include "pass_threads.h"
 #include "proof_number_pass.h"
 #include "relaxation.h"
@@ -45,6 +46,9 @@ struct TPassRunRequest {
     // minutes without a limit).
     TProofNumberMode proofNumber = TProofNumberMode::Off;
     uint64_t proofNumberTableBytes = 64ULL << 20;
+    // Nodes of small regions (blocked positions where only pieces move) settled by their own
+    // retrograde analysis, in every pass.
+    bool regions = false;
     TRelaxationEnvironment relaxation;               // its root is set to `position` by RunPasses
     std::function<void(const std::string&)> output;  // mode lines, phase texts and pass status lines
 };
@@ -72,6 +76,7 @@ struct TPassRunResult {
     uint64_t nodes = 0;
     std::string error;
     std::optional<TProofNumberPassResult> proofNumber;  // when the proof-number pass ran
+    std::optional<TRegionStats> regions;                // when regions settled nodes
 };
 
 // Runs the series; `stop` (may be null) ends it early from another thread. Passes without

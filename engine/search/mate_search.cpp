@@ -103,6 +103,7 @@ void CountSearchNode(const TSearchEnvironment& env, uint64_t& nodes) {
 void TMateSearch::CountNode() {
     CountSearchNode(m_env, m_nNodes);
     if (m_pCancel && m_pCancel->load(std::memory_order_relaxed)) throw TSearchCancelled{};
+    if (m_nNodes >= m_nNodeLimit) throw TSearchCancelled{};
 }
 
 uint8_t TMateSearch::FindForcedMate(const TChessboard& node) {

@@ -29,10 +29,10 @@ struct TSearchEnvironment {
     CPositionStore* store = nullptr;       // the registers of the pass, or none
     CHeuristicHook* heuristics = nullptr;  // heuristics in force, or none
     CGlobalRegisterHook* globalRegister = nullptr;
-    bool useGlobalRules = true;  // positions where White can never mate are settled at once
-    const std::atomic<bool>* stop = nullptr;         // polled at every node
-    CRunControl* control = nullptr;                  // pause and skip, polled with `stop`
-    CSchedulerHook* scheduler = nullptr;             // told about White nodes, or none
+    bool useGlobalRules = true;               // positions where White can never mate are settled at once
+    const std::atomic<bool>* stop = nullptr;  // polled at every node
+    CRunControl* control = nullptr;           // pause and skip, polled with `stop`
+    CSchedulerHook* scheduler = nullptr;      // told about White nodes, or none
     std::atomic<uint64_t>* progressNodes = nullptr;  // nodes searched, updated every few thousand
     CSearchLog* log = nullptr;                       // per-thread move log, or none
     std::string logFolder;                           // where "PoorSWM.log" goes
@@ -67,6 +67,8 @@ class TMateSearch {
     void SetQuickerMateDepth(int moves) { m_env.quickerMateDepth = moves; }
     // Polled with the stop flag; null for none.
     void SetCancel(const std::atomic<bool>* cancel) { m_pCancel = cancel; }
+    // The search throws TSearchCancelled once Nodes() reaches `limit`.
+    void SetNodeLimit(uint64_t limit) { m_nNodeLimit = limit; }
 
     uint64_t Nodes() const { return m_nNodes; }
     uint64_t Repetitions() const { return m_nRepetitions; }
@@ -93,6 +95,7 @@ class TMateSearch {
     TSearchEnvironment m_env;
     const std::atomic<bool>* m_pCancel = nullptr;
     uint64_t m_nNodes = 0;
+    uint64_t m_nNodeLimit = UINT64_MAX;
     uint32_t m_nDoubtReason = 0;
     // Repetitions met so far: a "no mate" that rests on one depends on the line and is not stored.
     uint64_t m_nRepetitions = 0;

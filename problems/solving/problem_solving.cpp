@@ -64,6 +64,7 @@ void Describe(const TChessboard& root, const TPassRunResult& result, TProblemRep
     }
     if (!result.keys.empty()) report.mainLine = SolutionLine(root, result.keys.front().key.mainLine);
     if (result.proofNumber) report.proofNumberStats = ProofNumberStatsText(*result.proofNumber);
+    if (result.regions) report.regionStats = RegionStatsText(*result.regions);
     for (const TPassSummary& p : result.passes) {
         report.msec += p.msec;
         report.nodes += p.nodes;
@@ -161,6 +162,7 @@ TPassRunResult RunProblem(const ProblemEntry& entry, const TSolvingTask& task, c
     request.environment.useGlobalRules = options.m_bUseGlobalRules;
     request.runRegister = &runRegister;
     request.proofNumber = settings.proofNumber;
+    request.regions = settings.regions;
     request.proofNumberTableBytes = ProofNumberTableBytes(options.TempRegQuotaMB());
     request.preferredFirstMoves = PreferredFirstMoves(entry, options.m_nLanguageId);
     const TChessboard root = task.position;

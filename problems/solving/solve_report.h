@@ -33,6 +33,7 @@ struct TProblemReport {
     std::vector<std::string> failedChecks;        // the checks after the run that failed (run_checks.h)
     std::optional<std::string> registerLoad;      // the load report of the register the record refers to
     std::optional<std::string> proofNumberStats;  // the figures of the proof-number pass, when it ran
+    std::optional<std::string> regionStats;       // the figures of the regions, when they were used
 };
 
 // The closing line of a run over a collection: how many problems ran, how many were solved and how

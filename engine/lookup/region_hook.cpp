@@ -1,0 +1,24 @@
+#include "region_hook.h"
+
+#include "engine/state/search_result.h"
+
+namespace moremate {
+namespace {
+
+// Half-moves left from which a node's region is solved when it is not known yet.
+constexpr int kSolveFromHalfMoves = 12;
+
+}  // namespace
+
+bool CRegionHook::Settle(const TChessboard& node, uint8_t& result) {
+    if (m_pNext && m_pNext->Settle(node, result)) return true;
+    if (node.movesLeft < 2) return false;
+    const uint8_t d = m_solver.Distance(node, node.movesLeft >= kSolveFromHalfMoves, node.movesLeft);
+    if (d == kNoDistance) return false;
+    const int halfMoves = node.WhiteToMove() ? 2 * d - 1 : 2 * d;
+    if (halfMoves > node.movesLeft) return false;
+    result = kMate;
+    return true;
+}
+
+}  // namespace moremate
