@@ -83,7 +83,8 @@ void CRegionAnalysis::Settle() {
     if (!SettleRound(false)) SettleRound(true);
 }
 
-// Returns whether every node with a move out of the region found its distance.
+// Returns whether every White node with a move out of the region found its distance: only those
+// gain from the second round.
 bool CRegionAnalysis::SettleRound(bool deep) {
     const size_t n = m_keys.size();
     m_bDeep = deep;
@@ -111,7 +112,8 @@ bool CRegionAnalysis::SettleRound(bool deep) {
         m_solver.PollStop();
     }
     for (uint32_t node = 0; node < n; ++node)
-        if ((m_flags[node] & kHasExit) && m_distances[node] == kNoDistance) return false;
+        if ((m_flags[node] & kHasExit) && m_distances[node] == kNoDistance && WhiteToMoveInKey(m_keys[node]))
+            return false;
     return true;
 }
 
