@@ -54,12 +54,8 @@ int ReachableSquares(Piece piece, int sq, uint64_t blocked) {
 }  // namespace
 
 uint64_t EstimatedRegionSize(const TChessboard& board) {
-    uint64_t whitePawns = 0, blackPawns = 0;
-    for (int sq = 0; sq < 64; ++sq) {
-        if (board.squares[sq] == (kWhite | kPawn)) whitePawns |= 1ULL << sq;
-        if (board.squares[sq] == (kBlack | kPawn)) blackPawns |= 1ULL << sq;
-    }
-    const uint64_t pawns = whitePawns | blackPawns;
+    const uint64_t pawns = board.With(kPawn);
+    const uint64_t whitePawns = pawns & board.With(kWhite), blackPawns = pawns & board.With(kBlack);
     uint64_t size = 2;
     for (int sq = 0; sq < 64; ++sq) {
         const Piece p = board.squares[sq];

@@ -14,9 +14,7 @@ bool CRegionHook::Settle(const TChessboard& node, uint8_t& result) {
     if (m_pNext && m_pNext->Settle(node, result)) return true;
     if (node.movesLeft < 2) return false;
     const uint8_t d = m_solver.Distance(node, node.movesLeft >= kSolveFromHalfMoves, node.movesLeft);
-    if (d == kNoDistance) return false;
-    const int halfMoves = node.WhiteToMove() ? 2 * d - 1 : 2 * d;
-    if (halfMoves > node.movesLeft) return false;
+    if (!Fits(node, d, node.movesLeft)) return false;
     result = kMate;
     return true;
 }

@@ -11,14 +11,10 @@
 #include "region_analysis.h"
 
 namespace moremate {
-namespace {
-
 bool Fits(const TChessboard& board, uint8_t distance, int halfMoves) {
     if (distance == kNoDistance) return false;
     return (board.WhiteToMove() ? 2 * distance - 1 : 2 * distance) <= halfMoves;
 }
-
-}  // namespace
 
 bool RegionEligible(const TChessboard& board) {
     const int pieces = 2 + board.whiteQueens + board.blackQueens + board.whiteRooks + board.blackRooks +

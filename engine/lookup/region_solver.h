@@ -98,6 +98,9 @@ class CRegionSolver {
 // The figures for the register statistics: "Regions: ..." and a line end.
 std::string RegionStatsText(const TRegionStats& stats);
 
+// Whether a mate of `distance` White moves from `board` fits within `halfMoves`.
+bool Fits(const TChessboard& board, uint8_t distance, int halfMoves);
+
 // Whether a board may belong to a region: no castling rights, no en passant capture, few pieces.
 bool RegionEligible(const TChessboard& board);
 
