@@ -139,10 +139,16 @@ Runner AddSolveCommand(CLI::App& app, TProgramContext& context) {
         "Tokens added to pass 1's heuristics, e.g. \"SafeMode DLFU(h1,d5) FFM(#2) LFQMDepth(#5) !DLFU\"");
     cmd->add_flag("--no-heuristics", s.noHeuristics, "No heuristic passes: pass 2 only");
     cmd->add_flag("--no-pass2", s.noPassTwo, "No pass without heuristics after the heuristic passes");
-    cmd->add_flag(
-        "--regions", s.regions,
-        "Settle blocked positions (few pieces, no castling) by a retrograde analysis of the positions "
-        "their pieces reach: for long piece manoeuvres, and slow where they are not needed");
+    cmd->add_option_function<std::string>(
+           "--regions",
+           [&s](const std::string& text) {
+               if (!ReadRegionMode(text, s.regions))
+                   throw CLI::ValidationError("--regions", "auto, off or on expected, not \"" + text + "\"");
+           },
+           "Settle positions of few pieces without castling by a retrograde analysis of the positions "
+           "their pieces reach: auto (blocked positions with locked pawns), off, or on (every such "
+           "position; slow where they are not needed)")
+        ->type_name("auto|off|on");
     cmd->add_option_function<std::string>(
            "--proof-number",
            [&s](const std::string& text) {

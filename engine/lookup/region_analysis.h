@@ -93,4 +93,8 @@ class CRegionAnalysis {
 // could ever reach past the pawns, times two sides to move.
 uint64_t EstimatedRegionSize(const TChessboard& board);
 
+// Whether the pawns are locked: several on the board, and all but a few of them without a step or
+// a capture. Such positions are decided by the pieces' manoeuvres, which regions settle.
+bool PawnsLocked(const TChessboard& board);
+
 }  // namespace moremate

@@ -51,7 +51,26 @@ int ReachableSquares(Piece piece, int sq, uint64_t blocked) {
     return std::popcount(reached);
 }
 
+// Pawns of `colour` that can step forward or take something.
+int MobilePawns(const TChessboard& board, uint8_t colour) {
+    const uint64_t pawns = board.With(kPawn) & board.With(colour);
+    const uint64_t empty = ~board.Occupied(), enemies = board.With(Opponent(colour));
+    int mobile = 0;
+    for (uint64_t p = pawns; p; p &= p - 1) {
+        const uint64_t pawn = p & -p;
+        const uint64_t step = colour == kWhite ? pawn << 8 : pawn >> 8;
+        if ((step & empty) || (PawnAttacks(pawn, colour) & enemies)) ++mobile;
+    }
+    return mobile;
+}
+
 }  // namespace
+
+bool PawnsLocked(const TChessboard& board) {
+    constexpr int kMinPawns = 6, kMaxMobilePawns = 2;
+    const int pawns = std::popcount(board.With(kPawn));
+    return pawns >= kMinPawns && MobilePawns(board, kWhite) + MobilePawns(board, kBlack) <= kMaxMobilePawns;
+}
 
 uint64_t EstimatedRegionSize(const TChessboard& board) {
     const uint64_t pawns = board.With(kPawn);

@@ -14,10 +14,15 @@ class CRegionHook : public CGlobalRegisterHook {
     // `next` (may be null) is asked first.
     CRegionHook(CRegionSolver& solver, CGlobalRegisterHook* next) : m_solver(solver), m_pNext(next) {}
     bool Settle(const TChessboard& node, uint8_t& result) override;
+    int MateDistance(const TChessboard& node) override;
+    // Whether unknown regions are solved (the default) or only known ones looked up. Set while no
+    // search runs.
+    void SetSolving(bool solving) { m_bSolving = solving; }
 
   private:
     CRegionSolver& m_solver;
     CGlobalRegisterHook* m_pNext;
+    bool m_bSolving = true;
 };
 
 }  // namespace moremate

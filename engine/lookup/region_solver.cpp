@@ -23,6 +23,11 @@ bool RegionEligible(const TChessboard& board) {
 }
 
 uint8_t CRegionSolver::Distance(const TChessboard& board, bool solve, int halfMoves) {
+    if (!solve) return SolvedDistance(board, halfMoves, -1);
+    return SolvedDistance(board, halfMoves, MaxDepth(board));
+}
+
+uint8_t CRegionSolver::SolvedDistance(const TChessboard& board, int halfMoves, int maxDepth) {
     if (!RegionEligible(board)) return kNoDistance;
     TRegionPosition position;
     if (!ReadRegionPosition(board, position)) return kNoDistance;
@@ -35,16 +40,20 @@ uint8_t CRegionSolver::Distance(const TChessboard& board, bool solve, int halfMo
         if (held != CRegionTable::kAbsent) {
             const uint8_t d = static_cast<uint8_t>(held);
             const int solvedWith = entry->second.regions[held >> 8].depth;
-            if (!solve || Fits(board, d, halfMoves) || solvedWith >= MaxDepth(board)) return d;
+            if (Fits(board, d, halfMoves) || solvedWith >= maxDepth) return d;
             depth = solvedWith + 1;
-        } else if (!solve) {
+        } else if (maxDepth < 0) {
             return kNoDistance;
         }
     }
+    return Deepen(board, halfMoves, depth, maxDepth);
+}
+
+uint8_t CRegionSolver::Deepen(const TChessboard& board, int halfMoves, int depth, int maxDepth) {
     std::unique_lock lock(m_mutex);
     uint8_t d = kNoDistance;
     try {
-        for (; depth <= MaxDepth(board) && !m_bRoomSpent; ++depth) {
+        for (; depth <= maxDepth && !m_bRoomSpent; ++depth) {
             d = DistanceLocked(board, depth);
             if (Fits(board, d, halfMoves)) break;
         }
@@ -119,6 +128,7 @@ bool CRegionSolver::CKnownRegions::Settle(const TChessboard& node, uint8_t& resu
 
 void CRegionSolver::PollStop() {
     if (m_pStop && m_pStop->load(std::memory_order_relaxed)) throw TStopped{};
+    if (std::chrono::steady_clock::now() >= m_deadline) throw TStopped{};
 }
 
 std::string RegionStatsText(const TRegionStats& s) {

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <shared_mutex>
 #include <string>
@@ -51,6 +52,11 @@ class CRegionSolver {
     // deeper) until a mate within `halfMoves` is found, the depth is exhausted or the room is used
     // up; without, only what is known is told. Safe to call from several threads.
     uint8_t Distance(const TChessboard& board, bool solve, int halfMoves);
+    // The same, solving up to `maxDepth` regions deep whoever is to move (a negative depth only
+    // looks up): for the positions after a run's first moves, worth more than the searches' nodes.
+    uint8_t SolvedDistance(const TChessboard& board, int halfMoves, int maxDepth);
+    // Solves break off at `deadline` as they do at a stop. Set while no other thread asks.
+    void SetDeadline(std::chrono::steady_clock::time_point deadline) { m_deadline = deadline; }
 
     TRegionStats Stats() const;
 
@@ -80,6 +86,8 @@ class CRegionSolver {
     // The distance by a region solved with at least `depth`, solving it when needed; a negative
     // depth only looks up.
     uint8_t DistanceLocked(const TChessboard& board, int depth);
+    // Solves `board`'s region again from `depth` up to `maxDepth` until its mate fits `halfMoves`.
+    uint8_t Deepen(const TChessboard& board, int halfMoves, int depth, int maxDepth);
     int MaxDepth(const TChessboard& board) const;
     bool Solve(const TRegionPosition& position, TClassEntry& entry, uint32_t region, int depth);
     void PollStop();
@@ -88,6 +96,7 @@ class CRegionSolver {
 
     const TRegionLimits m_limits;
     const std::atomic<bool>* m_pStop;
+    std::chrono::steady_clock::time_point m_deadline = std::chrono::steady_clock::time_point::max();
     mutable std::shared_mutex m_mutex;
     std::unordered_map<TRegionClass, TClassEntry, TRegionClassHash> m_classes;
     TRegionStats m_stats;

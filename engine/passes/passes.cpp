@@ -11,6 +11,7 @@
 #include "engine/heuristics/position_type.h"
 #include "engine/lookup/region_hook.h"
 #include "engine/state/run_control.h"
+#include "region_first_moves.h"
 
 namespace moremate {
 namespace {
@@ -191,12 +192,36 @@ void RunStandard(CPassSeries& series, const TPassRunRequest& request, size_t lim
     if (!series.Done() && (!heuristics || state.pass2Allowed)) series.RunPassTwo(limit);
 }
 
+// Whether the run uses regions: asked to, or left to the engine for a blocked position.
+bool UsesRegions(const TPassRunRequest& request) {
+    return request.regions == TRegionMode::On ||
+           (request.regions == TRegionMode::Auto && RegionsDecide(request.position));
+}
+
+// The regions after the first moves are solved first, with a share of the time, and the first
+// moves they prove go first in every pass. Then regions are only looked up (left to the engine,
+// or once a first move is proven): solving the regions of every node the passes meet holds their
+// proofs up.
+void PreferRegionFirstMoves(CPassSeries& series, TPassRunRequest& request, CRegionSolver& solver,
+                            CRegionHook& hook) {
+    constexpr int64_t kWithoutLimitMs = 60000;
+    const int64_t budgetMs =
+        request.timeLimitSeconds > 0 ? int64_t{request.timeLimitSeconds} * 500 : kWithoutLimitMs;
+    std::vector<TMove> first = RegionFirstMoves(request.position, solver, budgetMs, Limit(request.solutions));
+    hook.SetSolving(request.regions == TRegionMode::On && first.empty());
+    if (first.empty()) return;
+    series.Say(fmt::format("  - regions prove {} first move(s), tried first", first.size()));
+    for (const TMove& m : request.preferredFirstMoves)
+        if (std::find(first.begin(), first.end(), m) == first.end()) first.push_back(m);
+    request.preferredFirstMoves = std::move(first);
+}
+
 }  // namespace
 
 TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop) {
     std::optional<CRegionSolver> regions;
     std::optional<CRegionHook> regionHook;
-    if (request.regions) {
+    if (UsesRegions(request)) {
         regions.emplace(TRegionLimits{}, stop);
         regionHook.emplace(*regions, request.environment.globalRegister);
         request.environment.globalRegister = &*regionHook;
@@ -205,6 +230,7 @@ TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop) {
     request.state.passEndTimes[0] = RelaxationClockMs(request.relaxation);
     CPassSeries series(request, stop);
     series.Say(QuickModeLine(request.state));
+    if (regions) PreferRegionFirstMoves(series, request, *regions, *regionHook);
     switch (request.bruteForce) {
         case TBruteForce::Full:
             series.RunPassTwo(SIZE_MAX);

@@ -13,6 +13,7 @@
 #include "engine/lookup/region_solver.h"
 #include "pass_threads.h"
 #include "proof_number_pass.h"
+#include "region_first_moves.h"
 #include "relaxation.h"
 #include "run_register.h"
 #include "solver.h"
@@ -46,9 +47,9 @@ struct TPassRunRequest {
     // minutes without a limit).
     TProofNumberMode proofNumber = TProofNumberMode::Off;
     uint64_t proofNumberTableBytes = 64ULL << 20;
-    // Nodes of small regions (blocked positions where only pieces move) settled by their own
-    // retrograde analysis, in every pass.
-    bool regions = false;
+    // Small regions (blocked positions where only pieces move) settled by their own retrograde
+    // analysis: the regions after the first moves before the passes, then in every pass.
+    TRegionMode regions = TRegionMode::Off;
     TRelaxationEnvironment relaxation;               // its root is set to `position` by RunPasses
     std::function<void(const std::string&)> output;  // mode lines, phase texts and pass status lines
 };

@@ -166,6 +166,10 @@ TMove TProofNumberSearch::ShortMatingMove(const TChessboard& node) {
     return m_short.MatingMove(node, node.movesLeft);
 }
 
+int TProofNumberSearch::KnownMateDistance(const TChessboard& node) const {
+    return m_env.globalRegister ? m_env.globalRegister->MateDistance(node) : -1;
+}
+
 void TProofNumberSearch::Record(const TChessboard& node, const TPositionKey& key,
                                 const TProofNumbers& numbers, uint64_t work) {
     m_table.Store(key, numbers, work);

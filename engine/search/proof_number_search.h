@@ -58,6 +58,8 @@ class TProofNumberSearch {
     // A move of White's that mates within the half-moves left of a node that the ordinary search
     // settles (see above); the null move when there is none or the node is farther from the end.
     TMove ShortMatingMove(const TChessboard& node);
+    // The length of `node`'s mate in White's moves as precalculated data knows it, or -1.
+    int KnownMateDistance(const TChessboard& node) const;
 
     const TProofNumberStats& Stats() const { return m_stats; }
 

@@ -1,8 +1,13 @@
 #include "proof_walk.h"
 
+#include <algorithm>
+#include <climits>
 #include <deque>
+#include <utility>
+#include <vector>
 
 #include "core/movegen.h"
+#include "line_detours.h"
 #include "move_ordering.h"
 
 namespace moremate {
@@ -14,6 +19,24 @@ uint64_t MemoId(const TChessboard& node) {
 }
 
 }  // namespace
+
+// Moves into positions whose mate precalculated data knows go first, shortest first: the walk
+// then follows the data's mates, not the first proof it meets, and the main line its quickest.
+void CProofWalk::OrderByKnownDistance(const TChessboard& node, TMoveList& moves) {
+    std::vector<std::pair<int, TMove>> ranked;
+    bool any = false;
+    for (const TMove& m : moves) {
+        TChessboard child;
+        PlayMove(node, m, child);
+        const int d = m_proofs.KnownMateDistance(child);
+        any |= d >= 0;
+        ranked.emplace_back(d < 0 ? INT_MAX : d, m);
+    }
+    if (!any) return;
+    std::stable_sort(ranked.begin(), ranked.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    for (int i = 0; i < moves.count; ++i) moves.moves[i] = ranked[i].second;
+}
 
 int CProofWalk::Length(const TChessboard& node) {
     const uint64_t id = MemoId(node);
@@ -29,6 +52,7 @@ CProofWalk::TStep CProofWalk::WhiteStep(const TChessboard& node) {
     TMoveList moves;
     GenerateLegalMoves(node, moves);
     OrderWhiteMoves(node, moves, TKillerMoves{}, node.movesLeft == 1);
+    OrderByKnownDistance(node, moves);
     const TStep step = ProvenMove(node, moves);
     if (step.length >= 0 || node.movesLeft == 1) return step;
     // Near the end the search settles nodes by the ordinary search, which keeps no numbers of
@@ -86,7 +110,7 @@ std::vector<TMove> CProofWalk::Line(const TChessboard& root, const TMove& key) {
         line.emplace_back();
         PlayMove(node, found->second.move, line.back());
     }
-    return moves;
+    return WithoutDetours(root, moves);
 }
 
 }  // namespace moremate

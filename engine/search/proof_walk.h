@@ -34,6 +34,7 @@ class CProofWalk {
     int Length(const TChessboard& node);
     TStep WhiteStep(const TChessboard& node);
     TStep ProvenMove(const TChessboard& node, const TMoveList& moves);
+    void OrderByKnownDistance(const TChessboard& node, TMoveList& moves);
     TStep BlackStep(const TChessboard& node);
 
     TProofNumberSearch& m_proofs;

@@ -31,6 +31,9 @@ class CGlobalRegisterHook {
     // Settles a node from precalculated data: true with `result` set (kMate or kNoMate), or
     // false when the position is not of a precalculated type.
     virtual bool Settle(const TChessboard& node, uint8_t& result) = 0;
+    // The number of White moves of the shortest mate the data knows for `node` (for Black to move:
+    // after Black's longest defence), or -1: main lines follow it.
+    virtual int MateDistance(const TChessboard& /*node*/) { return -1; }
 };
 
 class CSchedulerHook {

@@ -10,6 +10,7 @@
 
 #include "engine/heuristics/heuristic_set.h"
 #include "engine/passes/proof_number_pass.h"
+#include "engine/passes/region_first_moves.h"
 #include "engine/passes/run_register.h"
 #include "engine/run/run_services.h"
 #include "problems/format/problem_entry.h"
@@ -32,7 +33,8 @@ struct TSolveSettings {
     bool noPassTwo = false;
     bool noRelaxation = false;  // pass 1's set is not relaxed (the record's DONTRELAXHEURISTICS for one run)
     TProofNumberMode proofNumber = TProofNumberMode::Auto;  // the proof-number pass before the others
-    bool regions = false;  // blocked positions settled by the retrograde analysis of their regions
+    TRegionMode regions =
+        TRegionMode::Auto;  // blocked positions settled by the retrograde analysis of their regions
     int timeLimitSeconds = 0;
     int threads = 1;
     int levels = 1;          // multithreading levels
