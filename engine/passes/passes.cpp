@@ -22,6 +22,9 @@ constexpr const char* kHybridSecondPhaseText =
     "  - now running the second (brute force) phase of hybrid brute force (at least one solution already "
     "found)";
 
+// The regions solved before the passes, as the run's figures name them.
+constexpr const char* kRegionsPhaseLabel = "regions";
+
 size_t Limit(TSolutionCount count) {
     return count == TSolutionCount::All ? SIZE_MAX : static_cast<size_t>(count);
 }
@@ -96,6 +99,11 @@ class CPassSeries {
     }
 
     void SetHybridPhase(uint8_t phase) { m_byPhase = phase; }
+    // A phase of the run outside the passes, with its figures.
+    void AddSummary(const TPassSummary& summary) {
+        m_result.passes.push_back(summary);
+        m_result.nodes += summary.nodes;
+    }
     bool Done() const { return m_bDone; }
     bool Interrupted() const { return m_result.stopped || !m_result.error.empty(); }
     size_t KeyCount() const { return m_result.keys.size(); }
@@ -207,7 +215,13 @@ void PreferRegionFirstMoves(CPassSeries& series, TPassRunRequest& request, CRegi
     constexpr int64_t kWithoutLimitMs = 60000;
     const int64_t budgetMs =
         request.timeLimitSeconds > 0 ? int64_t{request.timeLimitSeconds} * 500 : kWithoutLimitMs;
+    const auto start = std::chrono::steady_clock::now();
     std::vector<TMove> first = RegionFirstMoves(request.position, solver, budgetMs, Limit(request.solutions));
+    const int64_t msec =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
+            .count();
+    series.AddSummary(
+        {kRegionsPhaseLabel, "", first.empty() ? kUnknownResult : kMate, solver.Stats().nodes, msec});
     hook.SetSolving(request.regions == TRegionMode::On && first.empty());
     if (first.empty()) return;
     series.Say(fmt::format("  - regions prove {} first move(s), tried first", first.size()));
