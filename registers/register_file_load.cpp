@@ -35,9 +35,10 @@ uint64_t ReadU64(const uint8_t* p) {
     return value;
 }
 
-// Checks each record's position and stores the valid ones, logging them when asked. Records are
-// stored in batches: the buckets of a whole batch are prefetched first, so that its memory
-// accesses overlap instead of coming one after another.
+// Checks each record's position and stores the valid ones, logging them when asked. Records wait
+// in a ring on their way to the register: the bucket word of a record is asked for when it comes
+// in, its node kLag records later, and it is stored kLag records after that, so that the memory
+// accesses of some twenty records overlap. Records of a bucket are stored in file order.
 class CRecordStore {
   public:
     CRecordStore(TAggregatedTemporaryChessboardRegister& reg, const TRegisterLoadOptions& options,
@@ -51,28 +52,27 @@ class CRecordStore {
     void Store(uint64_t nConfiguration, const uint8_t* pRecord) {
         if (nConfiguration != m_nConfiguration) Flush();
         m_nConfiguration = nConfiguration;
-        TChessboardRegisterEntry& entry = m_batch[m_nBatch];
-        entry.MovesMate = ReadU16(pRecord);
-        entry.MovesNoMate = ReadU16(pRecord + 2);
-        std::memcpy(entry.key.squares, pRecord + 4, sizeof entry.key.squares);
-        if (BrokenRuleOf(entry.key.squares)) {
+        if (BrokenRuleOf(pRecord + 4)) {
             ++m_report.nInvalidPositions;
             return;
         }
+        if (m_nCame - m_nStored == kRing) StoreOldest();
+        TChessboardRegisterEntry& entry = m_ring[m_nCame % kRing];
+        entry.MovesMate = ReadU16(pRecord);
+        entry.MovesNoMate = ReadU16(pRecord + 2);
+        std::memcpy(entry.key.squares, pRecord + 4, sizeof entry.key.squares);
         ++m_report.nRecords;
         if (m_log.is_open()) Log(nConfiguration, entry);
-        if (++m_nBatch == m_batch.size()) Flush();
+        ++m_nCame;
+        // The stores of the doubtfulness registers look their register up first: not prefetched.
+        if (m_nConfiguration != 0) return;
+        m_reg.PrefetchBucket(entry.key);
+        if (m_nCame > kLag) m_reg.Prefetch(m_ring[(m_nCame - 1 - kLag) % kRing].key, TPrefetchFor::Insertion);
     }
 
-    // Stores the records still waiting in the batch.
+    // Stores the records still waiting.
     void Flush() {
-        const std::span<const TChessboardRegisterEntry> batch(m_batch.data(), m_nBatch);
-        if (m_nConfiguration == 0) {
-            for (const TChessboardRegisterEntry& entry : batch) m_reg.PrefetchBucket(entry.key);
-            for (const TChessboardRegisterEntry& entry : batch) m_reg.Prefetch(entry.key);
-        }
-        for (const TChessboardRegisterEntry& entry : batch) m_reg.Merge(m_nConfiguration, entry);
-        m_nBatch = 0;
+        while (m_nStored < m_nCame) StoreOldest();
     }
 
   private:
@@ -88,8 +88,13 @@ class CRecordStore {
     const TRegisterLoadOptions& m_options;
     TRegisterLoadReport& m_report;
     std::ofstream m_log;
-    std::array<TChessboardRegisterEntry, 16> m_batch;
-    size_t m_nBatch = 0;
+    void StoreOldest() { m_reg.Merge(m_nConfiguration, m_ring[m_nStored++ % kRing]); }
+
+    static constexpr size_t kLag = 8;
+    static constexpr size_t kRing = 2 * kLag;
+    std::array<TChessboardRegisterEntry, kRing> m_ring;
+    uint64_t m_nCame = 0;  // records that came into the ring
+    uint64_t m_nStored = 0;
     uint64_t m_nConfiguration = 0;
 };
 
