@@ -4,11 +4,14 @@
 
 #include <cstdint>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <tuple>
 #include <vector>
 
 #include "register_test_support.h"
 #include "registers/aggregated_register.h"
+#include "registers/chunk_allocator.h"
 #include "registers/register_size.h"
 #include "registers/register_statistics.h"
 
@@ -200,6 +203,38 @@ TEST(RegisterSize, FromMemoryOrCapacity) {
     const TRegisterSize size = RegisterSizeForCapacity(1'000'000);
     EXPECT_EQ(size.nCapacity, 1'000'000u);
     EXPECT_EQ(size.nBuckets, 131'072u);
+}
+
+}  // namespace
+}  // namespace moremate
+
+namespace moremate {
+namespace {
+
+// The registers of the next problem take the memory the last one left, nodes and sorted arrays
+// alike, and find none of its entries: every block is written before it is read.
+TEST(RegisterMemoryReuse, NextRegisterTakesTheChunksAndSeesNoStaleEntry) {
+    constexpr uint32_t kEntries = 400'000;  // about six per bucket, some buckets sorted
+    using TRegister = TTemporaryChessboardRegister<0>;
+    auto first = std::make_unique<TRegister>(2 * kEntries, kEntries / 8);
+    for (uint32_t i = 0; i < kEntries; ++i) first->Insert(5, NumberedKey(i), true);
+    first.reset();
+    const TChunkStatistics left = RegisterChunkAllocator().Statistics();
+    EXPECT_GT(left.nUnusedChunks, 10u);
+
+    TRegister next(2 * kEntries, kEntries / 8);
+    for (uint32_t i = 0; i < kEntries; ++i) ASSERT_FALSE(next.Find(NumberedKey(i))) << i;
+    for (uint32_t i = 0; i < kEntries; ++i) next.Insert(7, NumberedKey(i), false);
+    for (uint32_t i = 0; i < kEntries; i += 7) {
+        const std::optional<TChessboardRegisterEntry> entry = next.Find(NumberedKey(i));
+        ASSERT_TRUE(entry) << i;
+        EXPECT_EQ(entry->MovesMate, 0) << i;
+        EXPECT_EQ(entry->MovesNoMate, 7) << i;
+    }
+    const TMapCensus census = next.Census();
+    EXPECT_EQ(census.nEntries, kEntries);
+    EXPECT_EQ(census.nFirst, 0u);
+    EXPECT_EQ(RegisterChunkAllocator().Statistics().nChunks, left.nChunks);
 }
 
 }  // namespace
