@@ -36,6 +36,24 @@ TEST(RegisterHashValue, WeighsEachByteByItsPlace) {
     };
     for (const auto& [key, nHash] : cases) EXPECT_EQ(RegisterHash(key), nHash);
     for (uint8_t i = 0; i < 64; ++i) EXPECT_EQ(RegisterHash(EqualHashKey(i)), 252u);
+    // Every place with every byte value's high and low bits, and keys full of bytes.
+    for (int square = 0; square < 64; ++square) {
+        for (uint32_t byte : {1u, 0x41u, 0x80u, 0xFFu})
+            EXPECT_EQ(RegisterHash(KeyOf({{square, static_cast<uint8_t>(byte)}})),
+                      byte * static_cast<uint32_t>((square + 1) * (square + 1)))
+                << square;
+    }
+    uint32_t state = 7;
+    for (int i = 0; i < 1'000; ++i) {
+        TChessboardRegisterItem key;
+        uint32_t nExpected = 0;
+        for (int square = 0; square < 64; ++square) {
+            state = state * 1'103'515'245u + 12'345u;
+            key.squares[square] = static_cast<uint8_t>(state >> 24);
+            nExpected += key.squares[square] * static_cast<uint32_t>((square + 1) * (square + 1));
+        }
+        EXPECT_EQ(RegisterHash(key), nExpected) << i;
+    }
 }
 
 // Entries in one bucket: the ninth converts the node into a sorted array of 16, which then
