@@ -38,7 +38,7 @@ uint64_t ReadU64(const uint8_t* p) {
 // Checks each record's position and stores the valid ones, logging them when asked. Records wait
 // in a ring on their way to the register: the bucket word of a record is asked for when it comes
 // in, its node kLag records later, and it is stored kLag records after that, so that the memory
-// accesses of some twenty records overlap. Records of a bucket are stored in file order.
+// accesses of sixteen records overlap. Records of a bucket are stored in file order.
 class CRecordStore {
   public:
     CRecordStore(TAggregatedTemporaryChessboardRegister& reg, const TRegisterLoadOptions& options,
@@ -76,6 +76,8 @@ class CRecordStore {
     }
 
   private:
+    void StoreOldest() { m_reg.Merge(m_nConfiguration, m_ring[m_nStored++ % kRing]); }
+
     void Log(uint64_t nConfiguration, const TChessboardRegisterEntry& entry) {
         char line[64];
         std::snprintf(line, sizeof line, "%d,%d,%d,%d,", entry.MovesMate, entry.MovesNoMate,
@@ -88,8 +90,6 @@ class CRecordStore {
     const TRegisterLoadOptions& m_options;
     TRegisterLoadReport& m_report;
     std::ofstream m_log;
-    void StoreOldest() { m_reg.Merge(m_nConfiguration, m_ring[m_nStored++ % kRing]); }
-
     static constexpr size_t kLag = 8;
     static constexpr size_t kRing = 2 * kLag;
     std::array<TChessboardRegisterEntry, kRing> m_ring;
