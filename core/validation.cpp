@@ -8,6 +8,31 @@
 namespace moremate {
 namespace {
 
+constexpr const char* kPawnOnEdgeRank = "Pawns cannot occupy 1st nor 8th line of the chessboard.";
+constexpr const char* kKingCount = "Illegal number of kings.";
+constexpr const char* kBothKingsAttacked = "Both kings attacked.";
+constexpr uint64_t kEdgeRanks = 0xFF000000000000FFull;
+
+// Bit i set when the piece byte of square i, masked by `mask`, equals `value`: with both the same
+// single bit, the squares whose byte has that bit.
+uint64_t SquaresWhere(const uint8_t* squares, uint8_t mask, uint8_t value) {
+#if defined(__SSE2__)
+    const __m128i masks = _mm_set1_epi8(static_cast<char>(mask));
+    const __m128i values = _mm_set1_epi8(static_cast<char>(value));
+    uint64_t where = 0;
+    for (int i = 0; i < 4; ++i) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(squares + 16 * i));
+        const __m128i equal = _mm_cmpeq_epi8(_mm_and_si128(bytes, masks), values);
+        where |= uint64_t{static_cast<uint16_t>(_mm_movemask_epi8(equal))} << (16 * i);
+    }
+    return where;
+#else
+    uint64_t where = 0;
+    for (int i = 0; i < 64; ++i) where |= uint64_t{(squares[i] & mask) == value} << i;
+    return where;
+#endif
+}
+
 void StoreWhiteKing(TChessboard& b, int sq) {
     b.whiteKingFile = static_cast<uint8_t>(FileOf(sq));
     b.whiteKingRank = static_cast<uint8_t>(RankOf(sq));
@@ -59,8 +84,7 @@ const char* BrokenRule(TChessboard& b) {
     for (uint64_t occupied = b.Occupied(); occupied; occupied &= occupied - 1) {
         const int sq = std::countr_zero(occupied);
         const Piece p = b.squares[sq];
-        if (TypeOf(p) == kPawn && (sq < 8 || RankOf(sq) == 7))
-            return "Pawns cannot occupy 1st nor 8th line of the chessboard.";
+        if (TypeOf(p) == kPawn && (sq < 8 || RankOf(sq) == 7)) return kPawnOnEdgeRank;
         switch (p) {
             case kWhite | kKing:
                 StoreWhiteKing(b, sq);
@@ -104,10 +128,29 @@ const char* BrokenRule(TChessboard& b) {
                 break;
         }
     }
-    if (whiteKings != 1 || blackKings != 1) return "Illegal number of kings.";
+    if (whiteKings != 1 || blackKings != 1) return kKingCount;
     b.whiteKingAttacker = KingAttackerField(b, kWhite);
     b.blackKingAttacker = KingAttackerField(b, kBlack);
-    if (b.whiteKingAttacker != -1 && b.blackKingAttacker != -1) return "Both kings attacked.";
+    if (b.whiteKingAttacker != -1 && b.blackKingAttacker != -1) return kBothKingsAttacked;
+    return nullptr;
+}
+
+// Byte masks instead of a walk over the squares, and the second king's attackers asked only when
+// the first king is attacked.
+const char* BrokenRuleOf(const uint8_t* squares) {
+    TChessboard board;
+    for (int bit = 0; bit < 8; ++bit) {
+        const uint8_t pieceBit = static_cast<uint8_t>(1u << bit);
+        board.pieceBits[bit] = SquaresWhere(squares, pieceBit, pieceBit);
+    }
+    const uint64_t occupied = board.Occupied();
+    if (SquaresWhere(squares, kTypeMask, kPawn) & occupied & kEdgeRanks) return kPawnOnEdgeRank;
+    const uint64_t whiteKing = SquaresWhere(squares, 0xFF, kWhite | kKing);
+    const uint64_t blackKing = SquaresWhere(squares, 0xFF, kBlack | kKing);
+    if (BitCount(whiteKing) != 1 || BitCount(blackKing) != 1) return kKingCount;
+    if (AttackersOf(board, std::countr_zero(whiteKing), kBlack, occupied) &&
+        AttackersOf(board, std::countr_zero(blackKing), kWhite, occupied))
+        return kBothKingsAttacked;
     return nullptr;
 }
 

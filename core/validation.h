@@ -8,6 +8,9 @@ namespace moremate {
 // The rules alone, without throwing: the text of the first rule the position breaks, or null.
 // Fills the derived fields as Validate does.
 const char* BrokenRule(TChessboard& board);
+// The verdict of BrokenRule (the same rule, the same text) from the piece bytes alone, filling no
+// board: for checking many positions, such as the records of a register file.
+const char* BrokenRuleOf(const uint8_t* squares);
 // Full flavour, used when a position is newly read or transformed. Throws ChessException.
 // With `resetAuxWords` the heuristics' auxiliary state words are zeroed as well.
 void Validate(TChessboard& board, bool resetAuxWords);

@@ -8,7 +8,6 @@
 #include <cstring>
 #include <mutex>
 #include <new>
-#include <vector>
 
 #include "register_combined_map.h"
 
@@ -55,7 +54,8 @@ struct CChunkAllocator::TSizeClass {
     mutable std::mutex mutex;
     TChunk* pPartial = nullptr;  // chunks with a free unit and one in use at least
     TChunk* pAll = nullptr;
-    std::vector<TChunk*> unused;
+    TChunk* pUnused = nullptr;  // chunks with no unit in use, linked through pNext
+    size_t nUnused = 0;
     size_t nChunks = 0;
     size_t nFreeUnits = 0;
 
@@ -77,7 +77,7 @@ struct CChunkAllocator::TSizeClass {
     // An unused chunk when one waits, else a new one; empty and in the list of free units.
     void AddChunk() {
         TChunk* pChunk;
-        if (unused.empty()) {
+        if (!pUnused) {
             pChunk = NewChunk(kChunkSize);
             pChunk->pClass = this;
             pChunk->pNextOfAll = pAll;
@@ -86,8 +86,9 @@ struct CChunkAllocator::TSizeClass {
             ++nChunks;
             nFreeUnits += nUnitsPerChunk;
         } else {
-            pChunk = unused.back();
-            unused.pop_back();
+            pChunk = pUnused;
+            pUnused = pChunk->pNext;
+            --nUnused;
             pChunk->pFree = nullptr;
         }
         pChunk->pFresh = UnitsOf(pChunk);
@@ -118,11 +119,9 @@ struct CChunkAllocator::TSizeClass {
         ++nFreeUnits;
         if (pChunk->nUsed > 0) return;
         Unlink(pChunk);
-        if (unused.size() < kMaxUnusedChunks) {
-            unused.push_back(pChunk);
-        } else {
-            Release(pChunk);
-        }
+        pChunk->pNext = pUnused;
+        pUnused = pChunk;
+        ++nUnused;
     }
 
     // Returns a chunk with no unit in use (or any chunk, when the allocator dies) to the system.
@@ -135,8 +134,12 @@ struct CChunkAllocator::TSizeClass {
     }
     void ReleaseUnused() {
         std::lock_guard lock(mutex);
-        for (TChunk* pChunk : unused) Release(pChunk);
-        unused.clear();
+        while (pUnused) {
+            TChunk* pChunk = pUnused;
+            pUnused = pChunk->pNext;
+            Release(pChunk);
+        }
+        nUnused = 0;
     }
 };
 
@@ -200,7 +203,7 @@ TChunkStatistics CChunkAllocator::Statistics() const {
         statistics.nChunks += sizeClass.nChunks;
         statistics.nUnits += sizeClass.nChunks * sizeClass.nUnitsPerChunk;
         statistics.nFreeUnits += sizeClass.nFreeUnits;
-        statistics.nUnusedChunks += sizeClass.unused.size();
+        statistics.nUnusedChunks += sizeClass.nUnused;
     }
     return statistics;
 }

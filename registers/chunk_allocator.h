@@ -1,8 +1,11 @@
 // The allocator of the register's buckets: nodes, sorted-bucket headers and sorted arrays come
 // in a few fixed sizes, each served from 2 MiB chunks cut into units of that size. A freed unit
 // goes back to its chunk; a chunk left without used units waits among the unused chunks of its
-// size for reuse, and goes back to the system only when more than kMaxUnusedChunks wait or when
-// ReleaseUnusedChunks is called. A block above the largest unit (a sorted bucket of more than
+// size for reuse, and goes back to the system only when ReleaseUnusedChunks is called. So the
+// registers of the next problem of a collection, or those refilling after an emptying, take the
+// memory of the ones before without the system clearing it again (the units need no clearing:
+// every block is written before it is read). What waits is at most what was in use at the peak,
+// which the registers' capacity bounds. A block above the largest unit (a sorted bucket of more than
 // 2,048 entries, which only a degenerate hash gives) gets a chunk of its own, rounded up to 2 MiB.
 //
 // Chunks are aligned to 2 MiB and start with a header, so a block finds its chunk and its size
@@ -30,7 +33,6 @@ struct TChunkStatistics {
 class CChunkAllocator {
   public:
     static constexpr size_t kChunkSize = size_t{2} << 20;
-    static constexpr size_t kMaxUnusedChunks = 8;  // per unit size
     static constexpr size_t kUnitSizeCount = 10;
 
     // Unit sizes in ascending order, each a multiple of 8 and at most a seventh of a chunk.

@@ -34,6 +34,11 @@ struct TSortedBucket {
 
 size_t SortedBucketCapacity(uint64_t nCount);
 
+// The cache lines a node spans.
+inline constexpr size_t kNodeLines = (sizeof(TBucketNode) + 63) / 64;
+
+enum class TPrefetchFor { Lookup, Insertion };
+
 // Counts over a set of entries; `nFirst` and `nSecond` count the entries whose first
 // (`MovesMate`) and second (`MovesNoMate`) value is set. Levels are those of set values.
 struct TMapCensus {
@@ -76,15 +81,21 @@ class TRegisterCombinedMap {
     // without reading it. Must not run concurrently with Swap.
     void PrefetchBucket(const TChessboardRegisterItem& item) const { __builtin_prefetch(&BucketOf(item)); }
 
-    // Starts loading the bucket of `item` and the first entries it points to into the cache,
-    // without locking; it waits for the bucket word only (after PrefetchBucket, some work
-    // earlier, that is in the cache). A prefetch never faults, so a pointer that a concurrent
-    // change has just made stale does no harm. Must not run concurrently with Swap.
-    void Prefetch(const TChessboardRegisterItem& item) const {
+    // Starts loading the bucket of `item` and the entries it points to into the cache, without
+    // locking; it waits for the bucket word only (after PrefetchBucket, some work earlier, that
+    // is in the cache). For a look-up the first entries, read; for an insertion the whole node,
+    // which the new entry is appended to, with the intent to write. A prefetch never faults, so a
+    // pointer that a concurrent change has just made stale does no harm. Must not run
+    // concurrently with Swap.
+    void Prefetch(const TChessboardRegisterItem& item, TPrefetchFor purpose = TPrefetchFor::Lookup) const {
         const uint64_t word = BucketOf(item).load(std::memory_order_relaxed);
         const char* p = static_cast<const char*>(BucketPointer(word));
         if (!p) return;  // an empty bucket: nothing to load
-        for (int line = 0; line < 3; ++line) __builtin_prefetch(p + 64 * line);
+        if (purpose == TPrefetchFor::Lookup) {
+            for (size_t line = 0; line < 3; ++line) __builtin_prefetch(p + 64 * line);
+        } else {
+            for (size_t line = 0; line < kNodeLines; ++line) __builtin_prefetch(p + 64 * line, 1);
+        }
     }
 
     // Removes every entry for which `remove(entry)` holds, one bucket at a time; returns how many.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <fstream>
@@ -22,34 +23,8 @@ constexpr const char* kRecordReadError = "Error reading file in TAggregatedTempo
 constexpr const char* kLoadLogHeader =
     "nMovesMate/Doubtful,nMovesNoMate/NotDoubtful,Heuristics,HeurParams,FEN\n";
 
-class CFileSource {
-  public:
-    explicit CFileSource(std::FILE* pFile) : m_pFile(pFile) {}
-    size_t Read(uint8_t* p, size_t size) {
-        const size_t nRead = std::fread(p, 1, size, m_pFile);
-        if (nRead < size && std::ferror(m_pFile)) throw ChessException(kRecordReadError);
-        return nRead;
-    }
-
-  private:
-    std::FILE* m_pFile;
-};
-
-class CMemorySource {
-  public:
-    explicit CMemorySource(const std::vector<uint8_t>& data) : m_data(data) {}
-    size_t Read(uint8_t* p, size_t size) {
-        const size_t nRead = std::min(size, m_data.size() - m_nOffset);
-        if (nRead == 0) return 0;  // the data may be empty, without memory at all
-        std::memcpy(p, m_data.data() + m_nOffset, nRead);
-        m_nOffset += nRead;
-        return nRead;
-    }
-
-  private:
-    const std::vector<uint8_t>& m_data;
-    size_t m_nOffset = 0;
-};
+// Large reads: a plain file is read a few megabytes at a time, not record by record.
+constexpr size_t kReadBlockSize = size_t{4} << 20;
 
 uint16_t ReadU16(const uint8_t* p) {
     return static_cast<uint16_t>(p[0] | p[1] << 8);
@@ -60,9 +35,10 @@ uint64_t ReadU64(const uint8_t* p) {
     return value;
 }
 
-// Checks each record's position and stores the valid ones, logging them when asked. Records are
-// stored in batches: the buckets of a whole batch are prefetched first, so that its memory
-// accesses overlap instead of coming one after another.
+// Checks each record's position and stores the valid ones, logging them when asked. Records wait
+// in a ring on their way to the register: the bucket word of a record is asked for when it comes
+// in, its node kLag records later, and it is stored kLag records after that, so that the memory
+// accesses of sixteen records overlap. Records of a bucket are stored in file order.
 class CRecordStore {
   public:
     CRecordStore(TAggregatedTemporaryChessboardRegister& reg, const TRegisterLoadOptions& options,
@@ -76,80 +52,100 @@ class CRecordStore {
     void Store(uint64_t nConfiguration, const uint8_t* pRecord) {
         if (nConfiguration != m_nConfiguration) Flush();
         m_nConfiguration = nConfiguration;
-        TChessboardRegisterEntry& entry = m_batch[m_nBatch];
-        entry.MovesMate = ReadU16(pRecord);
-        entry.MovesNoMate = ReadU16(pRecord + 2);
-        std::memcpy(entry.key.squares, pRecord + 4, sizeof entry.key.squares);
-        TChessboard board = ChessboardOf(entry.key, m_options.bBlackToMove ? 2 : 1);
-        if (BrokenRule(board)) {
+        if (BrokenRuleOf(pRecord + 4)) {
             ++m_report.nInvalidPositions;
             return;
         }
+        if (m_nCame - m_nStored == kRing) StoreOldest();
+        TChessboardRegisterEntry& entry = m_ring[m_nCame % kRing];
+        entry.MovesMate = ReadU16(pRecord);
+        entry.MovesNoMate = ReadU16(pRecord + 2);
+        std::memcpy(entry.key.squares, pRecord + 4, sizeof entry.key.squares);
         ++m_report.nRecords;
-        if (m_log.is_open()) Log(nConfiguration, entry, board);
-        if (++m_nBatch == m_batch.size()) Flush();
+        if (m_log.is_open()) Log(nConfiguration, entry);
+        ++m_nCame;
+        // The stores of the doubtfulness registers look their register up first: not prefetched.
+        if (m_nConfiguration != 0) return;
+        m_reg.PrefetchBucket(entry.key);
+        if (m_nCame > kLag) m_reg.Prefetch(m_ring[(m_nCame - 1 - kLag) % kRing].key, TPrefetchFor::Insertion);
     }
 
-    // Stores the records still waiting in the batch.
+    // Stores the records still waiting.
     void Flush() {
-        const std::span<const TChessboardRegisterEntry> batch(m_batch.data(), m_nBatch);
-        if (m_nConfiguration == 0) {
-            for (const TChessboardRegisterEntry& entry : batch) m_reg.PrefetchBucket(entry.key);
-            for (const TChessboardRegisterEntry& entry : batch) m_reg.Prefetch(entry.key);
-        }
-        for (const TChessboardRegisterEntry& entry : batch) m_reg.Merge(m_nConfiguration, entry);
-        m_nBatch = 0;
+        while (m_nStored < m_nCame) StoreOldest();
     }
 
   private:
-    void Log(uint64_t nConfiguration, const TChessboardRegisterEntry& entry, const TChessboard& board) {
+    void StoreOldest() { m_reg.Merge(m_nConfiguration, m_ring[m_nStored++ % kRing]); }
+
+    void Log(uint64_t nConfiguration, const TChessboardRegisterEntry& entry) {
         char line[64];
         std::snprintf(line, sizeof line, "%d,%d,%d,%d,", entry.MovesMate, entry.MovesNoMate,
                       static_cast<int>(static_cast<uint32_t>(nConfiguration)),
                       static_cast<int>(static_cast<uint32_t>(nConfiguration >> 32)));
-        m_log << line << WriteFen(board) << '\n';
+        m_log << line << WriteFen(ChessboardOf(entry.key, m_options.bBlackToMove ? 2 : 1)) << '\n';
     }
 
     TAggregatedTemporaryChessboardRegister& m_reg;
     const TRegisterLoadOptions& m_options;
     TRegisterLoadReport& m_report;
     std::ofstream m_log;
-    std::array<TChessboardRegisterEntry, 16> m_batch;
-    size_t m_nBatch = 0;
+    static constexpr size_t kLag = 8;
+    static constexpr size_t kRing = 2 * kLag;
+    std::array<TChessboardRegisterEntry, kRing> m_ring;
+    uint64_t m_nCame = 0;  // records that came into the ring
+    uint64_t m_nStored = 0;
     uint64_t m_nConfiguration = 0;
 };
 
-// Reads 68-byte units; a marker inside a unit switches the group and is replaced by the next
-// 12 bytes. True when the data end at a record (or marker) boundary.
-template <class TSource>
-bool ReadGroups(TSource& source, CRecordStore& store) {
-    uint8_t unit[kRegisterRecordSize];
-    size_t nFilled = 0;
+// Stores the records of `data` and takes the configuration of each group marker met (a marker
+// is told from a record by its first four bytes). Returns the bytes used: a marker or record cut
+// by the end of `data` is left for the next call.
+size_t StoreUnits(std::span<const uint8_t> data, uint64_t& nConfiguration, CRecordStore& store) {
+    size_t nUsed = 0;
+    for (;;) {
+        const uint8_t* p = data.data() + nUsed;
+        const size_t nLeft = data.size() - nUsed;
+        if (nLeft >= kRegisterMarkerSize && IsGroupMarker(p)) {
+            nConfiguration = ReadU64(p + 4);
+            nUsed += kRegisterMarkerSize;
+        } else if (nLeft >= kRegisterRecordSize) {
+            store.Store(nConfiguration, p);
+            nUsed += kRegisterRecordSize;
+        } else {
+            return nUsed;
+        }
+    }
+}
+
+// Reads the file in blocks, the unit cut at the end of a block moved to the front of the next.
+// A read error throws once the records read before it are stored. True when the data end at a
+// record (or marker) boundary.
+bool StoreFile(std::FILE* pFile, uint64_t nFileSize, CRecordStore& store) {
+    const size_t nBufferSize = std::clamp<uint64_t>(nFileSize, kRegisterRecordSize, kReadBlockSize);
+    const std::unique_ptr<uint8_t[]> pBuffer = std::make_unique_for_overwrite<uint8_t[]>(nBufferSize);
+    const std::span<uint8_t> buffer(pBuffer.get(), nBufferSize);
+    size_t nKept = 0;
     uint64_t nConfiguration = 0;
     for (;;) {
-        const size_t nWanted = kRegisterRecordSize - nFilled;
-        const size_t nRead = source.Read(unit + nFilled, nWanted);
-        nFilled += nRead;
-        if (nFilled >= kRegisterMarkerSize && IsGroupMarker(unit)) {
-            nConfiguration = ReadU64(unit + 4);
-            nFilled -= kRegisterMarkerSize;
-            std::memmove(unit, unit + kRegisterMarkerSize, nFilled);
-            if (nFilled == 0 && nRead < nWanted) return true;
-            continue;
-        }
-        if (nFilled < kRegisterRecordSize) return nFilled == 0;
-        store.Store(nConfiguration, unit);
-        nFilled = 0;
+        const size_t nWanted = buffer.size() - nKept;
+        const size_t nRead = std::fread(buffer.data() + nKept, 1, nWanted, pFile);
+        const size_t nHeld = nKept + nRead;
+        const size_t nUsed = StoreUnits({buffer.data(), nHeld}, nConfiguration, store);
+        nKept = nHeld - nUsed;
+        if (nRead < nWanted && std::ferror(pFile)) throw ChessException(kRecordReadError);
+        if (nRead < nWanted) return nKept == 0;
+        std::memmove(buffer.data(), buffer.data() + nUsed, nKept);
     }
 }
 
 // Every record of the source stored, the last batch too, also when reading fails on the way;
 // true when the data end at a boundary.
-template <class TSource>
-bool ReadRecords(TSource& source, CRecordStore& store) {
+template <class FStoreAll>
+bool StoreAll(CRecordStore& store, FStoreAll&& storeAll) {
     bool bComplete = false;
     try {
-        bComplete = ReadGroups(source, store);
+        bComplete = storeAll();
     } catch (const ChessException&) {
         store.Flush();
         throw;
@@ -197,12 +193,13 @@ bool Load(std::FILE* pFile, TAggregatedTemporaryChessboardRegister& reg, size_t 
     if (IsPackedMagic(magic)) {
         std::vector<uint8_t> data = UnpackFile(pFile, magic, nFileSize);
         WriteScratchCopy(options.workingFolder / kLoadScratchFile, data);
-        CMemorySource source(data);
-        return ReadRecords(source, store);
+        return StoreAll(store, [&] {
+            uint64_t nConfiguration = 0;
+            return StoreUnits(data, nConfiguration, store) == data.size();
+        });
     }
     if (std::fseek(pFile, nStart, SEEK_SET) != 0) throw ChessException(kRecordReadError);
-    CFileSource source(pFile);
-    return ReadRecords(source, store);
+    return StoreAll(store, [&] { return StoreFile(pFile, nFileSize, store); });
 }
 
 }  // namespace moremate

@@ -50,7 +50,10 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     // A hint given some work ahead of a lookup or insertion of `position` (a search: when it
     // generates the position), so that the memory accesses of several positions overlap.
     // Takes no lock; must not run concurrently with SetBucketCount.
-    void Prefetch(const TChessboardRegisterItem& position) const { m_table.Prefetch(position); }
+    void Prefetch(const TChessboardRegisterItem& position,
+                  TPrefetchFor purpose = TPrefetchFor::Lookup) const {
+        m_table.Prefetch(position, purpose);
+    }
     // The step before Prefetch, some more work ahead: the bucket word alone.
     void PrefetchBucket(const TChessboardRegisterItem& position) const { m_table.PrefetchBucket(position); }
 

@@ -47,18 +47,26 @@ TEST(RegisterChunkAllocator, UnitsAreDistinctAndReused) {
     EXPECT_EQ(allocator.Statistics().nChunks, 2u);
 }
 
-TEST(RegisterChunkAllocator, EmptyChunksWaitUpToTheLimit) {
+// Chunks emptied (a register destroyed at the end of a problem) all wait for the next
+// allocations, which take them instead of asking the system, until they are released.
+TEST(RegisterChunkAllocator, EmptyChunksWaitForReuseUntilReleased) {
     CChunkAllocator allocator(kSizes);
-    const size_t nChunks = CChunkAllocator::kMaxUnusedChunks + 3;
+    const size_t nChunks = 11;
     std::vector<void*> blocks;
     for (size_t i = 0; i < nChunks * kUnitsOf4096; ++i) blocks.push_back(allocator.Allocate(4096));
     EXPECT_EQ(allocator.Statistics().nChunks, nChunks);
     EXPECT_EQ(allocator.Statistics().nFreeUnits, 0u);
     for (void* p : blocks) allocator.Free(p);
     TChunkStatistics s = allocator.Statistics();
-    EXPECT_EQ(s.nChunks, CChunkAllocator::kMaxUnusedChunks);
-    EXPECT_EQ(s.nUnusedChunks, CChunkAllocator::kMaxUnusedChunks);
+    EXPECT_EQ(s.nChunks, nChunks);
+    EXPECT_EQ(s.nUnusedChunks, nChunks);
     EXPECT_EQ(s.nFreeUnits, s.nUnits);
+    for (void*& p : blocks) p = allocator.Allocate(4096);
+    s = allocator.Statistics();
+    EXPECT_EQ(s.nChunks, nChunks);
+    EXPECT_EQ(s.nUnusedChunks, 0u);
+    EXPECT_EQ(s.nFreeUnits, 0u);
+    for (void* p : blocks) allocator.Free(p);
     allocator.ReleaseUnusedChunks();
     s = allocator.Statistics();
     EXPECT_EQ(s.nChunks, 0u);

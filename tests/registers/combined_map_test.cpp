@@ -4,11 +4,14 @@
 
 #include <cstdint>
 #include <limits>
+#include <memory>
+#include <optional>
 #include <tuple>
 #include <vector>
 
 #include "register_test_support.h"
 #include "registers/aggregated_register.h"
+#include "registers/chunk_allocator.h"
 #include "registers/register_size.h"
 #include "registers/register_statistics.h"
 
@@ -33,6 +36,24 @@ TEST(RegisterHashValue, WeighsEachByteByItsPlace) {
     };
     for (const auto& [key, nHash] : cases) EXPECT_EQ(RegisterHash(key), nHash);
     for (uint8_t i = 0; i < 64; ++i) EXPECT_EQ(RegisterHash(EqualHashKey(i)), 252u);
+    // Every place with every byte value's high and low bits, and keys full of bytes.
+    for (int square = 0; square < 64; ++square) {
+        for (uint32_t byte : {1u, 0x41u, 0x80u, 0xFFu})
+            EXPECT_EQ(RegisterHash(KeyOf({{square, static_cast<uint8_t>(byte)}})),
+                      byte * static_cast<uint32_t>((square + 1) * (square + 1)))
+                << square;
+    }
+    uint32_t state = 7;
+    for (int i = 0; i < 1'000; ++i) {
+        TChessboardRegisterItem key;
+        uint32_t nExpected = 0;
+        for (int square = 0; square < 64; ++square) {
+            state = state * 1'103'515'245u + 12'345u;
+            key.squares[square] = static_cast<uint8_t>(state >> 24);
+            nExpected += key.squares[square] * static_cast<uint32_t>((square + 1) * (square + 1));
+        }
+        EXPECT_EQ(RegisterHash(key), nExpected) << i;
+    }
 }
 
 // Entries in one bucket: the ninth converts the node into a sorted array of 16, which then
@@ -200,6 +221,38 @@ TEST(RegisterSize, FromMemoryOrCapacity) {
     const TRegisterSize size = RegisterSizeForCapacity(1'000'000);
     EXPECT_EQ(size.nCapacity, 1'000'000u);
     EXPECT_EQ(size.nBuckets, 131'072u);
+}
+
+}  // namespace
+}  // namespace moremate
+
+namespace moremate {
+namespace {
+
+// The registers of the next problem take the memory the last one left, nodes and sorted arrays
+// alike, and find none of its entries: every block is written before it is read.
+TEST(RegisterMemoryReuse, NextRegisterTakesTheChunksAndSeesNoStaleEntry) {
+    constexpr uint32_t kEntries = 400'000;  // about six per bucket, some buckets sorted
+    using TRegister = TTemporaryChessboardRegister<0>;
+    auto first = std::make_unique<TRegister>(2 * kEntries, kEntries / 8);
+    for (uint32_t i = 0; i < kEntries; ++i) first->Insert(5, NumberedKey(i), true);
+    first.reset();
+    const TChunkStatistics left = RegisterChunkAllocator().Statistics();
+    EXPECT_GT(left.nUnusedChunks, 10u);
+
+    TRegister next(2 * kEntries, kEntries / 8);
+    for (uint32_t i = 0; i < kEntries; ++i) ASSERT_FALSE(next.Find(NumberedKey(i))) << i;
+    for (uint32_t i = 0; i < kEntries; ++i) next.Insert(7, NumberedKey(i), false);
+    for (uint32_t i = 0; i < kEntries; i += 7) {
+        const std::optional<TChessboardRegisterEntry> entry = next.Find(NumberedKey(i));
+        ASSERT_TRUE(entry) << i;
+        EXPECT_EQ(entry->MovesMate, 0) << i;
+        EXPECT_EQ(entry->MovesNoMate, 7) << i;
+    }
+    const TMapCensus census = next.Census();
+    EXPECT_EQ(census.nEntries, kEntries);
+    EXPECT_EQ(census.nFirst, 0u);
+    EXPECT_EQ(RegisterChunkAllocator().Statistics().nChunks, left.nChunks);
 }
 
 }  // namespace

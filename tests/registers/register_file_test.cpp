@@ -11,6 +11,7 @@
 #include "registers/register_autosave.h"
 #include "registers/register_file.h"
 #include "registers/register_file_header.h"
+#include "registers/register_stream.h"
 #include "tests/support/temp_folder.h"
 
 namespace moremate {
@@ -152,6 +153,31 @@ TEST_F(RegisterFile, PlainFileEndsAtTheLastWholeRecord) {
     EXPECT_FALSE(result.bComplete);
     EXPECT_EQ(result.report.nRecords, 2u);
     EXPECT_FALSE(LoadText(whole + Marker(0).substr(0, 7)).bComplete);
+}
+
+// A plain file is read in blocks of 4 MB: records and markers cut by a block's end are completed
+// from the next block, and a file cut short still keeps every whole record before its end.
+TEST_F(RegisterFile, PlainFileOfSeveralReadBlocksLoadsWhole) {
+    TAggregatedTemporaryChessboardRegister large(200'000, kBuckets);
+    FillRegister(large, 70'000);
+    CRegisterStream out;
+    SaveLevels(large, out, kNoByteLimit);
+    const std::string stream(out.Bytes().begin(), out.Bytes().end());
+    ASSERT_GT(stream.size(), size_t{6} << 20);
+
+    TAggregatedTemporaryChessboardRegister loaded(200'000, 16);
+    TRegisterLoadResult result =
+        LoadRegisterFile(folder.Write("large.tmpReg", stream), loaded, kBuckets, options);
+    EXPECT_TRUE(result.bComplete) << result.sError;
+    EXPECT_EQ(result.report.nRecords, large.ElementCount());
+    EXPECT_EQ(Contents(loaded), Contents(large));
+
+    TAggregatedTemporaryChessboardRegister cut(200'000, 16);
+    result = LoadRegisterFile(folder.Write("cut.tmpReg", stream.substr(0, stream.size() - 30)), cut, kBuckets,
+                              options);
+    EXPECT_TRUE(result.bRead);
+    EXPECT_FALSE(result.bComplete);
+    EXPECT_EQ(result.report.nRecords, large.ElementCount() - 1);
 }
 
 TEST_F(RegisterFile, InvalidPositionsAreCountedAndSkipped) {
