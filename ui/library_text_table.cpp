@@ -359,6 +359,9 @@ const std::vector<TLibraryTextRow> kLibraryTable = {
      "  - trwa druga (pełna) faza hybrydowego pełnego przeszukiwania (znaleziono już co najmniej jedno "
      "rozwiązanie)",
      "  - триває друга (повна) фаза гібридного повного перебору (вже знайдено щонайменше один розв'язок)"},
+    {"  - first moves proven by the regions, tried first: ",
+     "  - pierwsze ruchy udowodnione przez regiony, sprawdzane najpierw: ",
+     "  - перші ходи, доведені регіонами, перевіряються першими: "},
     {"Engine has completed: ", "Silnik zakończył pracę: ", "Рушій завершив роботу: "},
     {"Engine stopped: ", "Silnik zatrzymany: ", "Рушій зупинено: "},
     {"solved", "rozwiązane", "розв'язано"},

@@ -22,8 +22,10 @@ constexpr const char* kHybridSecondPhaseText =
     "  - now running the second (brute force) phase of hybrid brute force (at least one solution already "
     "found)";
 
-// The regions solved before the passes, as the run's figures name them.
+// The regions solved before the passes, as the run's figures name them, and the line that says
+// how many first moves they proved.
 constexpr const char* kRegionsPhaseLabel = "regions";
+constexpr std::string_view kRegionFirstMovesText = "  - first moves proven by the regions, tried first: ";
 
 size_t Limit(TSolutionCount count) {
     return count == TSolutionCount::All ? SIZE_MAX : static_cast<size_t>(count);
@@ -224,7 +226,7 @@ void PreferRegionFirstMoves(CPassSeries& series, TPassRunRequest& request, CRegi
         {kRegionsPhaseLabel, "", first.empty() ? kUnknownResult : kMate, solver.Stats().nodes, msec});
     hook.SetSolving(request.regions == TRegionMode::On && first.empty());
     if (first.empty()) return;
-    series.Say(fmt::format("  - regions prove {} first move(s), tried first", first.size()));
+    series.Say(fmt::format("{}{}", kRegionFirstMovesText, first.size()));
     for (const TMove& m : request.preferredFirstMoves)
         if (std::find(first.begin(), first.end(), m) == first.end()) first.push_back(m);
     request.preferredFirstMoves = std::move(first);
