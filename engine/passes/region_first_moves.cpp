@@ -21,8 +21,8 @@ struct TFirstMove {
     bool leaves;    // a pawn move or a capture: the child is in another class than the root
 };
 
-// The first moves into regions, those leaving the root's class first (the quiet ones share the
-// root's region, which the searches solve anyway), smallest regions first.
+// The first moves into regions, those leaving the root's class first, smallest regions first: the
+// quiet ones all lead into the root's own region, which one solve settles for all of them.
 std::vector<TFirstMove> Candidates(const TChessboard& root) {
     TMoveList moves;
     GenerateLegalMoves(root, moves);

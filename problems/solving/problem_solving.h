@@ -33,8 +33,8 @@ struct TSolveSettings {
     bool noPassTwo = false;
     bool noRelaxation = false;  // pass 1's set is not relaxed (the record's DONTRELAXHEURISTICS for one run)
     TProofNumberMode proofNumber = TProofNumberMode::Auto;  // the proof-number pass before the others
-    TRegionMode regions =
-        TRegionMode::Auto;  // blocked positions settled by the retrograde analysis of their regions
+    // Blocked positions settled by the retrograde analysis of their regions.
+    TRegionMode regions = TRegionMode::Auto;
     int timeLimitSeconds = 0;
     int threads = 1;
     int levels = 1;          // multithreading levels
