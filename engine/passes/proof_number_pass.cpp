@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 
+#include "choice_text.h"
 #include "core/thread_start.h"
 #include "engine/search/first_move_order.h"
 #include "engine/search/proof_walk.h"
@@ -173,15 +174,10 @@ class CRootProofs {
 }  // namespace
 
 bool ReadProofNumberMode(const std::string& text, TProofNumberMode& mode) {
-    if (text == "auto")
-        mode = TProofNumberMode::Auto;
-    else if (text == "off")
-        mode = TProofNumberMode::Off;
-    else if (text == "only")
-        mode = TProofNumberMode::Only;
-    else
-        return false;
-    return true;
+    return ReadChoice(
+        text,
+        {{"auto", TProofNumberMode::Auto}, {"off", TProofNumberMode::Off}, {"only", TProofNumberMode::Only}},
+        mode);
 }
 
 uint64_t ProofNumberTableBytes(uint64_t registerQuotaMB) {

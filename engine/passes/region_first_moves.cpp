@@ -4,6 +4,7 @@
 #include <chrono>
 #include <utility>
 
+#include "choice_text.h"
 #include "core/movegen.h"
 #include "engine/lookup/region_analysis.h"
 
@@ -44,15 +45,8 @@ std::vector<TFirstMove> Candidates(const TChessboard& root) {
 }  // namespace
 
 bool ReadRegionMode(const std::string& text, TRegionMode& mode) {
-    if (text == "auto")
-        mode = TRegionMode::Auto;
-    else if (text == "off")
-        mode = TRegionMode::Off;
-    else if (text == "on")
-        mode = TRegionMode::On;
-    else
-        return false;
-    return true;
+    return ReadChoice(text, {{"auto", TRegionMode::Auto}, {"off", TRegionMode::Off}, {"on", TRegionMode::On}},
+                      mode);
 }
 
 bool RegionsDecide(const TChessboard& root) {
