@@ -217,6 +217,7 @@ void PreferRegionFirstMoves(CPassSeries& series, TPassRunRequest& request, CRegi
     constexpr int64_t kWithoutLimitMs = 60000;
     const int64_t budgetMs =
         request.timeLimitSeconds > 0 ? int64_t{request.timeLimitSeconds} * 500 : kWithoutLimitMs;
+    if (CRunControl* control = request.environment.control) control->PassStarted(-1, kRegionsPhaseLabel, 0);
     const auto start = std::chrono::steady_clock::now();
     std::vector<TMove> first = RegionFirstMoves(request.position, solver, budgetMs, Limit(request.solutions));
     const int64_t msec =
