@@ -88,13 +88,25 @@ CProofWalk::TStep CProofWalk::BlackStep(const TChessboard& node) {
     if (moves.count == 0) return node.InCheck() ? TStep{0, {}} : TStep{};
     if (node.movesLeft < 1) return {};
     TStep longest{0, {}};
+    // Black's longest defence by the mates precalculated data knows, when it knows every reply's:
+    // the walk's own lengths follow the first proof found, not the quickest.
+    int longestKnown = -1;
+    bool allKnown = true;
+    TMove defence;
     for (const TMove& d : moves) {
         TChessboard child;
         PlayMove(node, d, child);
         const int length = Length(child);
         if (length < 0) return {};
         if (length + 1 > longest.length) longest = {static_cast<int16_t>(length + 1), d};
+        const int known = allKnown ? m_proofs.KnownMateDistance(child) : -1;
+        allKnown = known >= 0;
+        if (known > longestKnown) {
+            longestKnown = known;
+            defence = d;
+        }
     }
+    if (allKnown) longest.move = defence;
     return longest;
 }
 
