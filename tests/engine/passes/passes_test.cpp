@@ -160,6 +160,28 @@ TEST(Passes, SolutionCountsAndStopOnFirstSolution) {
     }
 }
 
+// Regions asked for: solved before the passes, which then find the same keys, those the regions
+// proved first. Left to the engine, a position whose pawns are free gets none.
+TEST(Passes, RegionsBeforeThePasses) {
+    constexpr const char* kRookMate = "7k/8/5K2/8/8/8/8/R7 w - - 0 1";
+    CRun off(kRookMate, 0, false), on(kRookMate, 0, false);
+    off.request.solutions = on.request.solutions = TSolutionCount::All;
+    on.request.regions = TRegionMode::On;
+    const TPassRunResult without = off.Run(), with = on.Run();
+    EXPECT_EQ(PassLabels(with), (Labels{"regions", "2"}));
+    EXPECT_EQ(KeyTexts(on.request.position, with), KeyTexts(off.request.position, without));
+    ASSERT_TRUE(with.regions.has_value());
+    EXPECT_GT(with.regions->regions, 0u);
+    EXPECT_TRUE(std::any_of(on.output.begin(), on.output.end(), [](const std::string& line) {
+        return line.starts_with("  - first moves proven by the regions, tried first: ");
+    }));
+    CRun left(kFourKeys, 0, false);
+    left.request.regions = TRegionMode::Auto;
+    const TPassRunResult plain = left.Run();
+    EXPECT_EQ(PassLabels(plain), (Labels{"2"}));
+    EXPECT_FALSE(plain.regions.has_value());
+}
+
 TEST(Passes, BruteForceAndHybridBruteForce) {
     {
         CRun run(kFourKeys, SH_AREKINGSNEAR, false);
