@@ -31,35 +31,31 @@ uint8_t CRegionSolver::SolvedDistance(const TChessboard& board, int halfMoves, i
     if (!RegionEligible(board)) return kNoDistance;
     TRegionPosition position;
     if (!ReadRegionPosition(board, position)) return kNoDistance;
-    int depth = 0;
+    THeld held;
     {
         std::shared_lock lock(m_mutex);
-        const auto entry = m_classes.find(position.regionClass);
-        const uint32_t held =
-            entry == m_classes.end() ? CRegionTable::kAbsent : entry->second.positions.Find(position.key);
-        if (held != CRegionTable::kAbsent) {
-            const uint8_t d = static_cast<uint8_t>(held);
-            const int solvedWith = entry->second.regions[held >> 8].depth;
-            if (Fits(board, d, halfMoves) || solvedWith >= maxDepth) return d;
-            depth = solvedWith + 1;
-        } else if (maxDepth < 0) {
-            return kNoDistance;
-        }
+        held = Held(position);
     }
-    return Deepen(board, halfMoves, depth, maxDepth);
-}
-
-uint8_t CRegionSolver::Deepen(const TChessboard& board, int halfMoves, int depth, int maxDepth) {
+    if (held.found && (Fits(board, held.distance, halfMoves) || held.depth >= maxDepth)) return held.distance;
+    if (!held.found && maxDepth < 0) return kNoDistance;
     std::unique_lock lock(m_mutex);
     uint8_t d = kNoDistance;
     try {
-        for (; depth <= maxDepth && !m_bRoomSpent; ++depth) {
-            d = DistanceLocked(board, depth);
+        for (int depth = held.found ? held.depth + 1 : 0; depth <= maxDepth && !m_bRoomSpent; ++depth) {
+            d = DistanceLocked(board, position, depth);
             if (Fits(board, d, halfMoves)) break;
         }
     } catch (const TStopped&) {
     }
     return d;
+}
+
+CRegionSolver::THeld CRegionSolver::Held(const TRegionPosition& position) const {
+    const auto entry = m_classes.find(position.regionClass);
+    if (entry == m_classes.end()) return {};
+    const uint32_t held = entry->second.positions.Find(position.key);
+    if (held == CRegionTable::kAbsent) return {};
+    return {true, static_cast<uint8_t>(held), entry->second.regions[held >> 8].depth, held >> 8};
 }
 
 // Black to move, a region is solved without depth: its positions are seen again with White to
@@ -72,23 +68,23 @@ uint8_t CRegionSolver::DistanceLocked(const TChessboard& board, int depth) {
     if (!RegionEligible(board)) return kNoDistance;
     TRegionPosition position;
     if (!ReadRegionPosition(board, position)) return kNoDistance;
-    const auto found = m_classes.find(position.regionClass);
-    const uint32_t held =
-        found == m_classes.end() ? CRegionTable::kAbsent : found->second.positions.Find(position.key);
-    const uint8_t known = held == CRegionTable::kAbsent ? kNoDistance : static_cast<uint8_t>(held);
-    if (held != CRegionTable::kAbsent && found->second.regions[held >> 8].depth >= depth) return known;
-    if (depth < 0 || m_bRoomSpent) return known;
+    return DistanceLocked(board, position, depth);
+}
+
+uint8_t CRegionSolver::DistanceLocked(const TChessboard& board, const TRegionPosition& position, int depth) {
+    const THeld held = Held(position);
+    if (held.found && held.depth >= depth) return held.distance;
+    if (depth < 0 || m_bRoomSpent) return held.distance;
     TClassEntry& entry = m_classes[position.regionClass];
-    if (entry.tooLarge) return known;
+    if (entry.tooLarge) return held.distance;
     if (EstimatedRegionSize(board) > m_limits.maxEstimate) {
         entry.tooLarge = true;
         ++m_stats.tooLarge;
-        return known;
+        return held.distance;
     }
     // A region solved before with less depth is solved again, from its own start.
-    const uint32_t region =
-        held == CRegionTable::kAbsent ? static_cast<uint32_t>(entry.regions.size()) : held >> 8;
-    if (!Solve(position, entry, region, depth)) return known;
+    const uint32_t region = held.found ? held.region : static_cast<uint32_t>(entry.regions.size());
+    if (!Solve(position, entry, region, depth)) return held.distance;
     const uint8_t solved = static_cast<uint8_t>(entry.positions.Find(position.key));
     if (solved != kNoDistance) ++m_stats.settled;
     return solved;

@@ -83,11 +83,19 @@ class CRegionSolver {
         CRegionSolver& m_solver;
     };
 
+    // What the class's table holds for a position: its distance, its region and the depth that
+    // region was solved with.
+    struct THeld {
+        bool found = false;
+        uint8_t distance = kNoDistance;
+        int depth = 0;
+        uint32_t region = 0;
+    };
+    THeld Held(const TRegionPosition& position) const;
     // The distance by a region solved with at least `depth`, solving it when needed; a negative
     // depth only looks up.
     uint8_t DistanceLocked(const TChessboard& board, int depth);
-    // Solves `board`'s region again from `depth` up to `maxDepth` until its mate fits `halfMoves`.
-    uint8_t Deepen(const TChessboard& board, int halfMoves, int depth, int maxDepth);
+    uint8_t DistanceLocked(const TChessboard& board, const TRegionPosition& position, int depth);
     int MaxDepth(const TChessboard& board) const;
     bool Solve(const TRegionPosition& position, TClassEntry& entry, uint32_t region, int depth);
     void PollStop();

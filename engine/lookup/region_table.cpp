@@ -17,22 +17,26 @@ uint32_t CRegionTable::Find(uint64_t key) const {
     return m_keys[slot] == key ? m_values[slot] : kAbsent;
 }
 
-uint32_t CRegionTable::FindOrAdd(uint64_t key, uint32_t value, bool& added) {
+size_t CRegionTable::Claim(uint64_t key, bool& added) {
     if (2 * (m_nCount + 1) > m_keys.size()) Grow();
     const size_t slot = Slot(key);
     added = m_keys[slot] != key;
     if (added) {
         m_keys[slot] = key;
-        m_values[slot] = value;
         ++m_nCount;
     }
+    return slot;
+}
+
+uint32_t CRegionTable::FindOrAdd(uint64_t key, uint32_t value, bool& added) {
+    const size_t slot = Claim(key, added);
+    if (added) m_values[slot] = value;
     return m_values[slot];
 }
 
 void CRegionTable::Set(uint64_t key, uint32_t value) {
     bool added = false;
-    const uint32_t held = FindOrAdd(key, value, added);
-    if (!added && held != value) m_values[Slot(key)] = value;
+    m_values[Claim(key, added)] = value;
 }
 
 void CRegionTable::Grow() {

@@ -24,6 +24,8 @@ class CRegionTable {
     static constexpr uint64_t kEmpty = ~0ULL;
 
     size_t Slot(uint64_t key) const;
+    // The slot of `key`, taken for it (growing the table first when needed) when it is new.
+    size_t Claim(uint64_t key, bool& added);
     void Grow();
 
     std::vector<uint64_t> m_keys;
