@@ -209,12 +209,12 @@ TChunkStatistics CChunkAllocator::Statistics() const {
 }
 
 CChunkAllocator& RegisterChunkAllocator() {
-    // Sorted-bucket headers, nodes, and sorted arrays of 16 to 2,048 entries.
+    // Sorted-bucket headers, nodes of 1, 2, 4 and 8 entries, and sorted arrays of 16 to 2,048 entries.
     constexpr size_t kEntry = sizeof(TChessboardRegisterEntry);
     // Never destroyed: registers may outlive any static object.
     static CChunkAllocator* const pAllocator = new CChunkAllocator(
-        {sizeof(TSortedBucket), sizeof(TBucketNode), 16 * kEntry, 32 * kEntry, 64 * kEntry, 128 * kEntry,
-         256 * kEntry, 512 * kEntry, 1024 * kEntry, 2048 * kEntry});
+        {sizeof(TSortedBucket), NodeBytes(1), NodeBytes(2), NodeBytes(4), NodeBytes(8), 16 * kEntry,
+         32 * kEntry, 64 * kEntry, 128 * kEntry, 256 * kEntry, 512 * kEntry, 1024 * kEntry, 2048 * kEntry});
     return *pAllocator;
 }
 

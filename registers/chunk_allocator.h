@@ -33,7 +33,7 @@ struct TChunkStatistics {
 class CChunkAllocator {
   public:
     static constexpr size_t kChunkSize = size_t{2} << 20;
-    static constexpr size_t kUnitSizeCount = 10;
+    static constexpr size_t kUnitSizeCount = 13;
 
     // Unit sizes in ascending order, each a multiple of 8 and at most a seventh of a chunk.
     explicit CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitSizes);

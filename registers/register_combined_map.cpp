@@ -75,12 +75,33 @@ void FreeBucket(void* pointer, bool bSorted) {
     }
 }
 
+// A node with room for `nCapacity` entries and none in it yet.
+TBucketNode* AllocateNode(size_t nCapacity) {
+    auto* node = static_cast<TBucketNode*>(Allocate(NodeBytes(nCapacity)));
+    node->nCount = 0;
+    node->nCapacity = static_cast<uint32_t>(nCapacity);
+    return node;
+}
+
 TChessboardRegisterEntry& AddToEmpty(CBucketLock& bucket, const TChessboardRegisterItem& item) {
-    auto* node = static_cast<TBucketNode*>(Allocate(sizeof(TBucketNode)));
+    TBucketNode* node = AllocateNode(1);
     node->entries[0] = NewEntry(item);
     node->nCount = 1;
     bucket.Set(node, false);
     return node->entries[0];
+}
+
+// Appends to a node that has room, or to its copy with twice the room.
+TChessboardRegisterEntry& AppendToNode(CBucketLock& bucket, TBucketNode* node,
+                                       const TChessboardRegisterItem& item) {
+    if (node->nCount == node->nCapacity) {
+        const size_t nCapacity = 2 * node->nCapacity;
+        node = static_cast<TBucketNode*>(RegisterChunkAllocator().Reallocate(node, NodeBytes(nCapacity)));
+        node->nCapacity = static_cast<uint32_t>(nCapacity);
+        bucket.Set(node, false);
+    }
+    node->entries[node->nCount] = NewEntry(item);
+    return node->entries[node->nCount++];
 }
 
 // The ninth entry: the eight of the node move, in key order, into an array of 16.
@@ -123,12 +144,12 @@ void ShrinkSorted(CBucketLock& bucket, TSortedBucket& sorted, size_t nCount) {
     if (nCount <= kBucketNodeEntries) {
         TBucketNode* node;
         try {
-            node = static_cast<TBucketNode*>(Allocate(sizeof(TBucketNode)));
+            node = AllocateNode(std::bit_ceil(nCount));
         } catch (const std::bad_alloc&) {
             return;
         }
         std::copy(sorted.pEntries, sorted.pEntries + nCount, node->entries);
-        node->nCount = nCount;
+        node->nCount = static_cast<uint32_t>(nCount);
         FreeSorted(&sorted);
         bucket.Set(node, false);
         return;
@@ -217,10 +238,7 @@ TChessboardRegisterEntry& TRegisterCombinedMap::FindOrAdd(CBucketLock& bucket,
         if (node.entries[i].key == item) return node.entries[i];
     }
     bAdded = true;
-    if (node.nCount < kBucketNodeEntries) {
-        node.entries[node.nCount] = NewEntry(item);
-        return node.entries[node.nCount++];
-    }
+    if (node.nCount < kBucketNodeEntries) return AppendToNode(bucket, &node, item);
     return InsertSorted(ConvertToSorted(bucket, node), item);
 }
 
@@ -231,7 +249,7 @@ void TRegisterCombinedMap::Shrink(CBucketLock& bucket, size_t nCount) {
     } else if (bucket.IsSorted()) {
         ShrinkSorted(bucket, *static_cast<TSortedBucket*>(bucket.Pointer()), nCount);
     } else {
-        static_cast<TBucketNode*>(bucket.Pointer())->nCount = nCount;
+        static_cast<TBucketNode*>(bucket.Pointer())->nCount = static_cast<uint32_t>(nCount);
     }
 }
 
@@ -266,7 +284,8 @@ TMapCensus TRegisterCombinedMap::Census() const {
         CBucketLock bucket(m_pBuckets[i]);
         std::span<TChessboardRegisterEntry> entries = EntriesOf(bucket);
         if (!bucket.Pointer()) continue;
-        census.nSlots += bucket.IsSorted() ? SortedBucketCapacity(entries.size()) : kBucketNodeEntries;
+        census.nSlots += bucket.IsSorted() ? SortedBucketCapacity(entries.size())
+                                           : static_cast<const TBucketNode*>(bucket.Pointer())->nCapacity;
         for (const TChessboardRegisterEntry& entry : entries) census.Add(entry);
     }
     return census;

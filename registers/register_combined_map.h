@@ -1,9 +1,10 @@
 // The hash table of a temporary register. A bucket holds either a small node of up to eight
 // entries kept in insertion order (scanned linearly), or, from the ninth entry on, a sorted array
-// searched by lower bound. Entries are stored by value, so a lookup touches the bucket word and
-// one block of entries and allocates nothing. Each bucket is locked on its own, by the spin byte
-// in its word; callers hold the register lock shared around every operation and exclusively
-// around Swap.
+// searched by lower bound. A node has room for 1, 2, 4 or 8 entries and doubles when full: most
+// buckets hold one or two entries, and memory the register never fills is memory the system never
+// has to clear. Entries are stored by value, so a lookup touches the bucket word and one block of
+// entries and allocates nothing. Each bucket is locked on its own, by the spin byte in its word;
+// callers hold the register lock shared around every operation and exclusively around Swap.
 #pragma once
 
 #include <atomic>
@@ -20,11 +21,19 @@ namespace moremate {
 
 inline constexpr size_t kBucketNodeEntries = 8;
 
-// The count comes first, in the cache line of the first entry, which a look-up reads with it.
+// The count comes first, in the cache line of the first entry, which a look-up reads with it. A
+// node is allocated with room for `nCapacity` entries only (see NodeBytes); the array is declared
+// at its largest.
 struct TBucketNode {
-    uint64_t nCount;
+    uint32_t nCount;
+    uint32_t nCapacity;
     TChessboardRegisterEntry entries[kBucketNodeEntries];
 };
+
+// The bytes of a node with room for `nCapacity` entries, rounded up to 8.
+constexpr size_t NodeBytes(size_t nCapacity) {
+    return (offsetof(TBucketNode, entries) + nCapacity * sizeof(TChessboardRegisterEntry) + 7) / 8 * 8;
+}
 
 // The sorted form. The array's size follows from the count: the next power of two, at least 16.
 struct TSortedBucket {
@@ -34,8 +43,9 @@ struct TSortedBucket {
 
 size_t SortedBucketCapacity(uint64_t nCount);
 
-// The cache lines a node spans.
-inline constexpr size_t kNodeLines = (sizeof(TBucketNode) + 63) / 64;
+// The cache lines a look-up or an insertion loads ahead: a node of up to two entries, or the
+// first entries of a larger node or of a sorted array's middle.
+inline constexpr size_t kPrefetchLines = 3;
 
 enum class TPrefetchFor { Lookup, Insertion };
 
@@ -83,8 +93,8 @@ class TRegisterCombinedMap {
 
     // Starts loading the bucket of `item` and the entries it points to into the cache, without
     // locking; it waits for the bucket word only (after PrefetchBucket, some work earlier, that
-    // is in the cache). For a look-up the first entries, read; for an insertion the whole node,
-    // which the new entry is appended to, with the intent to write. A prefetch never faults, so a
+    // is in the cache). For a look-up the first entries, read; for an insertion the same lines,
+    // with the intent to write. A prefetch never faults, so a
     // pointer that a concurrent change has just made stale does no harm. Must not run
     // concurrently with Swap.
     void Prefetch(const TChessboardRegisterItem& item, TPrefetchFor purpose = TPrefetchFor::Lookup) const {
@@ -92,9 +102,9 @@ class TRegisterCombinedMap {
         const char* p = static_cast<const char*>(BucketPointer(word));
         if (!p) return;  // an empty bucket: nothing to load
         if (purpose == TPrefetchFor::Lookup) {
-            for (size_t line = 0; line < 3; ++line) __builtin_prefetch(p + 64 * line);
+            for (size_t line = 0; line < kPrefetchLines; ++line) __builtin_prefetch(p + 64 * line);
         } else {
-            for (size_t line = 0; line < kNodeLines; ++line) __builtin_prefetch(p + 64 * line, 1);
+            for (size_t line = 0; line < kPrefetchLines; ++line) __builtin_prefetch(p + 64 * line, 1);
         }
     }
 

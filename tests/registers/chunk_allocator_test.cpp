@@ -12,8 +12,8 @@
 namespace moremate {
 namespace {
 
-constexpr std::array<size_t, CChunkAllocator::kUnitSizeCount> kSizes = {16,   64,    256,   1024,  4096,
-                                                                        8192, 16384, 32768, 65536, 131072};
+constexpr std::array<size_t, CChunkAllocator::kUnitSizeCount> kSizes = {
+    16, 32, 48, 64, 256, 1024, 4096, 8192, 16384, 32768, 65536, 131072, 262144};
 constexpr size_t kUnitsOf4096 = (CChunkAllocator::kChunkSize - 64) / 4096;  // 255
 
 TEST(RegisterChunkAllocator, UnitsAreDistinctAndReused) {

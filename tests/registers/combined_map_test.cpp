@@ -56,13 +56,14 @@ TEST(RegisterHashValue, WeighsEachByteByItsPlace) {
     }
 }
 
-// Entries in one bucket: the ninth converts the node into a sorted array of 16, which then
-// doubles; a removal that leaves eight or fewer goes back to a node, a smaller array halves.
+// Entries in one bucket: a node's room doubles from one entry to eight and stays on removal; the
+// ninth entry converts the node into a sorted array of 16, which then doubles; a removal that
+// leaves eight or fewer goes back to a node just large enough, a smaller array halves.
 TEST(RegisterOneBucket, FindsEveryEntryInEitherForm) {
     // Entries, the first ones removed by RemoveNMovers, entry places after filling and after removal.
     // clang-format off
     const struct { int nEntries, nRemoved; uint64_t nSlots, nSlotsAfterRemoval; } cases[] = {
-        {8, 0, 8, 8}, {9, 0, 16, 16}, {9, 4, 16, 8}, {16, 0, 16, 16}, {17, 0, 32, 32}, {17, 9, 32, 8},
+        {1, 0, 1, 1}, {2, 0, 2, 2}, {3, 1, 4, 4}, {5, 4, 8, 8}, {8, 0, 8, 8}, {9, 0, 16, 16}, {9, 4, 16, 8}, {16, 0, 16, 16}, {17, 0, 32, 32}, {17, 9, 32, 8}, {17, 14, 32, 4},
         {33, 13, 64, 32}, {33, 33, 64, 0}, {40, 20, 64, 32},
     };
     // clang-format on
@@ -135,7 +136,7 @@ TChessboardRegisterEntry Loaded(uint32_t i, uint16_t nMovesMate, uint16_t nMoves
     return entry;
 }
 
-// One bucket, so that the entry places are known: a node of 8 per store.
+// One bucket, so that the entry places are known: a node per store, with room for 1, 2 or 4.
 class RegisterContents : public ::testing::Test {
   protected:
     RegisterContents() : reg(200, 1) {
@@ -154,7 +155,7 @@ class RegisterContents : public ::testing::Test {
 
 TEST_F(RegisterContents, StatisticsAndSummaryTexts) {
     EXPECT_EQ(RegisterStatistics(reg),
-              "Buckets count = 1 (4.00 elems per bucket)\nElements count = 8\nCurrent capacity = 24\n"
+              "Buckets count = 1 (4.00 elems per bucket)\nElements count = 8\nCurrent capacity = 7\n"
               "Max. elements count = 200 (4.0%)\n\nMate elements = 2\nNo mate elements = 3\n\n"
               "Doubtful elements = 2\nNot doubtful elements = 1");
     EXPECT_EQ(RegisterSummary(reg),
