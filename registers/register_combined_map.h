@@ -46,6 +46,8 @@ size_t SortedBucketCapacity(uint64_t nCount);
 // The cache lines a look-up or an insertion loads ahead: a node of up to two entries, or the
 // first entries of a larger node or of a sorted array's middle.
 inline constexpr size_t kPrefetchLines = 3;
+// The cache lines of a full node, which an insertion loads ahead whatever the node's room.
+inline constexpr size_t kFullNodeLines = (NodeBytes(kBucketNodeEntries) + 63) / 64;
 
 enum class TPrefetchFor { Lookup, Insertion };
 
@@ -104,7 +106,7 @@ class TRegisterCombinedMap {
         if (purpose == TPrefetchFor::Lookup) {
             for (size_t line = 0; line < kPrefetchLines; ++line) __builtin_prefetch(p + 64 * line);
         } else {
-            for (size_t line = 0; line < kPrefetchLines; ++line) __builtin_prefetch(p + 64 * line, 1);
+            for (size_t line = 0; line < kFullNodeLines; ++line) __builtin_prefetch(p + 64 * line, 1);
         }
     }
 
