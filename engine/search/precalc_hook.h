@@ -11,6 +11,7 @@ class CPrecalcHook : public CGlobalRegisterHook {
   public:
     explicit CPrecalcHook(TGlobalRegisters& registers) : m_registers(registers) {}
     bool Settle(const TChessboard& node, uint8_t& result) override;
+    int MateDistance(const TChessboard& node) override;
 
   private:
     TGlobalRegisters& m_registers;

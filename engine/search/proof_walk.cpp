@@ -42,9 +42,44 @@ int CProofWalk::Length(const TChessboard& node) {
     const uint64_t id = MemoId(node);
     if (const auto found = m_memo.find(id); found != m_memo.end()) return found->second.length;
     ++m_nNodes;
-    const TStep step = node.WhiteToMove() ? WhiteStep(node) : BlackStep(node);
+    TStep step = KnownStep(node);
+    if (step.length < 0) step = node.WhiteToMove() ? WhiteStep(node) : BlackStep(node);
     m_memo[id] = step;
     return step.length;
+}
+
+// The step the known mate of `node` gives, when it fits the half-moves left: White's move to a
+// position mated one move sooner, or Black's reply whose mate is the latest (every reply's mate
+// known). A mate on the board ends the line.
+CProofWalk::TStep CProofWalk::KnownStep(const TChessboard& node) {
+    const int distance = m_proofs.KnownMateDistance(node);
+    const int halfMoves = node.WhiteToMove() ? 2 * distance - 1 : 2 * distance;
+    if (distance < 0 || halfMoves > node.movesLeft) return {};
+    TMoveList moves;
+    GenerateLegalMoves(node, moves);
+    if (moves.count == 0) return node.InCheck() && !node.WhiteToMove() ? TStep{0, {}} : TStep{};
+    int wanted = -1;
+    TMove chosen;
+    for (const TMove& m : moves) {
+        TChessboard child;
+        PlayMove(node, m, child);
+        const int d = m_proofs.KnownMateDistance(child);
+        if (node.WhiteToMove() && d == distance - 1) {
+            chosen = m;
+            break;
+        }
+        if (node.WhiteToMove()) continue;
+        if (d < 0) return {};
+        if (d > wanted) {
+            wanted = d;
+            chosen = m;
+        }
+    }
+    if (chosen.IsNull()) return {};
+    TChessboard child;
+    PlayMove(node, chosen, child);
+    const int length = Length(child);
+    return length >= 0 ? TStep{static_cast<int16_t>(length + 1), chosen} : TStep{};
 }
 
 CProofWalk::TStep CProofWalk::WhiteStep(const TChessboard& node) {

@@ -9,6 +9,7 @@
 #include "engine/search/mate_search.h"
 #include "engine/search/precalc_hook.h"
 #include "engine/search/proof_number_search.h"
+#include "engine/search/proof_walk.h"
 #include "engine/state/search_result.h"
 #include "precalc/generator/lookahead.h"
 #include "precalc/generator/partial_verification.h"
@@ -161,6 +162,43 @@ TEST_F(PrecalcData, TheProofNumberSearchSettlesFreshNodes) {
     CProofNumberTable again(8 << 20);
     TProofNumberSearch shorter(env, again, nullptr);
     EXPECT_EQ(shorter.Prove(test::Problem("8/8/8/8/8/2k5/8/K6R w", 25)), kNoMate);
+}
+
+// Where the data know the mate, the walk of a proof follows their quickest mate against the
+// longest defence, one line down to the mate on the board, instead of every Black reply.
+TEST_F(PrecalcData, TheProofWalkFollowsTheDataOneLineToTheMate) {
+    CPrecalcHook hook(*s_pRegisters);
+    TSearchEnvironment env;
+    env.globalRegister = &hook;
+    CProofNumberTable table(8 << 20);
+    TProofNumberSearch proofs(env, table, nullptr);
+    const TChessboard root = test::Problem("8/8/8/8/8/2k5/8/K6R w", 27);  // White mates in 14
+    EXPECT_EQ(hook.MateDistance(root), 14);
+    ASSERT_EQ(proofs.Prove(root), kMate);
+    CProofWalk walk(proofs);
+    ASSERT_TRUE(walk.Holds(root));
+    EXPECT_LE(walk.Nodes(), 28u);
+    TMoveList moves;
+    GenerateLegalMoves(root, moves);
+    TMove key;
+    for (const TMove& m : moves) {
+        TChessboard child;
+        PlayMove(root, m, child);
+        if (hook.MateDistance(child) != 13) continue;
+        key = m;
+        break;
+    }
+    const std::vector<TMove> line = walk.Line(root, key);
+    ASSERT_EQ(line.size(), 27u);
+    TChessboard position = root;
+    for (size_t i = 0; i < line.size(); ++i) {
+        TChessboard next;
+        PlayMove(position, line[i], next);
+        position = next;
+        // White's moves shorten the mate by one each, Black's replies keep it.
+        EXPECT_EQ(hook.MateDistance(position), 13 - static_cast<int>(i / 2)) << i;
+    }
+    EXPECT_TRUE(IsMate(position));
 }
 
 TEST_F(PrecalcData, FindMateByGlobalRegisterTriesEachMove) {
