@@ -14,6 +14,7 @@
 
 #include "core/chessboard.h"
 #include "core/fen.h"
+#include "core/movegen.h"
 #include "core/notation.h"
 #include "core/validation.h"
 
@@ -66,6 +67,11 @@ class TestLine {
     TestLine& Play(const std::string& text) {
         boards_.emplace_back();
         MakeMove(boards_[boards_.size() - 2], text, boards_.back());
+        return *this;
+    }
+    TestLine& Play(const TMove& move) {
+        boards_.emplace_back();
+        PlayMove(boards_[boards_.size() - 2], move, boards_.back());
         return *this;
     }
     // Moves separated by blanks.

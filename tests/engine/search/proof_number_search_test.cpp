@@ -135,13 +135,9 @@ TEST(ProofWalk, WalksProofsAndRefusesTheRest) {
     EXPECT_FALSE(walk.Holds(other));
     const std::vector<TMove> line = walk.Line(root, mating);
     ASSERT_EQ(line.size(), 3u);
-    TChessboard end = key;
-    for (size_t i = 1; i < line.size(); ++i) {
-        TChessboard next;
-        PlayMove(end, line[i], next);
-        end = next;
-    }
-    EXPECT_TRUE(IsMate(end));
+    test::TestLine played(root);
+    for (const TMove& m : line) played.Play(m);
+    EXPECT_TRUE(IsMate(played.Now()));
 }
 
 TEST(ProofNumberPass, LongCompositionKeyAndAllSolutions) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 
 #include "core/chess_exception.h"
@@ -149,8 +150,10 @@ TEST_F(PrecalcData, TheHookSettlesWithinTheNodesHalfMoves) {
 }
 
 // The proof-number search settles its fresh nodes from the data and proves what the plain search
-// proves, on a rook ending beyond its reach without data.
-TEST_F(PrecalcData, TheProofNumberSearchSettlesFreshNodes) {
+// proves, on a rook ending beyond its reach without data. The walk of its proof follows the data's
+// quickest mate against the longest defence, one line down to the mate on the board, instead of
+// every Black reply.
+TEST_F(PrecalcData, TheProofNumberSearchSettlesFreshNodesAndItsWalkFollowsTheData) {
     CPrecalcHook hook(*s_pRegisters);
     TSearchEnvironment env;
     env.globalRegister = &hook;
@@ -162,43 +165,23 @@ TEST_F(PrecalcData, TheProofNumberSearchSettlesFreshNodes) {
     CProofNumberTable again(8 << 20);
     TProofNumberSearch shorter(env, again, nullptr);
     EXPECT_EQ(shorter.Prove(test::Problem("8/8/8/8/8/2k5/8/K6R w", 25)), kNoMate);
-}
 
-// Where the data know the mate, the walk of a proof follows their quickest mate against the
-// longest defence, one line down to the mate on the board, instead of every Black reply.
-TEST_F(PrecalcData, TheProofWalkFollowsTheDataOneLineToTheMate) {
-    CPrecalcHook hook(*s_pRegisters);
-    TSearchEnvironment env;
-    env.globalRegister = &hook;
-    CProofNumberTable table(8 << 20);
-    TProofNumberSearch proofs(env, table, nullptr);
-    const TChessboard root = test::Problem("8/8/8/8/8/2k5/8/K6R w", 27);  // White mates in 14
     EXPECT_EQ(hook.MateDistance(root), 14);
-    ASSERT_EQ(proofs.Prove(root), kMate);
     CProofWalk walk(proofs);
     ASSERT_TRUE(walk.Holds(root));
     EXPECT_LE(walk.Nodes(), 28u);
     TMoveList moves;
     GenerateLegalMoves(root, moves);
-    TMove key;
-    for (const TMove& m : moves) {
-        TChessboard child;
-        PlayMove(root, m, child);
-        if (hook.MateDistance(child) != 13) continue;
-        key = m;
-        break;
-    }
-    const std::vector<TMove> line = walk.Line(root, key);
+    const TMove* key = std::find_if(moves.begin(), moves.end(), [&](const TMove& m) {
+        return hook.MateDistance(test::TestLine(root).Play(m).Now()) == 13;
+    });
+    ASSERT_NE(key, moves.end());
+    const std::vector<TMove> line = walk.Line(root, *key);
     ASSERT_EQ(line.size(), 27u);
-    TChessboard position = root;
-    for (size_t i = 0; i < line.size(); ++i) {
-        TChessboard next;
-        PlayMove(position, line[i], next);
-        position = next;
-        // White's moves shorten the mate by one each, Black's replies keep it.
-        EXPECT_EQ(hook.MateDistance(position), 13 - static_cast<int>(i / 2)) << i;
-    }
-    EXPECT_TRUE(IsMate(position));
+    test::TestLine played(root);
+    for (size_t i = 0; i < line.size(); ++i)  // White's moves shorten the mate by one, Black's keep it
+        EXPECT_EQ(hook.MateDistance(played.Play(line[i]).Now()), 13 - static_cast<int>(i / 2)) << i;
+    EXPECT_TRUE(IsMate(played.Now()));
 }
 
 TEST_F(PrecalcData, FindMateByGlobalRegisterTriesEachMove) {
