@@ -43,8 +43,8 @@ struct TSortedBucket {
 
 size_t SortedBucketCapacity(uint64_t nCount);
 
-// The cache lines a look-up or an insertion loads ahead: a node of up to two entries, or the
-// first entries of a larger node or of a sorted array's middle.
+// The cache lines a look-up loads ahead: a node of up to two entries, or the first entries of a
+// larger node or of a sorted array.
 inline constexpr size_t kPrefetchLines = 3;
 // The cache lines of a full node, which an insertion loads ahead whatever the node's room.
 inline constexpr size_t kFullNodeLines = (NodeBytes(kBucketNodeEntries) + 63) / 64;
@@ -95,10 +95,10 @@ class TRegisterCombinedMap {
 
     // Starts loading the bucket of `item` and the entries it points to into the cache, without
     // locking; it waits for the bucket word only (after PrefetchBucket, some work earlier, that
-    // is in the cache). For a look-up the first entries, read; for an insertion the same lines,
-    // with the intent to write. A prefetch never faults, so a
-    // pointer that a concurrent change has just made stale does no harm. Must not run
-    // concurrently with Swap.
+    // is in the cache). For a look-up the first entries, read; for an insertion the lines of a full
+    // node, which the new entry may be appended anywhere in, with the intent to write. A prefetch
+    // never faults, so a pointer that a concurrent change has just made stale (or lines past a
+    // small node) do no harm. Must not run concurrently with Swap.
     void Prefetch(const TChessboardRegisterItem& item, TPrefetchFor purpose = TPrefetchFor::Lookup) const {
         const uint64_t word = BucketOf(item).load(std::memory_order_relaxed);
         const char* p = static_cast<const char*>(BucketPointer(word));

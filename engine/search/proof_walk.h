@@ -4,9 +4,9 @@
 // board. Where the table has lost a White node's proof (a small subtree collected, or replaced),
 // the proof-number search proves that node again, and the walk goes on through the new proof.
 // The walk also gives the key's main line: Black's longest defence in the proof, White's move of
-// the proof. Where precalculated data or regions know a node's mate, they are trusted for its
-// subtree (each is checked against one move ahead when it is made): the walk follows their
-// quickest mate against Black's longest defence down to the mate on the board, one line only.
+// the proof. Where precalculated data or regions know a node's mate (both are retrograde analyses
+// of every position they hold), they are trusted for its subtree: the walk follows their quickest
+// mate against Black's longest defence down to the mate on the board, one line only.
 #pragma once
 
 #include <cstdint>
