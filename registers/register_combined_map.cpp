@@ -83,14 +83,6 @@ TBucketNode* AllocateNode(size_t nCapacity) {
     return node;
 }
 
-TChessboardRegisterEntry& AddToEmpty(CBucketLock& bucket, const TChessboardRegisterItem& item) {
-    TBucketNode* node = AllocateNode(1);
-    node->entries[0] = NewEntry(item);
-    node->nCount = 1;
-    bucket.Set(node, false);
-    return node->entries[0];
-}
-
 // Appends to a node that has room, or to its copy with twice the room.
 TChessboardRegisterEntry& AppendToNode(CBucketLock& bucket, TBucketNode* node,
                                        const TChessboardRegisterItem& item) {
@@ -102,6 +94,12 @@ TChessboardRegisterEntry& AppendToNode(CBucketLock& bucket, TBucketNode* node,
     }
     node->entries[node->nCount] = NewEntry(item);
     return node->entries[node->nCount++];
+}
+
+TChessboardRegisterEntry& AddToEmpty(CBucketLock& bucket, const TChessboardRegisterItem& item) {
+    TBucketNode* node = AllocateNode(1);
+    bucket.Set(node, false);
+    return AppendToNode(bucket, node, item);
 }
 
 // The ninth entry: the eight of the node move, in key order, into an array of 16.

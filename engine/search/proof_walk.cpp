@@ -58,28 +58,45 @@ CProofWalk::TStep CProofWalk::KnownStep(const TChessboard& node) {
     TMoveList moves;
     GenerateLegalMoves(node, moves);
     if (moves.count == 0) return node.InCheck() && !node.WhiteToMove() ? TStep{0, {}} : TStep{};
-    int wanted = -1;
-    TMove chosen;
+    const TMove chosen =
+        node.WhiteToMove() ? MoveToKnownMate(node, moves, distance - 1) : LatestKnownDefence(node, moves);
+    return chosen.IsNull() ? TStep{} : StepBy(node, chosen);
+}
+
+// The first move into a position whose known mate is `distance`, or none.
+TMove CProofWalk::MoveToKnownMate(const TChessboard& node, const TMoveList& moves, int distance) {
+    for (const TMove& m : moves) {
+        TChessboard child;
+        PlayMove(node, m, child);
+        if (m_proofs.KnownMateDistance(child) == distance) return m;
+    }
+    return {};
+}
+
+// Black's reply with the latest known mate (the first of equals), or none when a reply's mate is
+// not known.
+TMove CProofWalk::LatestKnownDefence(const TChessboard& node, const TMoveList& moves) {
+    int latest = -1;
+    TMove defence;
     for (const TMove& m : moves) {
         TChessboard child;
         PlayMove(node, m, child);
         const int d = m_proofs.KnownMateDistance(child);
-        if (node.WhiteToMove() && d == distance - 1) {
-            chosen = m;
-            break;
-        }
-        if (node.WhiteToMove()) continue;
         if (d < 0) return {};
-        if (d > wanted) {
-            wanted = d;
-            chosen = m;
+        if (d > latest) {
+            latest = d;
+            defence = m;
         }
     }
-    if (chosen.IsNull()) return {};
+    return defence;
+}
+
+// `move` and the walk's length after it, or no step when the position after it holds no mate.
+CProofWalk::TStep CProofWalk::StepBy(const TChessboard& node, const TMove& move) {
     TChessboard child;
-    PlayMove(node, chosen, child);
+    PlayMove(node, move, child);
     const int length = Length(child);
-    return length >= 0 ? TStep{static_cast<int16_t>(length + 1), chosen} : TStep{};
+    return length >= 0 ? TStep{static_cast<int16_t>(length + 1), move} : TStep{};
 }
 
 CProofWalk::TStep CProofWalk::WhiteStep(const TChessboard& node) {
@@ -92,12 +109,7 @@ CProofWalk::TStep CProofWalk::WhiteStep(const TChessboard& node) {
     if (step.length >= 0 || node.movesLeft == 1) return step;
     // Near the end the search settles nodes by the ordinary search, which keeps no numbers of
     // their children: it names the mating move itself.
-    if (const TMove mating = m_proofs.ShortMatingMove(node); !mating.IsNull()) {
-        TChessboard child;
-        PlayMove(node, mating, child);
-        const int length = Length(child);
-        return length >= 0 ? TStep{static_cast<int16_t>(length + 1), mating} : TStep{};
-    }
+    if (const TMove mating = m_proofs.ShortMatingMove(node); !mating.IsNull()) return StepBy(node, mating);
     // The table no longer holds a proven move here: prove the node again (the search polls the
     // run's stop and the pass's budget).
     if (m_proofs.Prove(node) != kMate) return {};
@@ -123,25 +135,16 @@ CProofWalk::TStep CProofWalk::BlackStep(const TChessboard& node) {
     if (moves.count == 0) return node.InCheck() ? TStep{0, {}} : TStep{};
     if (node.movesLeft < 1) return {};
     TStep longest{0, {}};
-    // Black's longest defence by the mates precalculated data knows, when it knows every reply's:
-    // the walk's own lengths follow the first proof found, not the quickest.
-    int longestKnown = -1;
-    bool allKnown = true;
-    TMove defence;
     for (const TMove& d : moves) {
         TChessboard child;
         PlayMove(node, d, child);
         const int length = Length(child);
         if (length < 0) return {};
         if (length + 1 > longest.length) longest = {static_cast<int16_t>(length + 1), d};
-        const int known = allKnown ? m_proofs.KnownMateDistance(child) : -1;
-        allKnown = known >= 0;
-        if (known > longestKnown) {
-            longestKnown = known;
-            defence = d;
-        }
     }
-    if (allKnown) longest.move = defence;
+    // Black's longest defence by the known mates, when every reply's is known: the walk's own
+    // lengths follow the first proof found, not the quickest.
+    if (const TMove defence = LatestKnownDefence(node, moves); !defence.IsNull()) longest.move = defence;
     return longest;
 }
 

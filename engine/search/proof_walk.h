@@ -35,6 +35,9 @@ class CProofWalk {
 
     int Length(const TChessboard& node);
     TStep KnownStep(const TChessboard& node);
+    TMove MoveToKnownMate(const TChessboard& node, const TMoveList& moves, int distance);
+    TMove LatestKnownDefence(const TChessboard& node, const TMoveList& moves);
+    TStep StepBy(const TChessboard& node, const TMove& move);
     TStep WhiteStep(const TChessboard& node);
     TStep ProvenMove(const TChessboard& node, const TMoveList& moves);
     void OrderByKnownDistance(const TChessboard& node, TMoveList& moves);

@@ -63,7 +63,8 @@ TEST(RegisterOneBucket, FindsEveryEntryInEitherForm) {
     // Entries, the first ones removed by RemoveNMovers, entry places after filling and after removal.
     // clang-format off
     const struct { int nEntries, nRemoved; uint64_t nSlots, nSlotsAfterRemoval; } cases[] = {
-        {1, 0, 1, 1}, {2, 0, 2, 2}, {3, 1, 4, 4}, {5, 4, 8, 8}, {8, 0, 8, 8}, {9, 0, 16, 16}, {9, 4, 16, 8}, {16, 0, 16, 16}, {17, 0, 32, 32}, {17, 9, 32, 8}, {17, 14, 32, 4},
+        {1, 0, 1, 1}, {2, 0, 2, 2}, {3, 1, 4, 4}, {5, 4, 8, 8}, {8, 0, 8, 8},
+        {9, 0, 16, 16}, {9, 4, 16, 8}, {16, 0, 16, 16}, {17, 0, 32, 32}, {17, 9, 32, 8}, {17, 14, 32, 4},
         {33, 13, 64, 32}, {33, 33, 64, 0}, {40, 20, 64, 32},
     };
     // clang-format on
