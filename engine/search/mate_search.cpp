@@ -20,20 +20,29 @@ constexpr int kQuickerMateMaxPlayed = 7;
 // From three moves to mate on, White's moves that leave Black fewest replies are tried first
 // within their group; nearer the end counting the replies costs more than it saves.
 constexpr int kFewestRepliesMinHalfMoves = 5;
+// Black nodes from this many half-moves on have their children's register entries loaded ahead:
+// nearer the end the first defence mostly refutes, and a child played ahead is wasted.
+constexpr int kChildrenAheadMinMovesLeft = 4;
 
-// Plays the moves of a list ahead of the search, so that the register's memory accesses overlap
-// the search (with a store given): while child i is searched, child i + 1 has its bucket and
+// With a store given, plays the moves of a list ahead of the search, so that the register's
+// memory accesses overlap the search: while child i is searched, child i + 1 has its bucket and
 // entries on the way into the cache, and child i + 2, already on its board, its bucket word.
+// Without one, each child is played when it is asked for: a child played ahead is wasted when
+// its sibling settles the node, as the first defence tried mostly does near the end of a line.
 class CChildrenAhead {
   public:
     CChildrenAhead(const TChessboard& node, const TMoveList& moves, CPositionStore* store)
         : m_node(node), m_moves(moves), m_pStore(store) {
-        for (int i = 0; i < 2 && i < moves.count; ++i) Play(i);
+        for (int i = 0; m_pStore && i < 2 && i < moves.count; ++i) Play(i);
     }
     // For i = 0, 1, 2, ... in turn.
     const TChessboard& Child(int i) {
+        if (!m_pStore) {
+            Play(i);
+            return m_children[i % 3];
+        }
         if (i + 2 < m_moves.count) Play(i + 2);
-        if (m_pStore && i + 1 < m_moves.count) {
+        if (i + 1 < m_moves.count) {
             const TChessboard& next = m_children[(i + 1) % 3];
             m_pStore->Prefetch(next.squares, next.movesLeft);
         }
@@ -282,7 +291,8 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
     const uint8_t opened = OpenBlackNode(node, ply, moves, doubtful);
     if (opened != kUnknownResult) return opened;
     const uint64_t repetitionsBefore = m_nRepetitions;
-    CChildrenAhead children(node, moves, node.movesLeft >= 4 ? m_env.store : nullptr);
+    CChildrenAhead children(node, moves,
+                            node.movesLeft >= kChildrenAheadMinMovesLeft ? m_env.store : nullptr);
     for (int i = 0; i < moves.count; ++i) {
         const TMove& d = moves.moves[i];
         const TChessboard& child = children.Child(i);
