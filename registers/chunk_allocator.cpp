@@ -30,6 +30,8 @@ struct TChunk {
 
 constexpr size_t kHeaderSize = (sizeof(TChunk) + 63) / 64 * 64;
 constexpr size_t kChunkSize = CChunkAllocator::kChunkSize;
+// Sizes with fewer units per chunk are not cached: a thread would hold too much memory of them.
+constexpr size_t kCachedMinUnitsPerChunk = 1024;
 
 TChunk* ChunkOf(void* p) {
     return reinterpret_cast<TChunk*>(reinterpret_cast<uintptr_t>(p) & ~(kChunkSize - 1));
@@ -49,7 +51,9 @@ TChunk* NewChunk(size_t nBytes) {
 }  // namespace
 
 struct CChunkAllocator::TSizeClass {
+    size_t nIndex = 0;
     size_t nUnitSize = 0;
+    bool bCached = false;  // served through the threads' caches
     size_t nUnitsPerChunk = 0;
     mutable std::mutex mutex;
     TChunk* pPartial = nullptr;  // chunks with a free unit and one in use at least
@@ -95,8 +99,18 @@ struct CChunkAllocator::TSizeClass {
         Link(pChunk);
     }
 
-    void* Allocate() {
+    // As many of `nUnits` as the system gives memory for, at least one (else std::bad_alloc).
+    size_t AllocateMany(void** pUnits, size_t nUnits) {
         std::lock_guard lock(mutex);
+        size_t i = 0;
+        try {
+            for (; i < nUnits; ++i) pUnits[i] = AllocateLocked();
+        } catch (const std::bad_alloc&) {
+            if (i == 0) throw;
+        }
+        return i;
+    }
+    void* AllocateLocked() {
         if (!pPartial) AddChunk();
         TChunk* pChunk = pPartial;
         void* p = pChunk->pFree;
@@ -111,8 +125,12 @@ struct CChunkAllocator::TSizeClass {
         return p;
     }
 
-    void Free(TChunk* pChunk, void* p) {
+    void FreeMany(void* const* pUnits, size_t nUnits) {
         std::lock_guard lock(mutex);
+        for (size_t i = 0; i < nUnits; ++i) FreeLocked(pUnits[i]);
+    }
+    void FreeLocked(void* p) {
+        TChunk* pChunk = ChunkOf(p);
         std::memcpy(p, &pChunk->pFree, sizeof(void*));
         pChunk->pFree = p;
         if (pChunk->nUsed-- == nUnitsPerChunk) Link(pChunk);
@@ -143,12 +161,53 @@ struct CChunkAllocator::TSizeClass {
     }
 };
 
-CChunkAllocator::CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitSizes)
+// The units a thread keeps of each small size for the allocator with thread caches: taken from
+// their size class and given back to it kBatch at a time, so that the class's lock is taken once
+// per batch rather than once per call. Given back when the thread ends.
+struct CChunkAllocator::TThreadCache {
+    static constexpr size_t kBatch = 32;
+    CChunkAllocator* pOwner = nullptr;
+    void* units[kUnitSizeCount][2 * kBatch];
+    size_t counts[kUnitSizeCount] = {};
+
+    ~TThreadCache() {
+        for (size_t i = 0; pOwner && i < kUnitSizeCount; ++i)
+            pOwner->m_pClasses[i].FreeMany(units[i], counts[i]);
+    }
+    void* Allocate(TSizeClass& sizeClass) {
+        size_t& n = counts[sizeClass.nIndex];
+        if (n == 0) n = sizeClass.AllocateMany(units[sizeClass.nIndex], kBatch);
+        return units[sizeClass.nIndex][--n];
+    }
+    void Free(TSizeClass& sizeClass, void* p) {
+        size_t& n = counts[sizeClass.nIndex];
+        if (n == 2 * kBatch) {
+            sizeClass.FreeMany(units[sizeClass.nIndex] + kBatch, kBatch);
+            n = kBatch;
+        }
+        units[sizeClass.nIndex][n++] = p;
+    }
+};
+
+namespace {
+thread_local CChunkAllocator::TThreadCache t_cache;
+}  // namespace
+
+CChunkAllocator::CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitSizes, bool bThreadCaches)
     : m_pClasses(new TSizeClass[kUnitSizeCount]) {
     for (size_t i = 0; i < kUnitSizeCount; ++i) {
-        m_pClasses[i].nUnitSize = unitSizes[i];
-        m_pClasses[i].nUnitsPerChunk = (kChunkSize - kHeaderSize) / unitSizes[i];
+        TSizeClass& sizeClass = m_pClasses[i];
+        sizeClass.nIndex = i;
+        sizeClass.nUnitSize = unitSizes[i];
+        sizeClass.nUnitsPerChunk = (kChunkSize - kHeaderSize) / unitSizes[i];
+        sizeClass.bCached = bThreadCaches && sizeClass.nUnitsPerChunk >= kCachedMinUnitsPerChunk;
     }
+}
+
+CChunkAllocator::TThreadCache* CChunkAllocator::CacheFor(const TSizeClass& sizeClass) {
+    if (!sizeClass.bCached) return nullptr;
+    if (!t_cache.pOwner) t_cache.pOwner = this;
+    return &t_cache;
 }
 
 CChunkAllocator::~CChunkAllocator() = default;
@@ -166,7 +225,12 @@ size_t CChunkAllocator::BlockSize(void* p) {
 }
 
 void* CChunkAllocator::Allocate(size_t nBytes) {
-    if (TSizeClass* pClass = ClassFor(nBytes)) return pClass->Allocate();
+    if (TSizeClass* pClass = ClassFor(nBytes)) {
+        if (TThreadCache* pCache = CacheFor(*pClass)) return pCache->Allocate(*pClass);
+        void* p;
+        pClass->AllocateMany(&p, 1);
+        return p;
+    }
     TChunk* pChunk = NewChunk(kHeaderSize + nBytes);
     pChunk->nUsed = nBytes;
     return UnitsOf(pChunk);
@@ -176,7 +240,12 @@ void CChunkAllocator::Free(void* p) {
     if (!p) return;
     TChunk* pChunk = ChunkOf(p);
     if (pChunk->pClass) {
-        static_cast<TSizeClass*>(pChunk->pClass)->Free(pChunk, p);
+        TSizeClass& sizeClass = *static_cast<TSizeClass*>(pChunk->pClass);
+        if (TThreadCache* pCache = CacheFor(sizeClass)) {
+            pCache->Free(sizeClass, p);
+        } else {
+            sizeClass.FreeMany(&p, 1);
+        }
     } else {
         std::free(pChunk);
     }
@@ -214,7 +283,8 @@ CChunkAllocator& RegisterChunkAllocator() {
     // Never destroyed: registers may outlive any static object.
     static CChunkAllocator* const pAllocator = new CChunkAllocator(
         {sizeof(TSortedBucket), NodeBytes(1), NodeBytes(2), NodeBytes(4), NodeBytes(8), 16 * kEntry,
-         32 * kEntry, 64 * kEntry, 128 * kEntry, 256 * kEntry, 512 * kEntry, 1024 * kEntry, 2048 * kEntry});
+         32 * kEntry, 64 * kEntry, 128 * kEntry, 256 * kEntry, 512 * kEntry, 1024 * kEntry, 2048 * kEntry},
+        true);
     return *pAllocator;
 }
 

@@ -12,7 +12,9 @@
 // from its address: Free and Reallocate need no size. Each chunk is one huge page where the system
 // allows it: a look-up at a random place then costs no page walk.
 //
-// Thread-safe: one lock per unit size, held for a few instructions per call.
+// Thread-safe: one lock per unit size, held for a few instructions per call. With thread caches,
+// each thread keeps a few dozen units of each small size, taken and given back in batches under
+// one lock; the statistics count them as in use.
 #pragma once
 
 #include <array>
@@ -35,8 +37,9 @@ class CChunkAllocator {
     static constexpr size_t kChunkSize = size_t{2} << 20;
     static constexpr size_t kUnitSizeCount = 13;
 
-    // Unit sizes in ascending order, each a multiple of 8 and at most a seventh of a chunk.
-    explicit CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitSizes);
+    // Unit sizes in ascending order, each a multiple of 8 and at most a seventh of a chunk. Only
+    // one allocator of the process may have thread caches, and it must never be destroyed.
+    explicit CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitSizes, bool bThreadCaches = false);
     // Every chunk goes back to the system; units still in use become invalid.
     ~CChunkAllocator();
     CChunkAllocator(const CChunkAllocator&) = delete;
@@ -53,10 +56,14 @@ class CChunkAllocator {
     void ReleaseUnusedChunks();
     TChunkStatistics Statistics() const;
 
+    struct TThreadCache;
+
   private:
     struct TSizeClass;
     static size_t BlockSize(void* p);
     TSizeClass* ClassFor(size_t nBytes) const;
+    // The calling thread's cache when `sizeClass` is served through one, else null.
+    TThreadCache* CacheFor(const TSizeClass& sizeClass);
 
     std::unique_ptr<TSizeClass[]> m_pClasses;
 };

@@ -66,6 +66,7 @@ struct TRegisterLoadOptions {
     std::filesystem::path workingFolder = ".";  // for the scratch copy and the load log
     bool bLogToFile = false;                    // the LogToFileTmpRegLoad option
     bool bBlackToMove = false;                  // the side to move of the positions, for checking them
+    unsigned nThreads = 0;                      // threads sharing the records out; 0: the processors
 };
 
 struct TRegisterLoadReport {

@@ -1,13 +1,18 @@
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <memory>
 #include <new>
 #include <span>
+#include <thread>
+#include <vector>
 
 #include "core/chess_exception.h"
 #include "core/fen.h"
+#include "core/thread_start.h"
 #include "core/validation.h"
 #include "register_file.h"
 #include "register_levels.h"
@@ -35,15 +40,23 @@ uint64_t ReadU64(const uint8_t* p) {
     return value;
 }
 
+// Loads of files smaller than this are not shared out between threads.
+constexpr uint64_t kShardedMinFileSize = kReadBlockSize;
+constexpr unsigned kMaxShards = 8;
+
 // Checks each record's position and stores the valid ones, logging them when asked. Records wait
 // in a ring on their way to the register: the bucket word of a record is asked for when it comes
 // in, its node kLag records later, and it is stored kLag records after that, so that the memory
 // accesses of sixteen records overlap. Records of a bucket are stored in file order.
+//
+// Of several stores fed the same records, each takes those of its shard only: the own store's
+// records (configuration 0) whose hash falls to it, and shard 0 every other record. The shards
+// of a bucket's records are then the same, so each bucket still gets its records in file order.
 class CRecordStore {
   public:
     CRecordStore(TAggregatedTemporaryChessboardRegister& reg, const TRegisterLoadOptions& options,
-                 TRegisterLoadReport& report)
-        : m_reg(reg), m_options(options), m_report(report) {
+                 unsigned nShard = 0, unsigned nShards = 1)
+        : m_reg(reg), m_options(options), m_nShard(nShard), m_nShardMask(nShards - 1) {
         if (!options.bLogToFile) return;
         m_log.open(options.workingFolder / kLoadLogFile, std::ios::app);
         m_log << kLoadLogHeader;
@@ -52,6 +65,7 @@ class CRecordStore {
     void Store(uint64_t nConfiguration, const uint8_t* pRecord) {
         if (nConfiguration != m_nConfiguration) Flush();
         m_nConfiguration = nConfiguration;
+        if (!Mine(pRecord + 4)) return;
         if (BrokenRuleOf(pRecord + 4)) {
             ++m_report.nInvalidPositions;
             return;
@@ -75,7 +89,18 @@ class CRecordStore {
         while (m_nStored < m_nCame) StoreOldest();
     }
 
+    // What was stored and skipped so far.
+    const TRegisterLoadReport& Report() const { return m_report; }
+
   private:
+    bool Mine(const uint8_t* pSquares) const {
+        if (m_nShardMask == 0) return true;
+        if (m_nConfiguration != 0) return m_nShard == 0;
+        TChessboardRegisterItem key;
+        std::memcpy(key.squares, pSquares, sizeof key.squares);
+        return (RegisterHash(key) & m_nShardMask) == m_nShard;
+    }
+
     void StoreOldest() { m_reg.Merge(m_nConfiguration, m_ring[m_nStored++ % kRing]); }
 
     void Log(uint64_t nConfiguration, const TChessboardRegisterEntry& entry) {
@@ -88,7 +113,9 @@ class CRecordStore {
 
     TAggregatedTemporaryChessboardRegister& m_reg;
     const TRegisterLoadOptions& m_options;
-    TRegisterLoadReport& m_report;
+    const unsigned m_nShard;
+    const unsigned m_nShardMask;
+    TRegisterLoadReport m_report;
     std::ofstream m_log;
     static constexpr size_t kLag = 8;
     static constexpr size_t kRing = 2 * kLag;
@@ -101,7 +128,7 @@ class CRecordStore {
 // Stores the records of `data` and takes the configuration of each group marker met (a marker
 // is told from a record by its first four bytes). Returns the bytes used: a marker or record cut
 // by the end of `data` is left for the next call.
-size_t StoreUnits(std::span<const uint8_t> data, uint64_t& nConfiguration, CRecordStore& store) {
+size_t StoreShardUnits(std::span<const uint8_t> data, uint64_t& nConfiguration, CRecordStore& store) {
     size_t nUsed = 0;
     for (;;) {
         const uint8_t* p = data.data() + nUsed;
@@ -118,20 +145,80 @@ size_t StoreUnits(std::span<const uint8_t> data, uint64_t& nConfiguration, CReco
     }
 }
 
+// The record stores of a load, one per shard, each on a thread of its own while a piece of the
+// file is stored (the first on the calling thread). The threads start for each piece: pieces are
+// megabytes, a thread's start microseconds.
+class CShardedStore {
+  public:
+    CShardedStore(TAggregatedTemporaryChessboardRegister& reg, const TRegisterLoadOptions& options,
+                  unsigned nShards)
+        : m_configurations(nShards, 0) {
+        for (unsigned i = 0; i < nShards; ++i)
+            m_stores.push_back(std::make_unique<CRecordStore>(reg, options, i, nShards));
+    }
+
+    // Stores the records of `data`, each shard its own; returns the bytes used, as StoreShardUnits.
+    size_t StoreUnits(std::span<const uint8_t> data) {
+        std::vector<size_t> used(m_stores.size());
+        std::vector<std::exception_ptr> failures(m_stores.size());
+        const auto storeShard = [&](size_t i) {
+            try {
+                used[i] = StoreShardUnits(data, m_configurations[i], *m_stores[i]);
+            } catch (...) {
+                failures[i] = std::current_exception();
+            }
+        };
+        std::vector<std::thread> threads;
+        for (size_t i = 1; i < m_stores.size(); ++i) threads.push_back(StartThread(storeShard, i));
+        storeShard(0);
+        for (std::thread& thread : threads) thread.join();
+        for (const std::exception_ptr& failure : failures) {
+            if (failure) std::rethrow_exception(failure);
+        }
+        return used[0];
+    }
+
+    // Stores the records still waiting in every shard.
+    void Flush() {
+        for (const std::unique_ptr<CRecordStore>& store : m_stores) store->Flush();
+    }
+
+    TRegisterLoadReport Report() const {
+        TRegisterLoadReport report;
+        for (const std::unique_ptr<CRecordStore>& store : m_stores) {
+            report.nRecords += store->Report().nRecords;
+            report.nInvalidPositions += store->Report().nInvalidPositions;
+        }
+        return report;
+    }
+
+  private:
+    std::vector<std::unique_ptr<CRecordStore>> m_stores;
+    std::vector<uint64_t> m_configurations;  // the group each shard is in, from the markers it met
+};
+
+// One shard per processor, a power of two, unless the file is small, the records are logged (in
+// file order) or the table has fewer buckets than shards.
+unsigned ShardCount(const TRegisterLoadOptions& options, uint64_t nFileSize, size_t nBuckets) {
+    const unsigned nThreads = options.nThreads ? options.nThreads : std::thread::hardware_concurrency();
+    if (options.bLogToFile || nFileSize < kShardedMinFileSize) return 1;
+    const unsigned nShards = std::bit_floor(std::clamp(nThreads, 1u, kMaxShards));
+    return nBuckets >= nShards ? nShards : 1;
+}
+
 // Reads the file in blocks, the unit cut at the end of a block moved to the front of the next.
 // A read error throws once the records read before it are stored. True when the data end at a
 // record (or marker) boundary.
-bool StoreFile(std::FILE* pFile, uint64_t nFileSize, CRecordStore& store) {
+bool StoreFile(std::FILE* pFile, uint64_t nFileSize, CShardedStore& store) {
     const size_t nBufferSize = std::clamp<uint64_t>(nFileSize, kRegisterRecordSize, kReadBlockSize);
     const std::unique_ptr<uint8_t[]> pBuffer = std::make_unique_for_overwrite<uint8_t[]>(nBufferSize);
     const std::span<uint8_t> buffer(pBuffer.get(), nBufferSize);
     size_t nKept = 0;
-    uint64_t nConfiguration = 0;
     for (;;) {
         const size_t nWanted = buffer.size() - nKept;
         const size_t nRead = std::fread(buffer.data() + nKept, 1, nWanted, pFile);
         const size_t nHeld = nKept + nRead;
-        const size_t nUsed = StoreUnits({buffer.data(), nHeld}, nConfiguration, store);
+        const size_t nUsed = store.StoreUnits({buffer.data(), nHeld});
         nKept = nHeld - nUsed;
         if (nRead < nWanted && std::ferror(pFile)) throw ChessException(kRecordReadError);
         if (nRead < nWanted) return nKept == 0;
@@ -140,17 +227,19 @@ bool StoreFile(std::FILE* pFile, uint64_t nFileSize, CRecordStore& store) {
 }
 
 // Every record of the source stored, the last batch too, also when reading fails on the way;
-// true when the data end at a boundary.
+// true when the data end at a boundary. `report` counts what was stored either way.
 template <class FStoreAll>
-bool StoreAll(CRecordStore& store, FStoreAll&& storeAll) {
+bool StoreAll(CShardedStore& store, TRegisterLoadReport& report, FStoreAll&& storeAll) {
     bool bComplete = false;
     try {
         bComplete = storeAll();
     } catch (const ChessException&) {
         store.Flush();
+        report = store.Report();
         throw;
     }
     store.Flush();
+    report = store.Report();
     return bComplete;
 }
 
@@ -189,17 +278,15 @@ bool Load(std::FILE* pFile, TAggregatedTemporaryChessboardRegister& reg, size_t 
     const long nStart = std::ftell(pFile);
     uint8_t magic[kPackedMagicSize];
     if (std::fread(magic, 1, sizeof magic, pFile) != sizeof magic) throw ChessException(kEmptyFile);
-    CRecordStore store(reg, options, report);
     if (IsPackedMagic(magic)) {
         std::vector<uint8_t> data = UnpackFile(pFile, magic, nFileSize);
         WriteScratchCopy(options.workingFolder / kLoadScratchFile, data);
-        return StoreAll(store, [&] {
-            uint64_t nConfiguration = 0;
-            return StoreUnits(data, nConfiguration, store) == data.size();
-        });
+        CShardedStore store(reg, options, ShardCount(options, data.size(), nBuckets));
+        return StoreAll(store, report, [&] { return store.StoreUnits(data) == data.size(); });
     }
     if (std::fseek(pFile, nStart, SEEK_SET) != 0) throw ChessException(kRecordReadError);
-    return StoreAll(store, [&] { return StoreFile(pFile, nFileSize, store); });
+    CShardedStore store(reg, options, ShardCount(options, nFileSize, nBuckets));
+    return StoreAll(store, report, [&] { return StoreFile(pFile, nFileSize, store); });
 }
 
 }  // namespace moremate

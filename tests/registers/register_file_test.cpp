@@ -156,7 +156,8 @@ TEST_F(RegisterFile, PlainFileEndsAtTheLastWholeRecord) {
 }
 
 // A plain file is read in blocks of 4 MB: records and markers cut by a block's end are completed
-// from the next block, and a file cut short still keeps every whole record before its end.
+// from the next block, and a file cut short still keeps every whole record before its end. Shared
+// out between threads, every bucket gets its records in the order of the file, as with one.
 TEST_F(RegisterFile, PlainFileOfSeveralReadBlocksLoadsWhole) {
     TAggregatedTemporaryChessboardRegister large(200'000, kBuckets);
     FillRegister(large, 70'000);
@@ -171,6 +172,18 @@ TEST_F(RegisterFile, PlainFileOfSeveralReadBlocksLoadsWhole) {
     EXPECT_TRUE(result.bComplete) << result.sError;
     EXPECT_EQ(result.report.nRecords, large.ElementCount());
     EXPECT_EQ(Contents(loaded), Contents(large));
+
+    constexpr size_t kSmallBuckets = size_t{1} << 14;  // about four entries each: kept in file order
+    std::vector<testing::TContent> inOrder[2];
+    for (unsigned nThreads : {1u, 2u}) {
+        options.nThreads = nThreads;
+        TAggregatedTemporaryChessboardRegister shared(200'000, 16);
+        result = LoadRegisterFile(folder.File("large.tmpReg"), shared, kSmallBuckets, options);
+        EXPECT_EQ(result.report.nRecords, large.ElementCount()) << nThreads;
+        inOrder[nThreads - 1] = testing::ContentsInOrder(shared);
+    }
+    EXPECT_EQ(inOrder[0], inOrder[1]);
+    options.nThreads = 0;
 
     TAggregatedTemporaryChessboardRegister cut(200'000, 16);
     result = LoadRegisterFile(folder.Write("cut.tmpReg", stream.substr(0, stream.size() - 30)), cut, kBuckets,

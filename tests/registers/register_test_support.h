@@ -108,12 +108,18 @@ inline void FillRegister(TAggregatedTemporaryChessboardRegister& reg, size_t nCo
 
 using TContent = std::tuple<uint64_t, std::vector<uint8_t>, uint16_t, uint16_t>;
 
-inline std::vector<TContent> Contents(const TAggregatedTemporaryChessboardRegister& reg) {
+// Bucket by bucket, each bucket's entries in their stored order.
+inline std::vector<TContent> ContentsInOrder(const TAggregatedTemporaryChessboardRegister& reg) {
     std::vector<TContent> contents;
     reg.ForEachConfigurationEntry([&](uint64_t nConfiguration, const TChessboardRegisterEntry& entry) {
         contents.emplace_back(nConfiguration, std::vector<uint8_t>(entry.key.squares, entry.key.squares + 64),
                               entry.MovesMate, entry.MovesNoMate);
     });
+    return contents;
+}
+
+inline std::vector<TContent> Contents(const TAggregatedTemporaryChessboardRegister& reg) {
+    std::vector<TContent> contents = ContentsInOrder(reg);
     std::sort(contents.begin(), contents.end());
     return contents;
 }
