@@ -3,11 +3,14 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <new>
+#include <thread>
+#include <utility>
 
 #include "register_combined_map.h"
 
@@ -40,13 +43,60 @@ uint8_t* UnitsOf(TChunk* pChunk) {
     return reinterpret_cast<uint8_t*>(pChunk) + kHeaderSize;
 }
 
+// Null when the system has no memory.
+void* AllocateChunkMemory(size_t nBytes) {
+    void* p = std::aligned_alloc(kChunkSize, nBytes);
+    if (p) madvise(p, nBytes, MADV_HUGEPAGE);
+    return p;
+}
+
 TChunk* NewChunk(size_t nBytes) {
-    const size_t nRounded = (nBytes + kChunkSize - 1) / kChunkSize * kChunkSize;
-    void* p = std::aligned_alloc(kChunkSize, nRounded);
+    void* p = AllocateChunkMemory((nBytes + kChunkSize - 1) / kChunkSize * kChunkSize);
     if (!p) throw std::bad_alloc();
-    madvise(p, nRounded, MADV_HUGEPAGE);
     return new (p) TChunk;
 }
+
+// One chunk made ready ahead by a helper thread, its memory already faulted in: the system clears
+// a fresh page when it is first touched, and a search thread that takes a new chunk then finds
+// that done, while the helper clears the next one (on a spare processor, off the search's time).
+class CChunkReserve {
+  public:
+    static CChunkReserve& Instance() {
+        static CChunkReserve* const pReserve = new CChunkReserve;  // its helper never ends
+        return *pReserve;
+    }
+    // The ready chunk, or null while none is ready; the helper then makes the next.
+    TChunk* Take() {
+        std::lock_guard lock(m_mutex);
+        void* p = std::exchange(m_pReady, nullptr);
+        if (!m_bStarted) {
+            m_bStarted = true;
+            std::thread([this] { MakeReady(); }).detach();
+        }
+        m_wanted.notify_one();
+        return p ? new (p) TChunk : nullptr;
+    }
+
+  private:
+    void MakeReady() {
+        for (;;) {
+            {
+                std::unique_lock lock(m_mutex);
+                m_wanted.wait(lock, [this] { return m_pReady == nullptr; });
+            }
+            auto* p = static_cast<volatile uint8_t*>(AllocateChunkMemory(kChunkSize));
+            if (!p) return;  // no memory: chunks are made where they are needed
+            for (size_t i = 0; i < kChunkSize; i += 4096) p[i] = 0;
+            std::lock_guard lock(m_mutex);
+            m_pReady = const_cast<uint8_t*>(p);
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_wanted;
+    void* m_pReady = nullptr;
+    bool m_bStarted = false;
+};
 
 }  // namespace
 
@@ -82,7 +132,8 @@ struct CChunkAllocator::TSizeClass {
     void AddChunk() {
         TChunk* pChunk;
         if (!pUnused) {
-            pChunk = NewChunk(kChunkSize);
+            pChunk = bCached ? CChunkReserve::Instance().Take() : nullptr;
+            if (!pChunk) pChunk = NewChunk(kChunkSize);
             pChunk->pClass = this;
             pChunk->pNextOfAll = pAll;
             if (pAll) pAll->pPrevOfAll = pChunk;
