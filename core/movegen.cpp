@@ -333,6 +333,22 @@ void GenerateCheckingMoves(const TChessboard& board, TMoveList& list) {
     Generate(board, sink, g_geometry.direction[theirs][ours] >= 0, candidates);
 }
 
+bool IsLegalMove(const TChessboard& board, const TMove& move) {
+    const Piece piece = board.squares[move.from];
+    if (piece == kEmpty || ColourOf(piece) != board.ToMove()) return false;
+    const CNodeInfo info = Analyse(board);
+    if (move.from == info.king)
+        return move.PromotedType() == 0 && ((KingSteps(board, info) | CastlingTargets(board, info)) & Bit(move.to));
+    if (info.doubleCheck) return false;
+    bool bFound = false;
+    auto sink = [&](int from, int to, uint8_t promotion) {
+        bFound = TMove{static_cast<Square>(from), static_cast<Square>(to), promotion} == move;
+        return !bFound;
+    };
+    PieceMoves(board, info, move.from, sink, [&move](int, uint64_t targets) { return targets & Bit(move.to); });
+    return bFound;
+}
+
 bool HasLegalMove(const TChessboard& board) {
     const CNodeInfo info = Analyse(board);
     if (KingSteps<true>(board, info)) return true;

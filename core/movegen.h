@@ -33,6 +33,8 @@ void GenerateLegalMoves(const TChessboard& board, TMoveList& list);
 int CountLegalMoves(const TChessboard& board);
 // The legal moves that give check: the only candidates for a mate in one.
 void GenerateCheckingMoves(const TChessboard& board, TMoveList& list);
+// Whether `move` is a legal move of the side to move (a remembered move tried in another position).
+bool IsLegalMove(const TChessboard& board, const TMove& move);
 // Whether the side to move has any legal move; stops at the first one found.
 bool HasLegalMove(const TChessboard& board);
 

@@ -264,6 +264,11 @@ uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, int 
 }
 
 uint8_t TMateSearch::OpenBlackNode(const TChessboard& node, int ply, TMoveList& moves, bool& doubtful) {
+    const uint8_t settled = SettleBeforeDefences(node);
+    return settled != kUnknownResult ? settled : GenerateDefences(node, ply, moves, doubtful);
+}
+
+uint8_t TMateSearch::SettleBeforeDefences(const TChessboard& node) {
     CountNode();
     const int m = node.movesLeft;
     if (m <= 0) return IsMate(node) ? kMate : kNoMate;
@@ -278,6 +283,10 @@ uint8_t TMateSearch::OpenBlackNode(const TChessboard& node, int ply, TMoveList& 
         ++m_nRepetitions;
         return kRepetition;
     }
+    return kUnknownResult;
+}
+
+uint8_t TMateSearch::GenerateDefences(const TChessboard& node, int ply, TMoveList& moves, bool& doubtful) {
     GenerateLegalMoves(node, moves);
     if (moves.count == 0) return node.InCheck() ? kMate : kNoMate;  // mate, or stalemate
     doubtful = Filtered(node, moves);
@@ -285,30 +294,53 @@ uint8_t TMateSearch::OpenBlackNode(const TChessboard& node, int ply, TMoveList& 
     return kUnknownResult;
 }
 
+// The defence that refuted a sibling last sorts first among the defences; near the end of a line
+// it mostly refutes here too, so it is tried before the others are generated. Not with
+// heuristics, whose filters might drop it from the list.
+TMove TMateSearch::RefutationToTryFirst(const TChessboard& node, int ply) const {
+    const TMove killer = m_killers[ply].moves[0];
+    if (node.movesLeft >= kChildrenAheadMinMovesLeft || m_env.heuristics || killer.IsNull()) return TMove{};
+    return IsLegalMove(node, killer) ? killer : TMove{};
+}
+
+// A defence that was not mated: it refutes the node ("no mate"; a line that repeats is no way to
+// mate), or a heuristic keeps it from a refutation, which already denies the mate in this pass:
+// the other defences could only turn "doubtful" into "no mate", and searching them proves mates
+// that nobody needs.
+uint8_t TMateSearch::Refuted(const TChessboard& node, int ply, const TMove& defence, uint8_t result,
+                             uint64_t repetitionsBefore) {
+    if (result == kDoubtful) {
+        Settle(node, ply, kDoubtful);
+        return kDoubtful;
+    }
+    m_killers[ply].Remember(defence);
+    if (m_nRepetitions == repetitionsBefore) Settle(node, ply, kNoMate);
+    return kNoMate;
+}
+
 uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
+    const uint8_t settled = SettleBeforeDefences(node);
+    if (settled != kUnknownResult) return settled;
+    const uint64_t repetitionsBefore = m_nRepetitions;
+    const auto defends = [](uint8_t r) { return r == kNoMate || r == kRepetition || r == kDoubtful; };
+    const TMove first = RefutationToTryFirst(node, ply);
+    if (!first.IsNull()) {
+        TChessboard child;
+        PlayMove(node, first, child);
+        const uint8_t r = AfterMove(child, ply + 1);
+        if (defends(r)) return Refuted(node, ply, first, r, repetitionsBefore);
+    }
     TMoveList moves;
     bool doubtful = false;
-    const uint8_t opened = OpenBlackNode(node, ply, moves, doubtful);
-    if (opened != kUnknownResult) return opened;
-    const uint64_t repetitionsBefore = m_nRepetitions;
+    const uint8_t generated = GenerateDefences(node, ply, moves, doubtful);
+    if (generated != kUnknownResult) return generated;
     CChildrenAhead children(node, moves,
                             node.movesLeft >= kChildrenAheadMinMovesLeft ? m_env.store : nullptr);
     for (int i = 0; i < moves.count; ++i) {
         const TMove& d = moves.moves[i];
-        const TChessboard& child = children.Child(i);
-        const uint8_t r = AfterMove(child, ply + 1);
-        if (r == kNoMate || r == kRepetition) {  // a line that repeats is no way to mate
-            m_killers[ply].Remember(d);
-            if (m_nRepetitions == repetitionsBefore) Settle(node, ply, kNoMate);
-            return kNoMate;
-        }
-        // A defence that only a heuristic keeps from a refutation already denies the mate in this
-        // pass: the other defences could only turn "doubtful" into "no mate", and searching them
-        // proves mates that nobody needs.
-        if (r == kDoubtful) {
-            Settle(node, ply, kDoubtful);
-            return kDoubtful;
-        }
+        if (d == first) continue;  // searched already
+        const uint8_t r = AfterMove(children.Child(i), ply + 1);
+        if (defends(r)) return Refuted(node, ply, d, r, repetitionsBefore);
     }
     const uint8_t result = doubtful ? kDoubtful : kMate;
     Settle(node, ply, result);

@@ -82,6 +82,13 @@ class TMateSearch {
     uint8_t WhiteNode(const TChessboard& node, int ply);
     uint8_t WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply);
     uint8_t BlackNode(const TChessboard& node, int ply);
+    // A Black node settled before its defences are generated (register, rules, repetition), or
+    // kUnknownResult.
+    uint8_t SettleBeforeDefences(const TChessboard& node);
+    uint8_t GenerateDefences(const TChessboard& node, int ply, TMoveList& moves, bool& doubtful);
+    TMove RefutationToTryFirst(const TChessboard& node, int ply) const;
+    uint8_t Refuted(const TChessboard& node, int ply, const TMove& defence, uint8_t result,
+                    uint64_t repetitionsBefore);
     uint8_t AfterMove(const TChessboard& child, int ply);
     bool MatesAtOnce(const TChessboard& child, int ply);
     bool RepeatsEarlierPosition(const TChessboard& node) const;

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "core/attacks.h"
 #include "core/fen.h"
 #include "core/gives_check.h"
@@ -179,6 +182,41 @@ TEST(GivesCheck, CheckingMovesAreTheLegalMovesThatCheck) {
             ASSERT_EQ(checking.moves[i], expected.moves[i]) << WriteFen(after);
     };
     for (const char* fen : kTreeRoots) WalkLines(test::Board(fen), 2, compare);
+}
+
+// Tries the moves of all the children of `board` in each of them (a refutation remembered from a
+// sibling is tried so), against the child's legal moves; then the same one level down. Returns
+// how many were tried.
+int CompareSiblingMoves(const TChessboard& board, int depth) {
+    TMoveList list;
+    GenerateLegalMoves(board, list);
+    std::vector<TChessboard> children(static_cast<size_t>(list.count));
+    std::vector<TMoveList> replies(children.size());
+    std::vector<TMove> candidates;
+    for (size_t i = 0; i < children.size(); ++i) {
+        PlayMove(board, list.moves[i], children[i]);
+        GenerateLegalMoves(children[i], replies[i]);
+        for (const TMove& m : replies[i])
+            if (std::find(candidates.begin(), candidates.end(), m) == candidates.end()) candidates.push_back(m);
+    }
+    int tried = 0;
+    for (size_t i = 0; i < children.size(); ++i) {
+        for (const TMove& m : candidates) {
+            ++tried;
+            if (IsLegalMove(children[i], m) != replies[i].Contains(m)) {
+                ADD_FAILURE() << MoveToText(children[i], m) << " in " << WriteFen(children[i]);
+                return tried;
+            }
+        }
+        if (depth > 1) tried += CompareSiblingMoves(children[i], depth - 1);
+    }
+    return tried;
+}
+
+TEST(LegalMoves, ASiblingsMoveIsLegalExactlyWhenGenerated) {
+    int tried = 0;
+    for (const char* fen : kTreeRoots) tried += CompareSiblingMoves(Board(fen), 2);
+    EXPECT_GT(tried, 100000);
 }
 
 // The bit boards and checkers PlayMove keeps against those the validation derives afresh from the
