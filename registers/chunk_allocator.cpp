@@ -103,7 +103,8 @@ class CChunkReserve {
 struct CChunkAllocator::TSizeClass {
     size_t nIndex = 0;
     size_t nUnitSize = 0;
-    bool bCached = false;  // served through the threads' caches
+    bool bCached = false;       // served through the threads' caches
+    bool bFromReserve = false;  // new chunks taken from the reserve when one is ready
     size_t nUnitsPerChunk = 0;
     mutable std::mutex mutex;
     TChunk* pPartial = nullptr;  // chunks with a free unit and one in use at least
@@ -132,7 +133,7 @@ struct CChunkAllocator::TSizeClass {
     void AddChunk() {
         TChunk* pChunk;
         if (!pUnused) {
-            pChunk = bCached ? CChunkReserve::Instance().Take() : nullptr;
+            pChunk = bFromReserve ? CChunkReserve::Instance().Take() : nullptr;
             if (!pChunk) pChunk = NewChunk(kChunkSize);
             pChunk->pClass = this;
             pChunk->pNextOfAll = pAll;
@@ -252,6 +253,7 @@ CChunkAllocator::CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitS
         sizeClass.nUnitSize = unitSizes[i];
         sizeClass.nUnitsPerChunk = (kChunkSize - kHeaderSize) / unitSizes[i];
         sizeClass.bCached = bThreadCaches && sizeClass.nUnitsPerChunk >= kCachedMinUnitsPerChunk;
+        sizeClass.bFromReserve = bThreadCaches;
     }
 }
 

@@ -38,7 +38,8 @@ class CChunkAllocator {
     static constexpr size_t kUnitSizeCount = 13;
 
     // Unit sizes in ascending order, each a multiple of 8 and at most a seventh of a chunk. Only
-    // one allocator of the process may have thread caches, and it must never be destroyed.
+    // one allocator of the process may have thread caches, and it must never be destroyed; it also
+    // takes its new chunks from a helper thread that faults each one in ahead of need.
     explicit CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitSizes, bool bThreadCaches = false);
     // Every chunk goes back to the system; units still in use become invalid.
     ~CChunkAllocator();
