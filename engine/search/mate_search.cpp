@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "core/gives_check.h"
+#include "core/king_escape.h"
 #include "dead_position.h"
 #include "engine/state/run_control.h"
 #include "position_repetition.h"
@@ -80,6 +81,7 @@ bool MatesInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks
     TChessboard child;
     for (const TMove& m : moves) {
         if (checks && !checks->Gives(node, m)) continue;
+        if (KingCanStepAfter(node, m)) continue;  // most checks: no need to play them
         PlayMove(node, m, child);
         if (!HasLegalMove(child)) return true;
     }

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <vector>
 
 #include "core/attacks.h"
 #include "core/fen.h"
 #include "core/gives_check.h"
+#include "core/king_escape.h"
 #include "core/notation.h"
 #include "core/occupancy.h"
 #include "core/perft.h"
@@ -197,7 +199,8 @@ int CompareSiblingMoves(const TChessboard& board, int depth) {
         PlayMove(board, list.moves[i], children[i]);
         GenerateLegalMoves(children[i], replies[i]);
         for (const TMove& m : replies[i])
-            if (std::find(candidates.begin(), candidates.end(), m) == candidates.end()) candidates.push_back(m);
+            if (std::find(candidates.begin(), candidates.end(), m) == candidates.end())
+                candidates.push_back(m);
     }
     int tried = 0;
     for (size_t i = 0; i < children.size(); ++i) {
@@ -217,6 +220,25 @@ TEST(LegalMoves, ASiblingsMoveIsLegalExactlyWhenGenerated) {
     int tried = 0;
     for (const char* fen : kTreeRoots) tried += CompareSiblingMoves(Board(fen), 2);
     EXPECT_GT(tried, 100000);
+}
+
+// The quick answer against the position played: the king of the side not to move has a step (not
+// castling) after every move but castling and en passant exactly when the quick answer says so.
+TEST(KingEscape, AgreesWithTheKingsMovesInThePlayedPosition) {
+    auto compare = [](const TChessboard& board, const TMove& m, const TChessboard& after) {
+        const bool special = (TypeOf(board.squares[m.from]) == kKing && std::abs(m.to - m.from) == 2) ||
+                             (TypeOf(board.squares[m.from]) == kPawn && m.to == board.epSquare);
+        TMoveList replies;
+        GenerateLegalMoves(after, replies);
+        const int king = after.KingSquare(after.ToMove());
+        bool step = false;
+        for (const TMove& r : replies) step = step || (r.from == king && std::abs(r.to - r.from) != 2);
+        ASSERT_EQ(KingCanStepAfter(board, m), step && !special)
+            << MoveToText(board, m) << " in " << WriteFen(board);
+    };
+    int compared = 0;
+    for (const char* fen : kTreeRoots) compared += WalkLines(test::Board(fen), 3, compare);
+    EXPECT_GT(compared, 100000);
 }
 
 // The bit boards and checkers PlayMove keeps against those the validation derives afresh from the

@@ -1,0 +1,15 @@
+// A quick answer for the mate test of a checking move: whether the checked king can still step
+// somewhere, worked out from the bit boards before the move is played. Most checks leave the king
+// a square, and the move then needs neither playing nor a full look at the replies.
+#pragma once
+
+#include "chessboard.h"
+
+namespace moremate {
+
+// True when, after `move` (legal in `board`), the king of the side not to move has a step to a
+// square no enemy piece attacks: the move does not mate. False when it has none, and for castling
+// and en passant (two pieces move), which are left to the full test.
+bool KingCanStepAfter(const TChessboard& board, const TMove& move);
+
+}  // namespace moremate
