@@ -3,9 +3,12 @@
 // undone at its end, in this thread.
 #pragma once
 
+#include <cstddef>
+#include <exception>
 #include <functional>
 #include <thread>
 #include <utility>
+#include <vector>
 
 namespace moremate {
 
@@ -37,6 +40,27 @@ std::thread StartThread(F&& fn, Args&&... args) {
         const CThreadHooksScope scope;
         std::invoke(std::move(fn), std::move(args)...);
     });
+}
+
+// Runs work(0) on the calling thread and work(1) ... work(n - 1) on threads of their own, and
+// once all have ended rethrows the first exception any of them threw.
+template <class FWork>
+void RunOnThreads(size_t n, FWork&& work) {
+    std::vector<std::exception_ptr> failures(n);
+    auto guarded = [&work, &failures](size_t i) {
+        try {
+            work(i);
+        } catch (...) {
+            failures[i] = std::current_exception();
+        }
+    };
+    std::vector<std::thread> threads;
+    for (size_t i = 1; i < n; ++i) threads.push_back(StartThread(guarded, i));
+    if (n > 0) guarded(0);
+    for (std::thread& thread : threads) thread.join();
+    for (const std::exception_ptr& failure : failures) {
+        if (failure) std::rethrow_exception(failure);
+    }
 }
 
 }  // namespace moremate

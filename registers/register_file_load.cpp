@@ -2,7 +2,6 @@
 #include <array>
 #include <bit>
 #include <cstring>
-#include <exception>
 #include <fstream>
 #include <memory>
 #include <new>
@@ -160,21 +159,8 @@ class CShardedStore {
     // Stores the records of `data`, each shard its own; returns the bytes used, as StoreShardUnits.
     size_t StoreUnits(std::span<const uint8_t> data) {
         std::vector<size_t> used(m_stores.size());
-        std::vector<std::exception_ptr> failures(m_stores.size());
-        const auto storeShard = [&](size_t i) {
-            try {
-                used[i] = StoreShardUnits(data, m_configurations[i], *m_stores[i]);
-            } catch (...) {
-                failures[i] = std::current_exception();
-            }
-        };
-        std::vector<std::thread> threads;
-        for (size_t i = 1; i < m_stores.size(); ++i) threads.push_back(StartThread(storeShard, i));
-        storeShard(0);
-        for (std::thread& thread : threads) thread.join();
-        for (const std::exception_ptr& failure : failures) {
-            if (failure) std::rethrow_exception(failure);
-        }
+        RunOnThreads(m_stores.size(),
+                     [&](size_t i) { used[i] = StoreShardUnits(data, m_configurations[i], *m_stores[i]); });
         return used[0];
     }
 

@@ -1,8 +1,6 @@
 #include "level_search.h"
 
 #include <algorithm>
-#include <exception>
-#include <thread>
 #include <utility>
 
 #include "core/notation.h"
@@ -104,20 +102,7 @@ std::unique_ptr<CLevelSearch::TMoveGroup> CLevelSearch::NewGroup(size_t index) c
 }
 
 std::vector<uint8_t> CLevelSearch::RunThreads() {
-    std::vector<std::exception_ptr> failures(m_searches.size());
-    auto work = [this, &failures](size_t t) {
-        try {
-            Work(m_searches[t]);
-        } catch (...) {
-            failures[t] = std::current_exception();
-        }
-    };
-    std::vector<std::thread> threads;
-    for (size_t t = 1; t < m_searches.size(); ++t) threads.push_back(StartThread(work, t));
-    work(0);
-    for (std::thread& th : threads) th.join();
-    for (const std::exception_ptr& failure : failures)
-        if (failure) std::rethrow_exception(failure);
+    RunOnThreads(m_searches.size(), [this](size_t t) { Work(m_searches[t]); });
     return m_results;
 }
 
