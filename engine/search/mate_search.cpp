@@ -340,7 +340,7 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
                             node.movesLeft >= kChildrenAheadMinMovesLeft ? m_env.store : nullptr);
     for (int i = 0; i < moves.count; ++i) {
         const TMove& d = moves.moves[i];
-        if (d == first) continue;  // searched already
+        if (d == first) continue;  // searched already (near the end children are played one by one)
         const uint8_t r = AfterMove(children.Child(i), ply + 1);
         if (defends(r)) return Refuted(node, ply, d, r, repetitionsBefore);
     }
