@@ -59,43 +59,64 @@ TChunk* NewChunk(size_t nBytes) {
 // One chunk made ready ahead by a helper thread, its memory already faulted in: the system clears
 // a fresh page when it is first touched, and a search thread that takes a new chunk then finds
 // that done, while the helper clears the next one (on a spare processor, off the search's time).
+// The helper runs while a CChunkReserveScope lives; a chunk it made ready stays for the next taker.
 class CChunkReserve {
   public:
     static CChunkReserve& Instance() {
-        static CChunkReserve* const pReserve = new CChunkReserve;  // its helper never ends
+        static CChunkReserve* const pReserve = new CChunkReserve;  // registers may outlive statics
         return *pReserve;
     }
-    // The ready chunk, or null while none is ready; the helper then makes the next.
+    // The ready chunk, or null while none is ready; the helper, if it runs, then makes the next.
     TChunk* Take() {
         std::lock_guard lock(m_mutex);
         void* p = std::exchange(m_pReady, nullptr);
-        if (!m_bStarted) {
-            m_bStarted = true;
-            std::thread([this] { MakeReady(); }).detach();
-        }
-        m_wanted.notify_one();
+        m_changed.notify_all();
         return p ? new (p) TChunk : nullptr;
+    }
+    void AddHolder() {
+        std::lock_guard lock(m_mutex);
+        if (m_nHolders++ == 0)
+            m_helper = std::thread([this, nGeneration = ++m_nGeneration] { MakeReady(nGeneration); });
+    }
+    void RemoveHolder() {
+        std::thread helper;
+        {
+            std::lock_guard lock(m_mutex);
+            if (--m_nHolders == 0) helper = std::move(m_helper);
+            m_changed.notify_all();
+        }
+        if (helper.joinable()) helper.join();
     }
 
   private:
-    void MakeReady() {
+    // A helper ends when the holders are gone or a newer helper has taken over (the last holder
+    // left and a new one came while this one was still clearing a chunk).
+    void MakeReady(uint64_t nGeneration) {
         for (;;) {
             {
                 std::unique_lock lock(m_mutex);
-                m_wanted.wait(lock, [this] { return m_pReady == nullptr; });
+                const auto ended = [&] { return m_nHolders == 0 || m_nGeneration != nGeneration; };
+                m_changed.wait(lock, [&] { return ended() || m_pReady == nullptr; });
+                if (ended()) return;
             }
             auto* p = static_cast<volatile uint8_t*>(AllocateChunkMemory(kChunkSize));
             if (!p) return;  // no memory: chunks are made where they are needed
             for (size_t i = 0; i < kChunkSize; i += 4096) p[i] = 0;
             std::lock_guard lock(m_mutex);
-            m_pReady = const_cast<uint8_t*>(p);
+            if (m_pReady) {
+                std::free(const_cast<uint8_t*>(p));  // a newer helper was quicker
+            } else {
+                m_pReady = const_cast<uint8_t*>(p);
+            }
         }
     }
 
     std::mutex m_mutex;
-    std::condition_variable m_wanted;
+    std::condition_variable m_changed;
     void* m_pReady = nullptr;
-    bool m_bStarted = false;
+    int m_nHolders = 0;
+    uint64_t m_nGeneration = 0;  // of the latest helper
+    std::thread m_helper;
 };
 
 }  // namespace
@@ -328,6 +349,14 @@ TChunkStatistics CChunkAllocator::Statistics() const {
         statistics.nUnusedChunks += sizeClass.nUnused;
     }
     return statistics;
+}
+
+CChunkReserveScope::CChunkReserveScope() {
+    CChunkReserve::Instance().AddHolder();
+}
+
+CChunkReserveScope::~CChunkReserveScope() {
+    CChunkReserve::Instance().RemoveHolder();
 }
 
 CChunkAllocator& RegisterChunkAllocator() {

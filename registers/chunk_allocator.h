@@ -39,7 +39,7 @@ class CChunkAllocator {
 
     // Unit sizes in ascending order, each a multiple of 8 and at most a seventh of a chunk. Only
     // one allocator of the process may have thread caches, and it must never be destroyed; it also
-    // takes its new chunks from a helper thread that faults each one in ahead of need.
+    // takes its new chunks from the reserve that CChunkReserveScope keeps filled.
     explicit CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitSizes, bool bThreadCaches = false);
     // Every chunk goes back to the system; units still in use become invalid.
     ~CChunkAllocator();
@@ -67,6 +67,17 @@ class CChunkAllocator {
     TThreadCache* CacheFor(const TSizeClass& sizeClass);
 
     std::unique_ptr<TSizeClass[]> m_pClasses;
+};
+
+// While one lives, a helper thread keeps one chunk of the registers' allocator faulted in ahead of
+// need, so that the system's clearing of fresh memory happens off the threads that take chunks.
+// A solving run holds one; holders may nest and overlap, the helper ends with the last of them.
+class CChunkReserveScope {
+  public:
+    CChunkReserveScope();
+    ~CChunkReserveScope();
+    CChunkReserveScope(const CChunkReserveScope&) = delete;
+    CChunkReserveScope& operator=(const CChunkReserveScope&) = delete;
 };
 
 // The allocator of all temporary registers, sized for their nodes and arrays.

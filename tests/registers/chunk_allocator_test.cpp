@@ -128,6 +128,27 @@ TEST(RegisterChunkAllocator, ThreadsShareTheAllocator) {
     }
 }
 
+// Holders of the chunk reserve come and go on two threads, nested and overlapping, while both take
+// new chunks: every allocation is served and every scope ends (its helper with it).
+TEST(RegisterChunkAllocator, ReserveScopesComeAndGo) {
+    CChunkAllocator& allocator = RegisterChunkAllocator();
+    auto churn = [&allocator](int nRound) {
+        const CChunkReserveScope scope;
+        std::vector<void*> blocks;
+        for (int i = 0; i < 20'000 + 1'000 * nRound; ++i) blocks.push_back(allocator.Allocate(600));
+        for (void* p : blocks) allocator.Free(p);
+        allocator.ReleaseUnusedChunks();
+    };
+    for (int round = 0; round < 8; ++round) {
+        std::thread other(churn, round);
+        {
+            const CChunkReserveScope outer;
+            churn(round);
+        }
+        other.join();
+    }
+}
+
 TEST(RegisterChunkAllocator, Report) {
     EXPECT_EQ(ChunkAllocatorReport({3, 1'000, 250, 1}),
               "1. Number of allocated chunks = 3 (6 MB)\n"
