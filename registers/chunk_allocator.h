@@ -71,7 +71,7 @@ class CChunkAllocator {
 
 // While one lives, a helper thread keeps one chunk of the registers' allocator faulted in ahead of
 // need, so that the system's clearing of fresh memory happens off the threads that take chunks.
-// A solving run holds one; holders may nest and overlap, the helper ends with the last of them.
+// A run's registers hold one; holders may nest and overlap, the helper ends with the last of them.
 class CChunkReserveScope {
   public:
     CChunkReserveScope();

@@ -12,7 +12,6 @@
 #include "engine/lookup/region_hook.h"
 #include "engine/state/run_control.h"
 #include "region_first_moves.h"
-#include "registers/chunk_allocator.h"
 
 namespace moremate {
 namespace {
@@ -237,7 +236,6 @@ void PreferRegionFirstMoves(CPassSeries& series, TPassRunRequest& request, CRegi
 }  // namespace
 
 TPassRunResult RunPasses(TPassRunRequest request, std::atomic<bool>* stop) {
-    const CChunkReserveScope chunkReserve;  // the registers' fresh memory cleared on a spare core
     std::optional<CRegionSolver> regions;
     std::optional<CRegionHook> regionHook;
     if (UsesRegions(request)) {

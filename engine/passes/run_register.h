@@ -11,6 +11,7 @@
 
 #include "engine/search/position_store.h"
 #include "registers/aggregated_register.h"
+#include "registers/chunk_allocator.h"
 #include "settings/options.h"
 
 namespace moremate {
@@ -40,6 +41,8 @@ class CRunRegister : public CPositionStore {
         return halfMoves & 1 ? *m_white : *m_black;
     }
 
+    // While the run's registers live, their fresh memory is cleared ahead on a spare core.
+    CChunkReserveScope m_chunkReserve;
     std::unique_ptr<TAggregatedTemporaryChessboardRegister> m_white, m_black;
     uint64_t m_nConfiguration = 0;
 };
