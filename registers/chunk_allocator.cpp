@@ -12,6 +12,7 @@
 #include <thread>
 #include <utility>
 
+#include "core/thread_start.h"
 #include "register_combined_map.h"
 
 namespace moremate {
@@ -76,7 +77,7 @@ class CChunkReserve {
     void AddHolder() {
         std::lock_guard lock(m_mutex);
         if (m_nHolders++ == 0)
-            m_helper = std::thread([this, nGeneration = ++m_nGeneration] { MakeReady(nGeneration); });
+            m_helper = StartThread([this, nGeneration = ++m_nGeneration] { MakeReady(nGeneration); });
     }
     void RemoveHolder() {
         std::thread helper;
