@@ -54,7 +54,7 @@ constexpr unsigned kMaxShards = 8;
 class CRecordStore {
   public:
     CRecordStore(TAggregatedTemporaryChessboardRegister& reg, const TRegisterLoadOptions& options,
-                 unsigned nShard = 0, unsigned nShards = 1)
+                 unsigned nShard, unsigned nShards)
         : m_reg(reg), m_options(options), m_nShard(nShard), m_nShardMask(nShards - 1) {
         if (!options.bLogToFile) return;
         m_log.open(options.workingFolder / kLoadLogFile, std::ios::app);
@@ -164,14 +164,11 @@ class CShardedStore {
         return used[0];
     }
 
-    // Stores the records still waiting in every shard.
-    void Flush() {
-        for (const std::unique_ptr<CRecordStore>& store : m_stores) store->Flush();
-    }
-
-    TRegisterLoadReport Report() const {
+    // Stores the records still waiting in every shard; what all of them stored and skipped.
+    TRegisterLoadReport Finish() {
         TRegisterLoadReport report;
         for (const std::unique_ptr<CRecordStore>& store : m_stores) {
+            store->Flush();
             report.nRecords += store->Report().nRecords;
             report.nInvalidPositions += store->Report().nInvalidPositions;
         }
@@ -220,12 +217,10 @@ bool StoreAll(CShardedStore& store, TRegisterLoadReport& report, FStoreAll&& sto
     try {
         bComplete = storeAll();
     } catch (const ChessException&) {
-        store.Flush();
-        report = store.Report();
+        report = store.Finish();
         throw;
     }
-    store.Flush();
-    report = store.Report();
+    report = store.Finish();
     return bComplete;
 }
 

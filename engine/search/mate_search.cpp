@@ -301,7 +301,7 @@ uint8_t TMateSearch::GenerateDefences(const TChessboard& node, int ply, TMoveLis
 // heuristics, whose filters might drop it from the list.
 TMove TMateSearch::RefutationToTryFirst(const TChessboard& node, int ply) const {
     const TMove killer = m_killers[ply].moves[0];
-    if (node.movesLeft >= kChildrenAheadMinMovesLeft || m_env.heuristics || killer.IsNull()) return TMove{};
+    if (m_env.heuristics || killer.IsNull()) return TMove{};
     return IsLegalMove(node, killer) ? killer : TMove{};
 }
 
@@ -325,7 +325,10 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
     if (settled != kUnknownResult) return settled;
     const uint64_t repetitionsBefore = m_nRepetitions;
     const auto defends = [](uint8_t r) { return r == kNoMate || r == kRepetition || r == kDoubtful; };
-    const TMove first = RefutationToTryFirst(node, ply);
+    // Near the end children are played one at a time, with nothing loaded ahead for them: the
+    // refutation tried first can then simply be passed over in the list.
+    const bool nearEnd = node.movesLeft < kChildrenAheadMinMovesLeft;
+    const TMove first = nearEnd ? RefutationToTryFirst(node, ply) : TMove{};
     if (!first.IsNull()) {
         TChessboard child;
         PlayMove(node, first, child);
@@ -336,11 +339,10 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
     bool doubtful = false;
     const uint8_t generated = GenerateDefences(node, ply, moves, doubtful);
     if (generated != kUnknownResult) return generated;
-    CChildrenAhead children(node, moves,
-                            node.movesLeft >= kChildrenAheadMinMovesLeft ? m_env.store : nullptr);
+    CChildrenAhead children(node, moves, nearEnd ? nullptr : m_env.store);
     for (int i = 0; i < moves.count; ++i) {
         const TMove& d = moves.moves[i];
-        if (d == first) continue;  // searched already (near the end children are played one by one)
+        if (d == first) continue;  // searched already
         const uint8_t r = AfterMove(children.Child(i), ply + 1);
         if (defends(r)) return Refuted(node, ply, d, r, repetitionsBefore);
     }
