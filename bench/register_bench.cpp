@@ -176,8 +176,8 @@ void BM_LookupHitPrefetched(benchmark::State& state) {
     size_t i = FirstIndex(state, kPositions) / kBatch * kBatch;
     for (auto _ : state) {
         if (i % kBatch == 0) {
-            for (size_t j = i; j < i + kBatch; ++j) reg.PrefetchBucket(positions[j]);
-            for (size_t j = i; j < i + kBatch; ++j) reg.Prefetch(positions[j]);
+            for (size_t j = i; j < i + kBatch; ++j) reg.PrefetchBucket(RegisterHash(positions[j]));
+            for (size_t j = i; j < i + kBatch; ++j) reg.Prefetch(RegisterHash(positions[j]));
         }
         benchmark::DoNotOptimize(reg.Answer(LevelOf(i), positions[i]));
         if (++i == kPositions) i = 0;

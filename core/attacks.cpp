@@ -28,6 +28,7 @@ void DerivePieceBits(TChessboard& board) {
         const int sq = std::countr_zero(occupied);
         TogglePieceBits(board, board.squares[sq], Bit(sq));
     }
+    board.squaresHash = SquaresHash(board.squares);
 }
 
 int BlackKingFlightSquares(const TChessboard& board) {

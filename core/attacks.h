@@ -26,7 +26,7 @@ uint8_t AttackerOf(const TChessboard& board, uint8_t colour, int file, int rank,
                    TAttackerList* list = nullptr);
 bool IsAttacked(const TChessboard& board, int sq, uint8_t byColour);
 
-// Fills the bit boards from the piece bytes, for a board set up square by square (the
+// Fills the bit boards and the hash from the piece bytes, for a board set up square by square (the
 // validation does it for the positions it checks).
 void DerivePieceBits(TChessboard& board);
 

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "squares_hash.h"
 #include "types.h"
 
 namespace moremate {
@@ -21,6 +22,8 @@ struct TChessboard {
     // pawns, bishops and queens, rooks and queens, knights), 6 White, 7 Black. Kept with `squares`
     // by PlayMove and filled by the validation.
     uint64_t pieceBits[8] = {};
+    // SquaresHash(squares), the position's place in the registers: kept with the bit boards.
+    uint32_t squaresHash = 0;
     TSolvingRun* run = nullptr;
     const TChessboard* previous = nullptr;
     const TProblemRoot* problem = nullptr;

@@ -282,8 +282,10 @@ uint8_t* MaterialCount(TChessboard& b, Piece p) {
 
 // Moves the piece byte on `from` to `to` (empty before), bit boards with it.
 void Relocate(TChessboard& b, int from, int to) {
-    TogglePieceBits(b, b.squares[from], Bit(from) | Bit(to));
-    b.squares[to] = b.squares[from];
+    const Piece piece = b.squares[from];
+    TogglePieceBits(b, piece, Bit(from) | Bit(to));
+    b.squaresHash += SquareHashChange(to, kEmpty, piece) + SquareHashChange(from, piece, kEmpty);
+    b.squares[to] = piece;
     b.squares[from] = kEmpty;
 }
 
@@ -291,6 +293,7 @@ void Relocate(TChessboard& b, int from, int to) {
 void Remove(TChessboard& b, int sq) {
     const Piece piece = b.squares[sq];
     TogglePieceBits(b, piece, Bit(sq));
+    b.squaresHash += SquareHashChange(sq, piece, kEmpty);
     --*MaterialCount(b, piece);
     b.squares[sq] = kEmpty;
 }
@@ -338,14 +341,16 @@ bool IsLegalMove(const TChessboard& board, const TMove& move) {
     if (piece == kEmpty || ColourOf(piece) != board.ToMove()) return false;
     const CNodeInfo info = Analyse(board);
     if (move.from == info.king)
-        return move.PromotedType() == 0 && ((KingSteps(board, info) | CastlingTargets(board, info)) & Bit(move.to));
+        return move.PromotedType() == 0 &&
+               ((KingSteps(board, info) | CastlingTargets(board, info)) & Bit(move.to));
     if (info.doubleCheck) return false;
     bool bFound = false;
     auto sink = [&](int from, int to, uint8_t promotion) {
         bFound = TMove{static_cast<Square>(from), static_cast<Square>(to), promotion} == move;
         return !bFound;
     };
-    PieceMoves(board, info, move.from, sink, [&move](int, uint64_t targets) { return targets & Bit(move.to); });
+    PieceMoves(board, info, move.from, sink,
+               [&move](int, uint64_t targets) { return targets & Bit(move.to); });
     return bFound;
 }
 
@@ -390,6 +395,7 @@ void PlayMove(const TChessboard& parent, const TMove& move, TChessboard& child) 
             if (move.PromotedType()) {
                 const Piece promoted = static_cast<Piece>(us | move.PromotedType());
                 TogglePieceBits(child, piece ^ promoted, Bit(move.to));
+                child.squaresHash += SquareHashChange(move.to, piece, promoted);
                 child.squares[move.to] = promoted;
                 --*MaterialCount(child, piece);
                 ++*MaterialCount(child, promoted);

@@ -23,8 +23,8 @@ void TAggregatedTemporaryChessboardRegister::AddOwnedElements(int64_t nDelta) {
 }
 
 bool TAggregatedTemporaryChessboardRegister::InsertDoubtful(uint64_t nConfiguration, uint16_t n,
-                                                            const TChessboardRegisterItem& position,
-                                                            bool bDoubtful, TSolvingMode mode) {
+                                                            const TRegisterKey& position, bool bDoubtful,
+                                                            TSolvingMode mode) {
     if (!Accepts(n)) return false;
     return StoreDoubtful(nConfiguration, [&](TDoubtfulnessRegister& doubtfulness) {
         return doubtfulness.Store(n, position, bDoubtful, mode);
@@ -32,14 +32,15 @@ bool TAggregatedTemporaryChessboardRegister::InsertDoubtful(uint64_t nConfigurat
 }
 
 bool TAggregatedTemporaryChessboardRegister::Merge(uint64_t nConfiguration,
-                                                   const TChessboardRegisterEntry& entry) {
-    if (nConfiguration == 0) return Merge(entry);
-    return StoreDoubtful(
-        nConfiguration, [&](TDoubtfulnessRegister& doubtfulness) { return doubtfulness.StoreLoaded(entry); });
+                                                   const TChessboardRegisterEntry& entry, uint32_t nHash) {
+    if (nConfiguration == 0) return Merge(entry, nHash);
+    return StoreDoubtful(nConfiguration, [&](TDoubtfulnessRegister& doubtfulness) {
+        return doubtfulness.StoreLoaded(entry, nHash);
+    });
 }
 
 std::optional<TChessboardRegisterEntry> TAggregatedTemporaryChessboardRegister::FindDoubtful(
-    uint64_t nConfiguration, const TChessboardRegisterItem& position) const {
+    uint64_t nConfiguration, const TRegisterKey& position) const {
     std::shared_lock lock(m_lock);
     const TDoubtfulnessRegister* pRegister = FindDoubtfulRegister(nConfiguration);
     return pRegister ? pRegister->Find(position) : std::nullopt;

@@ -49,13 +49,17 @@ class TAggregatedTemporaryChessboardRegister : public TTemporaryChessboardRegist
 
     // Records that under configuration `nConfiguration` the line from `position` was found
     // "mate doubtful" (true) or "not doubtful" (false) at level n.
-    bool InsertDoubtful(uint64_t nConfiguration, uint16_t n, const TChessboardRegisterItem& position,
-                        bool bDoubtful, TSolvingMode mode = TSolvingMode::Normal);
+    bool InsertDoubtful(uint64_t nConfiguration, uint16_t n, const TRegisterKey& position, bool bDoubtful,
+                        TSolvingMode mode = TSolvingMode::Normal);
     std::optional<TChessboardRegisterEntry> FindDoubtful(uint64_t nConfiguration,
-                                                         const TChessboardRegisterItem& position) const;
-    // An entry read from a register file into the group of `nConfiguration` (0: own store).
+                                                         const TRegisterKey& position) const;
+    // An entry read from a register file into the group of `nConfiguration` (0: own store);
+    // `nHash` is its key's.
     using TTemporaryChessboardRegister<0>::Merge;
-    bool Merge(uint64_t nConfiguration, const TChessboardRegisterEntry& entry);
+    bool Merge(uint64_t nConfiguration, const TChessboardRegisterEntry& entry, uint32_t nHash);
+    bool Merge(uint64_t nConfiguration, const TChessboardRegisterEntry& entry) {
+        return Merge(nConfiguration, entry, RegisterHash(entry.key));
+    }
 
     // A pinned configuration survives the next RemoveDoubtful of it (one per pin).
     void PinDoubtful(uint32_t nHeuristics, uint32_t nParameters);

@@ -251,9 +251,9 @@ void TRegisterCombinedMap::Shrink(CBucketLock& bucket, size_t nCount) {
     }
 }
 
-std::optional<TChessboardRegisterEntry> TRegisterCombinedMap::Find(
-    const TChessboardRegisterItem& item) const {
-    CBucketLock bucket(BucketOf(item));
+std::optional<TChessboardRegisterEntry> TRegisterCombinedMap::Find(const TRegisterKey& key) const {
+    const TChessboardRegisterItem& item = key.item;
+    CBucketLock bucket(BucketOf(key.nHash));
     if (!bucket.Pointer()) return std::nullopt;
     if (bucket.IsSorted()) {
         const TChessboardRegisterEntry* found =

@@ -79,28 +79,28 @@ class TRegisterCombinedMap {
     // with both values 0 first when there is none. Returns bAdded. On std::bad_alloc nothing
     // has changed.
     template <class FUpdate>
-    bool Update(const TChessboardRegisterItem& item, FUpdate&& update) {
-        CBucketLock bucket(BucketOf(item));
+    bool Update(const TRegisterKey& key, FUpdate&& update) {
+        CBucketLock bucket(BucketOf(key.nHash));
         bool bAdded = false;
-        TChessboardRegisterEntry& entry = FindOrAdd(bucket, item, bAdded);
+        TChessboardRegisterEntry& entry = FindOrAdd(bucket, key.item, bAdded);
         update(entry, bAdded);
         return bAdded;
     }
 
-    std::optional<TChessboardRegisterEntry> Find(const TChessboardRegisterItem& item) const;
+    std::optional<TChessboardRegisterEntry> Find(const TRegisterKey& key) const;
 
-    // The first of two steps ahead of a lookup: starts loading the bucket word of `item`,
+    // The first of two steps ahead of a lookup: starts loading the bucket word of hash `nHash`,
     // without reading it. Must not run concurrently with Swap.
-    void PrefetchBucket(const TChessboardRegisterItem& item) const { __builtin_prefetch(&BucketOf(item)); }
+    void PrefetchBucket(uint32_t nHash) const { __builtin_prefetch(&BucketOf(nHash)); }
 
-    // Starts loading the bucket of `item` and the entries it points to into the cache, without
+    // Starts loading the bucket of hash `nHash` and the entries it points to into the cache, without
     // locking; it waits for the bucket word only (after PrefetchBucket, some work earlier, that
     // is in the cache). For a look-up the first entries, read; for an insertion the lines of a full
     // node, which the new entry may be appended anywhere in, with the intent to write. A prefetch
     // never faults, so a pointer that a concurrent change has just made stale (or lines past a
     // small node) do no harm. Must not run concurrently with Swap.
-    void Prefetch(const TChessboardRegisterItem& item, TPrefetchFor purpose = TPrefetchFor::Lookup) const {
-        const uint64_t word = BucketOf(item).load(std::memory_order_relaxed);
+    void Prefetch(uint32_t nHash, TPrefetchFor purpose = TPrefetchFor::Lookup) const {
+        const uint64_t word = BucketOf(nHash).load(std::memory_order_relaxed);
         const char* p = static_cast<const char*>(BucketPointer(word));
         if (!p) return;  // an empty bucket: nothing to load
         if (purpose == TPrefetchFor::Lookup) {
@@ -143,9 +143,7 @@ class TRegisterCombinedMap {
     void Swap(TRegisterCombinedMap& other);
 
   private:
-    std::atomic<uint64_t>& BucketOf(const TChessboardRegisterItem& item) const {
-        return m_pBuckets[RegisterHash(item) & m_nMask];
-    }
+    std::atomic<uint64_t>& BucketOf(uint32_t nHash) const { return m_pBuckets[nHash & m_nMask]; }
     static std::span<TChessboardRegisterEntry> EntriesOf(const CBucketLock& bucket);
     static TChessboardRegisterEntry& FindOrAdd(CBucketLock& bucket, const TChessboardRegisterItem& item,
                                                bool& bAdded);

@@ -2,14 +2,11 @@
 // Entries are 68 bytes, packed, and stored by value in the buckets of the hash table.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <cstring>
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 #include "core/chessboard.h"
+#include "core/squares_hash.h"
 
 namespace moremate {
 
@@ -63,37 +60,20 @@ inline TChessboard ChessboardOf(const TChessboardRegisterItem& item, uint16_t n)
     return board;
 }
 
-// Byte i weighs (i + 1) squared, at most 4,096: the weights fit 16 bits, and the whole sum
-// (at most 255 times the sum of the weights, 22.8 million) fits 32 bits without wrapping.
-alignas(16) inline constexpr std::array<int16_t, 64> kRegisterHashWeights = [] {
-    std::array<int16_t, 64> weights{};
-    for (int i = 0; i < 64; ++i) weights[i] = static_cast<int16_t>((i + 1) * (i + 1));
-    return weights;
-}();
-
-// Sum of byte[i] * (i + 1)^2 modulo 2^32. Every register operation starts with it: the bytes are
-// widened to 16 bits and multiplied by their weights eight at a time, each pair of products added
-// into one 32-bit lane (the SSE2 multiply-add), instead of widening them to 32 bits.
+// Every register operation starts with it.
 inline uint32_t RegisterHash(const TChessboardRegisterItem& item) {
-#if defined(__SSE2__)
-    const __m128i zero = _mm_setzero_si128();
-    const auto* pWeights = reinterpret_cast<const __m128i*>(kRegisterHashWeights.data());
-    __m128i sum = zero;
-    for (int i = 0; i < 4; ++i) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(item.squares + 16 * i));
-        sum = _mm_add_epi32(sum,
-                            _mm_madd_epi16(_mm_unpacklo_epi8(bytes, zero), _mm_load_si128(pWeights + 2 * i)));
-        sum = _mm_add_epi32(
-            sum, _mm_madd_epi16(_mm_unpackhi_epi8(bytes, zero), _mm_load_si128(pWeights + 2 * i + 1)));
-    }
-    sum = _mm_add_epi32(sum, _mm_shuffle_epi32(sum, 0x4E));  // lanes 2, 3 onto 0, 1
-    sum = _mm_add_epi32(sum, _mm_shuffle_epi32(sum, 0xB1));  // lane 1 onto 0
-    return static_cast<uint32_t>(_mm_cvtsi128_si32(sum));
-#else
-    uint32_t sum = 0;
-    for (int i = 0; i < 64; ++i) sum += item.squares[i] * static_cast<uint32_t>(kRegisterHashWeights[i]);
-    return sum;
-#endif
+    return SquaresHash(item.squares);
 }
+
+// A key with its hash, for the several operations on one position: a search takes the hash from
+// the board, which keeps it; made from a key alone, it hashes the key.
+struct TRegisterKey {
+    TRegisterKey(const TChessboardRegisterItem& key)
+        : item(key), nHash(RegisterHash(key)) {}  // NOLINT: implicit
+    TRegisterKey(const TChessboardRegisterItem& key, uint32_t hash) : item(key), nHash(hash) {}
+
+    const TChessboardRegisterItem& item;
+    uint32_t nHash;
+};
 
 }  // namespace moremate

@@ -11,6 +11,7 @@
 
 #include "core/chess_exception.h"
 #include "core/fen.h"
+#include "core/squares_hash.h"
 #include "core/thread_start.h"
 #include "core/validation.h"
 #include "register_file.h"
@@ -64,13 +65,15 @@ class CRecordStore {
     void Store(uint64_t nConfiguration, const uint8_t* pRecord) {
         if (nConfiguration != m_nConfiguration) Flush();
         m_nConfiguration = nConfiguration;
-        if (!Mine(pRecord + 4)) return;
+        const uint32_t nHash = SquaresHash(pRecord + 4);
+        if (!Mine(nHash)) return;
         if (BrokenRuleOf(pRecord + 4)) {
             ++m_report.nInvalidPositions;
             return;
         }
         if (m_nCame - m_nStored == kRing) StoreOldest();
         TChessboardRegisterEntry& entry = m_ring[m_nCame % kRing];
+        m_hashes[m_nCame % kRing] = nHash;
         entry.MovesMate = ReadU16(pRecord);
         entry.MovesNoMate = ReadU16(pRecord + 2);
         std::memcpy(entry.key.squares, pRecord + 4, sizeof entry.key.squares);
@@ -79,8 +82,8 @@ class CRecordStore {
         ++m_nCame;
         // The stores of the doubtfulness registers look their register up first: not prefetched.
         if (m_nConfiguration != 0) return;
-        m_reg.PrefetchBucket(entry.key);
-        if (m_nCame > kLag) m_reg.Prefetch(m_ring[(m_nCame - 1 - kLag) % kRing].key, TPrefetchFor::Insertion);
+        m_reg.PrefetchBucket(nHash);
+        if (m_nCame > kLag) m_reg.Prefetch(m_hashes[(m_nCame - 1 - kLag) % kRing], TPrefetchFor::Insertion);
     }
 
     // Stores the records still waiting.
@@ -92,15 +95,16 @@ class CRecordStore {
     const TRegisterLoadReport& Report() const { return m_report; }
 
   private:
-    bool Mine(const uint8_t* pSquares) const {
+    bool Mine(uint32_t nHash) const {
         if (m_nShardMask == 0) return true;
         if (m_nConfiguration != 0) return m_nShard == 0;
-        TChessboardRegisterItem key;
-        std::memcpy(key.squares, pSquares, sizeof key.squares);
-        return (RegisterHash(key) & m_nShardMask) == m_nShard;
+        return (nHash & m_nShardMask) == m_nShard;
     }
 
-    void StoreOldest() { m_reg.Merge(m_nConfiguration, m_ring[m_nStored++ % kRing]); }
+    void StoreOldest() {
+        const size_t i = m_nStored++ % kRing;
+        m_reg.Merge(m_nConfiguration, m_ring[i], m_hashes[i]);
+    }
 
     void Log(uint64_t nConfiguration, const TChessboardRegisterEntry& entry) {
         char line[64];
@@ -119,6 +123,7 @@ class CRecordStore {
     static constexpr size_t kLag = 8;
     static constexpr size_t kRing = 2 * kLag;
     std::array<TChessboardRegisterEntry, kRing> m_ring;
+    std::array<uint32_t, kRing> m_hashes;
     uint64_t m_nCame = 0;  // records that came into the ring
     uint64_t m_nStored = 0;
     uint64_t m_nConfiguration = 0;

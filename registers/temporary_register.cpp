@@ -32,7 +32,7 @@ TTemporaryChessboardRegister<kRemovalBounds>::TTemporaryChessboardRegister(uint3
     : TChessboardRegister<bool>(nCapacity, pOwner), m_table(nBuckets) {}
 
 template <int kRemovalBounds>
-bool TTemporaryChessboardRegister<kRemovalBounds>::Insert(uint16_t n, const TChessboardRegisterItem& position,
+bool TTemporaryChessboardRegister<kRemovalBounds>::Insert(uint16_t n, const TRegisterKey& position,
                                                           bool bThereIsMate, TSolvingMode mode) {
     if (!Accepts(n)) return false;
     MakeRoom();
@@ -40,8 +40,7 @@ bool TTemporaryChessboardRegister<kRemovalBounds>::Insert(uint16_t n, const TChe
 }
 
 template <int kRemovalBounds>
-TStoreOutcome TTemporaryChessboardRegister<kRemovalBounds>::Store(uint16_t n,
-                                                                  const TChessboardRegisterItem& position,
+TStoreOutcome TTemporaryChessboardRegister<kRemovalBounds>::Store(uint16_t n, const TRegisterKey& position,
                                                                   bool bThereIsMate, TSolvingMode mode) {
     TStoreOutcome stored;
     stored.n = n;
@@ -64,20 +63,22 @@ TStoreOutcome TTemporaryChessboardRegister<kRemovalBounds>::Store(uint16_t n,
 }
 
 template <int kRemovalBounds>
-bool TTemporaryChessboardRegister<kRemovalBounds>::Merge(const TChessboardRegisterEntry& loaded) {
+bool TTemporaryChessboardRegister<kRemovalBounds>::Merge(const TChessboardRegisterEntry& loaded,
+                                                         uint32_t nHash) {
     MakeRoom();
-    return Guarded([&] { return StoreLoaded(loaded); });
+    return Guarded([&] { return StoreLoaded(loaded, nHash); });
 }
 
 template <int kRemovalBounds>
 TStoreOutcome TTemporaryChessboardRegister<kRemovalBounds>::StoreLoaded(
-    const TChessboardRegisterEntry& loaded) {
+    const TChessboardRegisterEntry& loaded, uint32_t nHash) {
     TStoreOutcome stored;
     std::shared_lock lock(m_lock);
-    const bool bAdded = m_table.Update(loaded.key, [&](TChessboardRegisterEntry& entry, bool bNew) {
-        if (bNew) entry = loaded;
-        stored.bStored = bNew || MergeResults(entry, loaded);
-    });
+    const bool bAdded =
+        m_table.Update(TRegisterKey(loaded.key, nHash), [&](TChessboardRegisterEntry& entry, bool bNew) {
+            if (bNew) entry = loaded;
+            stored.bStored = bNew || MergeResults(entry, loaded);
+        });
     if (bAdded) CountAdded();
     return stored;
 }
@@ -98,7 +99,7 @@ void TTemporaryChessboardRegister<kRemovalBounds>::CountAdded() {
 
 template <int kRemovalBounds>
 std::optional<TChessboardRegisterEntry> TTemporaryChessboardRegister<kRemovalBounds>::Find(
-    const TChessboardRegisterItem& position) const {
+    const TRegisterKey& position) const {
     std::shared_lock lock(m_lock);
     return m_table.Find(position);
 }

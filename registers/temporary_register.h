@@ -38,24 +38,25 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     using TChessboardRegister<bool>::Insert;
     // Records that from `position` there is (or is not) a mate in n half-moves. Returns whether
     // anything was stored or changed. Safe to call from any number of threads.
-    bool Insert(uint16_t n, const TChessboardRegisterItem& position, bool bThereIsMate,
+    bool Insert(uint16_t n, const TRegisterKey& position, bool bThereIsMate,
                 TSolvingMode mode = TSolvingMode::Normal);
-    // Stores an entry read from a register file with both its values.
-    bool Merge(const TChessboardRegisterEntry& entry);
+    // Stores an entry read from a register file with both its values; `nHash` is its key's.
+    bool Merge(const TChessboardRegisterEntry& entry, uint32_t nHash);
+    bool Merge(const TChessboardRegisterEntry& entry) { return Merge(entry, RegisterHash(entry.key)); }
 
-    std::optional<TChessboardRegisterEntry> Find(const TChessboardRegisterItem& position) const;
-    TRegisterAnswer Answer(uint16_t n, const TChessboardRegisterItem& position) const {
+    std::optional<TChessboardRegisterEntry> Find(const TRegisterKey& position) const;
+    TRegisterAnswer Answer(uint16_t n, const TRegisterKey& position) const {
         return AnswerFor(Find(position), n);
     }
     // A hint given some work ahead of a lookup or insertion of `position` (a search: when it
     // generates the position), so that the memory accesses of several positions overlap.
     // Takes no lock; must not run concurrently with SetBucketCount.
-    void Prefetch(const TChessboardRegisterItem& position,
-                  TPrefetchFor purpose = TPrefetchFor::Lookup) const {
-        m_table.Prefetch(position, purpose);
+    // Both steps need only the key's hash, RegisterHash(position).
+    void Prefetch(uint32_t nHash, TPrefetchFor purpose = TPrefetchFor::Lookup) const {
+        m_table.Prefetch(nHash, purpose);
     }
     // The step before Prefetch, some more work ahead: the bucket word alone.
-    void PrefetchBucket(const TChessboardRegisterItem& position) const { m_table.PrefetchBucket(position); }
+    void PrefetchBucket(uint32_t nHash) const { m_table.PrefetchBucket(nHash); }
 
     // Removes the entries whose results are all small (see above); returns how many.
     virtual uint32_t RemoveNMovers(uint16_t n);
@@ -96,9 +97,8 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
         return stored.bStored;
     }
     // Steps that store, under the register lock held shared and the bucket's lock.
-    TStoreOutcome Store(uint16_t n, const TChessboardRegisterItem& position, bool bThereIsMate,
-                        TSolvingMode mode);
-    TStoreOutcome StoreLoaded(const TChessboardRegisterEntry& loaded);
+    TStoreOutcome Store(uint16_t n, const TRegisterKey& position, bool bThereIsMate, TSolvingMode mode);
+    TStoreOutcome StoreLoaded(const TChessboardRegisterEntry& loaded, uint32_t nHash);
     void ReportIncoherence(const TStoreOutcome& stored) const;
     void CountAdded();
     void SubtractRemoved(uint64_t nRemoved);

@@ -31,14 +31,14 @@ bool StoreFact(const TChessboard& node, uint8_t wdl, int16_t dtm, CPositionStore
     const bool white = node.WhiteToMove();
     const uint8_t whiteLoses = white ? kWdlLoss : kWdlWin;
     if (wdl == kWdlDraw || wdl == whiteLoses) {
-        store.Store(node.squares, halfMoves, kNoMate);
+        store.Store(node, halfMoves, kNoMate);
         return true;
     }
     const uint8_t whiteWins = white ? kWdlWin : kWdlLoss;
     if (wdl != whiteWins || dtm == kNoDtm) return false;
     const int plies = white ? dtm : -dtm;
     if (plies <= 0 || plies > halfMoves || (plies & 1) != (halfMoves & 1)) return false;
-    store.Store(node.squares, plies, kMate);
+    store.Store(node, plies, kMate);
     return true;
 }
 

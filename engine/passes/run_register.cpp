@@ -1,17 +1,9 @@
 #include "run_register.h"
 
-#include <cstring>
-
 #include "registers/register_size.h"
 
 namespace moremate {
 namespace {
-
-TChessboardRegisterItem Item(const uint8_t* squares) {
-    TChessboardRegisterItem item;
-    std::memcpy(item.squares, squares, sizeof item.squares);
-    return item;
-}
 
 std::unique_ptr<TAggregatedTemporaryChessboardRegister> Make(const TRegisterSize& size) {
     return std::make_unique<TAggregatedTemporaryChessboardRegister>(size.nCapacity, size.nBuckets);
@@ -30,11 +22,12 @@ void CRunRegister::SetConfiguration(uint32_t heuristics, uint32_t parameters) {
     m_nConfiguration = ConfigurationKey(heuristics, parameters);
 }
 
-uint8_t CRunRegister::Lookup(const uint8_t* squares, int halfMoves) {
-    const TChessboardRegisterItem item = Item(squares);
+uint8_t CRunRegister::Lookup(const TChessboard& position, int halfMoves) {
+    const TChessboardRegisterItem item = RegisterItemOf(position);
+    const TRegisterKey key(item, position.squaresHash);
     const uint16_t n = static_cast<uint16_t>(halfMoves);
     TAggregatedTemporaryChessboardRegister& reg = For(halfMoves);
-    switch (reg.Answer(n, item)) {
+    switch (reg.Answer(n, key)) {
         case TRegisterAnswer::Mate:
             return kMate;
         case TRegisterAnswer::NoMate:
@@ -46,27 +39,28 @@ uint8_t CRunRegister::Lookup(const uint8_t* squares, int halfMoves) {
     // set: it answers for n and fewer, while a deeper try of the position is searched again (it
     // may reach the mate that the shorter one could not).
     if (m_nConfiguration != 0 &&
-        AnswerFor(reg.FindDoubtful(m_nConfiguration, item), n) == TRegisterAnswer::NoMate)
+        AnswerFor(reg.FindDoubtful(m_nConfiguration, key), n) == TRegisterAnswer::NoMate)
         return kDoubtful;
     return kUnknownResult;
 }
 
-void CRunRegister::Store(const uint8_t* squares, int halfMoves, uint8_t result) {
-    const TChessboardRegisterItem item = Item(squares);
+void CRunRegister::Store(const TChessboard& position, int halfMoves, uint8_t result) {
+    const TChessboardRegisterItem item = RegisterItemOf(position);
+    const TRegisterKey key(item, position.squaresHash);
     const uint16_t n = static_cast<uint16_t>(halfMoves);
     TAggregatedTemporaryChessboardRegister& reg = For(halfMoves);
     if (result == kDoubtful)
-        reg.InsertDoubtful(m_nConfiguration, n, item, false);
+        reg.InsertDoubtful(m_nConfiguration, n, key, false);
     else
-        reg.Insert(n, item, result == kMate);
+        reg.Insert(n, key, result == kMate);
 }
 
-void CRunRegister::PrefetchBucket(const uint8_t* squares, int halfMoves) {
-    For(halfMoves).PrefetchBucket(Item(squares));
+void CRunRegister::PrefetchBucket(const TChessboard& position) {
+    For(position.movesLeft).PrefetchBucket(position.squaresHash);
 }
 
-void CRunRegister::Prefetch(const uint8_t* squares, int halfMoves) {
-    For(halfMoves).Prefetch(Item(squares));
+void CRunRegister::Prefetch(const TChessboard& position) {
+    For(position.movesLeft).Prefetch(position.squaresHash);
 }
 
 int CRunRegister::FillPercent() const {

@@ -18,7 +18,7 @@ namespace {
 bool KnownNoMate(const TPassRunRequest& request) {
     const TChessboard& root = request.position;
     return request.runRegister && SquaresTellAll(root) &&
-           request.runRegister->Lookup(root.squares, root.movesLeft) == kNoMate;
+           request.runRegister->Lookup(root, root.movesLeft) == kNoMate;
 }
 
 // The configured threads and the main search threads running now: " 2^2thrd(s), 4 running".

@@ -45,7 +45,7 @@ class CChildrenAhead {
         if (i + 2 < m_moves.count) Play(i + 2);
         if (i + 1 < m_moves.count) {
             const TChessboard& next = m_children[(i + 1) % 3];
-            m_pStore->Prefetch(next.squares, next.movesLeft);
+            m_pStore->Prefetch(next);
         }
         return m_children[i % 3];
     }
@@ -54,7 +54,7 @@ class CChildrenAhead {
     void Play(int i) {
         TChessboard& child = m_children[i % 3];
         PlayMove(m_node, m_moves.moves[i], child);
-        if (m_pStore) m_pStore->PrefetchBucket(child.squares, child.movesLeft);
+        if (m_pStore) m_pStore->PrefetchBucket(child);
     }
 
     const TChessboard& m_node;
@@ -163,7 +163,7 @@ bool TMateSearch::Filtered(const TChessboard& node, TMoveList& moves) {
 }
 
 uint8_t TMateSearch::Known(const TChessboard& node, int halfMoves) {
-    const uint8_t known = m_env.store->Lookup(node.squares, halfMoves);
+    const uint8_t known = m_env.store->Lookup(node, halfMoves);
     if (known == kDoubtful) m_nDoubtReason = 0xFFFFFFFFu;
     if (known == kMate && m_env.log) m_env.log->Line("Mate found (pos.in temp.reg.)");
     return known;
@@ -179,7 +179,7 @@ void TMateSearch::Log(int ply, const TChessboard& node, uint8_t result) {
 
 void TMateSearch::Settle(const TChessboard& node, int ply, uint8_t result) {
     Log(ply, node, result);
-    if (m_env.store && SquaresTellAll(node)) m_env.store->Store(node.squares, node.movesLeft, result);
+    if (m_env.store && SquaresTellAll(node)) m_env.store->Store(node, node.movesLeft, result);
 }
 
 // Asks the heuristics about the move that led to `child`, then searches on. A line that a
@@ -230,7 +230,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     for (int k = 1; k <= n; k += 2) {
         const uint8_t r = WhiteWithin(node, moves, k, ply);
         if (r == kMate) {
-            if (stored) m_env.store->Store(node.squares, k, kMate);
+            if (stored) m_env.store->Store(node, k, kMate);
             if (k < n && QuickerMateAllowed(n, ply) && m_env.log)
                 m_env.log->Line("QuickerMate with AdditionalMoves found (with glob.reg./Nalimov lookup)");
             Log(ply, node, kMate);

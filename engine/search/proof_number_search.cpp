@@ -88,7 +88,7 @@ TProofNumbers TProofNumberSearch::FreshNumbers(const TChessboard& child) {
         if (replies == 0) return child.InCheck() ? kProven : kDisproven;
     }
     if (stored) {
-        const uint8_t known = m_env.store->Lookup(child.squares, n);
+        const uint8_t known = m_env.store->Lookup(child, n);
         if (known == kMate || known == kNoMate) {
             ++m_stats.registerHits;
             return known == kMate ? kProven : kDisproven;
@@ -176,7 +176,7 @@ void TProofNumberSearch::Record(const TChessboard& node, const TPositionKey& key
     if (!numbers.Settled()) return;
     ++(numbers.Proven() ? m_stats.proven : m_stats.disproven);
     if (m_env.store && SquaresTellAll(node))
-        m_env.store->Store(node.squares, node.movesLeft, numbers.Proven() ? kMate : kNoMate);
+        m_env.store->Store(node, node.movesLeft, numbers.Proven() ? kMate : kNoMate);
 }
 
 // The df-pn step: works below `node` until its proof number reaches `thpn` or its disproof

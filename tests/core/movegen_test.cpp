@@ -13,6 +13,7 @@
 #include "core/notation.h"
 #include "core/occupancy.h"
 #include "core/perft.h"
+#include "core/squares_hash.h"
 #include "tests/support/positions.h"
 
 namespace moremate {
@@ -241,13 +242,15 @@ TEST(KingEscape, AgreesWithTheKingsMovesInThePlayedPosition) {
     EXPECT_GT(compared, 100000);
 }
 
-// The bit boards and checkers PlayMove keeps against those the validation derives afresh from the
-// piece bytes, after captures, promotions, castling and en passant.
-TEST(PlayMove, BitBoardsAndCheckersMatchTheSquares) {
+// The bit boards, the squares' hash and the checkers PlayMove keeps against those the validation
+// derives afresh from the piece bytes, after captures, promotions, castling and en passant.
+TEST(PlayMove, BitBoardsHashAndCheckersMatchTheSquares) {
     auto compare = [](const TChessboard& board, const TMove& m, const TChessboard& after) {
         TChessboard fresh = after;
         ValidateOnLine(fresh);
         for (int k = 0; k < 8; ++k) ASSERT_EQ(after.pieceBits[k], fresh.pieceBits[k]) << MoveToText(board, m);
+        ASSERT_EQ(after.squaresHash, fresh.squaresHash) << MoveToText(board, m);
+        ASSERT_EQ(fresh.squaresHash, SquaresHash(fresh.squares));
         ASSERT_EQ(after.whiteKingAttacker, fresh.whiteKingAttacker) << MoveToText(board, m);
         ASSERT_EQ(after.blackKingAttacker, fresh.blackKingAttacker) << MoveToText(board, m);
     };

@@ -12,9 +12,9 @@ namespace moremate::test {
 
 class CMapStore : public CPositionStore {
   public:
-    uint8_t Lookup(const uint8_t* squares, int halfMoves) override {
+    uint8_t Lookup(const TChessboard& position, int halfMoves) override {
         std::lock_guard lock(m_mutex);
-        const auto it = m_entries.find(Key(squares, halfMoves & 1));
+        const auto it = m_entries.find(Key(position.squares, halfMoves & 1));
         if (it == m_entries.end()) return kUnknownResult;
         const Entry& e = it->second;
         if (e.mate && e.mate <= halfMoves) return kMate;
@@ -22,9 +22,9 @@ class CMapStore : public CPositionStore {
         if (e.doubtful >= halfMoves) return kDoubtful;
         return kUnknownResult;
     }
-    void Store(const uint8_t* squares, int halfMoves, uint8_t result) override {
+    void Store(const TChessboard& position, int halfMoves, uint8_t result) override {
         std::lock_guard lock(m_mutex);
-        Entry& e = m_entries[Key(squares, halfMoves & 1)];
+        Entry& e = m_entries[Key(position.squares, halfMoves & 1)];
         if (result == kMate && (!e.mate || halfMoves < e.mate)) e.mate = halfMoves;
         if (result == kNoMate && halfMoves > e.noMate) e.noMate = halfMoves;
         if (result == kDoubtful && halfMoves > e.doubtful) e.doubtful = halfMoves;

@@ -121,10 +121,11 @@ TEST(RegisterFewBuckets, BucketCountChangeKeepsEveryEntry) {
 
 TEST(RegisterFewBuckets, ZeroKeyIsAnOrdinaryKey) {
     TAggregatedTemporaryChessboardRegister reg(1000, 1);
+    const TChessboardRegisterItem zero{};
     reg.Insert(5, KeyOf({{0, 4}}), true);
-    EXPECT_FALSE(reg.Find({}));
-    reg.Insert(7, {}, false);
-    EXPECT_EQ(reg.Find({})->MovesNoMate, 7);
+    EXPECT_FALSE(reg.Find(zero));
+    reg.Insert(7, zero, false);
+    EXPECT_EQ(reg.Find(zero)->MovesNoMate, 7);
 }
 
 // The register's contents as a whole: statistics texts, iteration for register files, entries

@@ -36,7 +36,7 @@ TEST(RegisterConcurrency, InsertAndLookupFromSeveralThreads) {
                 reg.Insert(static_cast<uint16_t>(5 + 2 * t), NumberedKey(own), true);
                 // Every thread records the shared keys, with a mate one level apart per thread.
                 const uint32_t shared = i % kSharedKeys;
-                reg.Prefetch(NumberedKey(shared));
+                reg.Prefetch(RegisterHash(NumberedKey(shared)));
                 reg.Insert(static_cast<uint16_t>(21 - 2 * t), NumberedKey(shared), true);
                 reg.InsertDoubtful(kConfiguration, 9, NumberedKey(shared), t % 2 == 0);
                 EXPECT_EQ(reg.Answer(31, NumberedKey(own)), TRegisterAnswer::Mate);

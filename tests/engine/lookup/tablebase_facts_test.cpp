@@ -72,11 +72,11 @@ TEST(TablebaseFacts, StoreWhatTheAnswerProvesAndNothingElse) {
         if (c.moves.contains("a1a2"))
             body.insert(body.rfind(']'), std::string(R"(,{"uci":"a1a2",)") + kWin + "}");
         EXPECT_EQ(StoreTablebaseFacts(node, ReadTablebaseAnswer(body), store), c.facts) << c.name;
-        EXPECT_EQ(store.Lookup(node.squares, c.halfMoves), c.root) << c.name;
-        EXPECT_EQ(store.Lookup(After(node, "Kc6-c7").squares, c.halfMoves - 1), c.key) << c.name;
-        EXPECT_EQ(store.Lookup(After(node, "Rb1-b8").squares, c.halfMoves - 1), c.giveaway) << c.name;
-        EXPECT_EQ(store.Lookup(After(node, "Rb1-b7").squares, c.halfMoves - 1), c.giveaway) << c.name;
-        EXPECT_EQ(store.Lookup(After(node, "Rb1-h1").squares, c.halfMoves - 1), c.other) << c.name;
+        EXPECT_EQ(store.Lookup(node, c.halfMoves), c.root) << c.name;
+        EXPECT_EQ(store.Lookup(After(node, "Kc6-c7"), c.halfMoves - 1), c.key) << c.name;
+        EXPECT_EQ(store.Lookup(After(node, "Rb1-b8"), c.halfMoves - 1), c.giveaway) << c.name;
+        EXPECT_EQ(store.Lookup(After(node, "Rb1-b7"), c.halfMoves - 1), c.giveaway) << c.name;
+        EXPECT_EQ(store.Lookup(After(node, "Rb1-h1"), c.halfMoves - 1), c.other) << c.name;
     }
 }
 

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "core/attacks.h"
 #include "core/fen.h"
 #include "core/notation.h"
 #include "core/validation.h"
@@ -233,18 +234,19 @@ TEST(Passes, RunRegisterDropsTheDoubtfulLinesOfARelaxedSet) {
 // the position again. Proofs of the run stay what they are whatever the pass's set.
 TEST(Passes, RunRegisterTiesDoubtfulLinesToTheirHalfMoves) {
     CRunRegister reg{1u << 12};
-    uint8_t squares[64] = {};
-    squares[0] = kWhite | kKing;
-    squares[63] = kBlack | kKing;
+    TChessboard position;
+    position.squares[0] = kWhite | kKing;
+    position.squares[63] = kBlack | kKing;
+    DerivePieceBits(position);
     reg.SetConfiguration(SH_AREKINGSNEAR, 0);
-    reg.Store(squares, 7, kDoubtful);
-    EXPECT_EQ(reg.Lookup(squares, 7), kDoubtful);
-    EXPECT_EQ(reg.Lookup(squares, 5), kDoubtful);
-    EXPECT_EQ(reg.Lookup(squares, 9), kUnknownResult);
-    reg.Store(squares, 9, kDoubtful);
-    EXPECT_EQ(reg.Lookup(squares, 9), kDoubtful);
+    reg.Store(position, 7, kDoubtful);
+    EXPECT_EQ(reg.Lookup(position, 7), kDoubtful);
+    EXPECT_EQ(reg.Lookup(position, 5), kDoubtful);
+    EXPECT_EQ(reg.Lookup(position, 9), kUnknownResult);
+    reg.Store(position, 9, kDoubtful);
+    EXPECT_EQ(reg.Lookup(position, 9), kDoubtful);
     reg.SetConfiguration(0, 0);
-    EXPECT_EQ(reg.Lookup(squares, 7), kUnknownResult);
+    EXPECT_EQ(reg.Lookup(position, 7), kUnknownResult);
 }
 
 // The sea snake step forces safe mode during the run, and says so.
@@ -271,7 +273,7 @@ TEST(RunServices, RootProvenInTheRegisterIsNotSearched) {
     EXPECT_GT(searched.nodes, 0u);
 
     const TPassRunRequest request = NoMateInTwo(reg);
-    reg.Store(request.position.squares, request.position.movesLeft, kNoMate);
+    reg.Store(request.position, request.position.movesLeft, kNoMate);
     const TPassRunResult known = RunPassesWithServices(request, {});
     EXPECT_TRUE(known.fromRegister);
     EXPECT_EQ(known.result, kNoMate);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <thread>
+#include <vector>
 
 #include "engine/passes/run_register.h"
 #include "engine/search/dead_position.h"
@@ -137,7 +138,7 @@ TEST(FindForcedMate, DoubtfulResultsAreStoredApartFromProofs) {
     const TChessboard board = Problem("7k/8/5K2/8/8/8/8/6R1 w", 3);
     TMateSearch search(env);
     EXPECT_EQ(search.FindForcedMate(board), kDoubtful);
-    EXPECT_EQ(store.Lookup(board.squares, 3), kDoubtful);
+    EXPECT_EQ(store.Lookup(board, 3), kDoubtful);
     TMateSearch plain(TSearchEnvironment{});
     EXPECT_EQ(plain.FindForcedMate(board), kMate);
 }
@@ -206,6 +207,26 @@ TEST(ConcurrentSearch, SharedRegisterGivesTheSameResultsAsOneThread) {
     const std::vector<uint8_t> together = resultsOf(2, small);
     EXPECT_EQ(together, resultsOf(1, alone));
     EXPECT_EQ(std::count(together.begin(), together.end(), kMate), 1);
+}
+
+// The search stores under the hash its boards keep of their squares, the register finds by the
+// squares alone: every stored position must be found again, after castling, captures, en passant
+// and promotions in the lines.
+TEST(FindForcedMate, EveryStoredPositionIsFoundByItsSquares) {
+    CRunRegister reg(200'000);
+    TSearchEnvironment env;
+    env.store = &reg;
+    TMateSearch search(env);
+    search.FindForcedMate(Problem("B3k2r/2pp1p1p/1p3B2/1np1p2p/Q7/8/8/R3K3 w Qk - 0 1", 5));
+    search.FindForcedMate(Problem("4k3/1P1p4/8/2P5/8/8/3p2p1/4K2R w K - 0 1", 5));
+    size_t nStored = 0;
+    for (TAggregatedTemporaryChessboardRegister* side : {&reg.WhiteToMove(), &reg.BlackToMove()}) {
+        std::vector<TChessboardRegisterItem> keys;
+        side->ForEachEntry([&keys](const TChessboardRegisterEntry& entry) { keys.push_back(entry.key); });
+        for (const TChessboardRegisterItem& key : keys) EXPECT_TRUE(side->Find(key).has_value());
+        nStored += keys.size();
+    }
+    EXPECT_GT(nStored, 1000u);
 }
 
 }  // namespace

@@ -62,8 +62,8 @@ TEST(ProofNumberSearch, ResultsDoNotDependOnTheLine) {
     TChessboard tooShort = Problem(fen, 1);
     EXPECT_EQ(rig.proofs.Prove(tooShort), kNoMate);
     // The facts stored agree with a plain search of each position by itself.
-    EXPECT_EQ(rig.store.Lookup(line.Now().squares, 5), kMate);
-    EXPECT_EQ(rig.store.Lookup(line.Now().squares, 1), kNoMate);
+    EXPECT_EQ(rig.store.Lookup(line.Now(), 5), kMate);
+    EXPECT_EQ(rig.store.Lookup(line.Now(), 1), kNoMate);
 }
 
 // A table of a few buckets loses entries all the time: the results stay right, the figures show

@@ -30,11 +30,11 @@ class CConclusionStore : public test::CMapStore {
             m_vChildren.push_back(child);
         }
     }
-    void Store(const uint8_t* squares, int halfMoves, uint8_t result) override {
-        CMapStore::Store(squares, halfMoves, result);
+    void Store(const TChessboard& position, int halfMoves, uint8_t result) override {
+        CMapStore::Store(position, halfMoves, result);
         if (halfMoves != m_nHalfMoves) return;
         for (size_t i = 0; i < m_vChildren.size(); ++i) {
-            if (std::memcmp(m_vChildren[i].squares, squares, 64) != 0) continue;
+            if (std::memcmp(m_vChildren[i].squares, position.squares, 64) != 0) continue;
             std::lock_guard lock(m_mutex);
             m_vConcluded.emplace_back(i, result);
         }
