@@ -90,13 +90,14 @@ bool Promotes(int from, uint8_t us) {
     return RankOf(from) == (us == kWhite ? 6 : 1);
 }
 
-// The squares next to the king that no enemy piece attacks once the king has left its square;
-// with `kFirst` only the first of them found.
+// The squares next to the king, among `wanted`, that no enemy piece attacks once the king has left
+// its square; with `kFirst` only the first of them found.
 template <bool kFirst = false>
-uint64_t KingSteps(const TChessboard& b, const CNodeInfo& info) {
+uint64_t KingSteps(const TChessboard& b, const CNodeInfo& info, uint64_t wanted = ~uint64_t{0}) {
     const uint64_t lifted = info.occupied ^ Bit(info.king);
     uint64_t steps = 0;
-    for (uint64_t around = g_geometry.kingMask[info.king] & ~info.own; around; around &= around - 1) {
+    for (uint64_t around = g_geometry.kingMask[info.king] & ~info.own & wanted; around;
+         around &= around - 1) {
         const int to = std::countr_zero(around);
         if (AttackersOf(b, to, info.them, lifted)) continue;
         steps |= Bit(to);
@@ -342,7 +343,7 @@ bool IsLegalMove(const TChessboard& board, const TMove& move) {
     const CNodeInfo info = Analyse(board);
     if (move.from == info.king)
         return move.PromotedType() == 0 &&
-               ((KingSteps(board, info) | CastlingTargets(board, info)) & Bit(move.to));
+               ((KingSteps(board, info, Bit(move.to)) | CastlingTargets(board, info)) & Bit(move.to));
     if (info.doubleCheck) return false;
     bool bFound = false;
     auto sink = [&](int from, int to, uint8_t promotion) {
