@@ -8,17 +8,20 @@
 namespace moremate {
 namespace {
 
-// Stable sort of the list by descending score; lists are short, so insertion sort.
-void SortByScore(TMoveList& list, int* score) {
-    for (int i = 1; i < list.count; ++i) {
-        const TMove m = list.moves[i];
+// Scores below this are told apart by a count per score.
+constexpr int kCountedScores = 16;
+
+// Stable insertion sort of `count` moves by descending score.
+void InsertionSort(TMove* moves, int* score, int count) {
+    for (int i = 1; i < count; ++i) {
+        const TMove m = moves[i];
         const int s = score[i];
         int j = i - 1;
         for (; j >= 0 && score[j] < s; --j) {
-            list.moves[j + 1] = list.moves[j];
+            moves[j + 1] = moves[j];
             score[j + 1] = score[j];
         }
-        list.moves[j + 1] = m;
+        moves[j + 1] = m;
         score[j + 1] = s;
     }
 }
@@ -35,6 +38,33 @@ int MobilityScore(const TChessboard& board, const TMove& m) {
 }
 
 }  // namespace
+
+// Most moves are quiet, with a small score (the king distance alone): those are counted out by
+// score behind the few with a large one, which go through an insertion sort.
+void SortByScore(TMoveList& list, int* score) {
+    TMove small[256];
+    uint8_t smallScore[256];
+    int nOfScore[kCountedScores] = {};
+    int nLarge = 0, nSmall = 0;
+    for (int i = 0; i < list.count; ++i) {
+        const int s = score[i];
+        if (s >= 0 && s < kCountedScores) {
+            ++nOfScore[s];
+            small[nSmall] = list.moves[i];
+            smallScore[nSmall++] = static_cast<uint8_t>(s);
+        } else {
+            list.moves[nLarge] = list.moves[i];
+            score[nLarge++] = s;
+        }
+    }
+    InsertionSort(list.moves, score, nLarge);
+    int next[kCountedScores];  // where the next move of each small score goes, the highest first
+    for (int s = kCountedScores - 1, at = nLarge; s >= 0; --s) {
+        next[s] = at;
+        at += nOfScore[s];
+    }
+    for (int k = 0; k < nSmall; ++k) list.moves[next[smallScore[k]]++] = small[k];
+}
 
 int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
                     bool fewestRepliesFirst) {

@@ -33,6 +33,9 @@ int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMove
 // Black's defences: killers (refutations of sibling lines), captures, king moves, the rest.
 void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers);
 
+// Sorts the list stably by descending score (one per move, used up by the sort).
+void SortByScore(TMoveList& list, int* score);
+
 // Moves `preferred` of the list to its front, in the order given; the other moves keep their
 // order behind them. Preferred moves that the list lacks are passed over.
 void PreferMoves(TMoveList& list, const std::vector<TMove>& preferred);
