@@ -253,7 +253,11 @@ void TRegisterCombinedMap::Shrink(CBucketLock& bucket, size_t nCount) {
 
 std::optional<TChessboardRegisterEntry> TRegisterCombinedMap::Find(const TRegisterKey& key) const {
     const TChessboardRegisterItem& item = key.item;
-    CBucketLock bucket(BucketOf(key.nHash));
+    std::atomic<uint64_t>& word = BucketOf(key.nHash);
+    // An empty bucket that nobody holds answers without its lock: an entry that another thread
+    // is adding now is simply not there yet.
+    if (word.load(std::memory_order_acquire) == 0) return std::nullopt;
+    CBucketLock bucket(word);
     if (!bucket.Pointer()) return std::nullopt;
     if (bucket.IsSorted()) {
         const TChessboardRegisterEntry* found =
