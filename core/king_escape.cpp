@@ -26,6 +26,35 @@ uint64_t AttacksFrom(uint8_t type, uint8_t colour, int sq, uint64_t occupied) {
     }
 }
 
+constexpr uint64_t kFileA = 0x0101010101010101ULL;
+constexpr uint64_t kFileH = kFileA << 7;
+
+// The squares the pawns of `colour` on `pawns` attack.
+uint64_t PawnAttacks(uint64_t pawns, uint8_t colour) {
+    if (colour == kWhite) return ((pawns << 7) & ~kFileH) | ((pawns << 9) & ~kFileA);
+    return ((pawns >> 9) & ~kFileH) | ((pawns >> 7) & ~kFileA);
+}
+
+// Of the squares of `region`, those that the pieces of `colour` on `pieces` attack when `occupied`
+// stands on the board. Sliders are asked only when their lines can reach the region.
+uint64_t AttacksOnRegion(const TChessboard& board, uint8_t colour, uint64_t pieces, uint64_t occupied,
+                         uint64_t region) {
+    uint64_t attacked = PawnAttacks(pieces & board.With(kPawn), colour);
+    for (uint64_t knights = pieces & board.With(kKnight); knights; knights &= knights - 1)
+        attacked |= g_geometry.knightMask[std::countr_zero(knights)];
+    if (const uint64_t king = pieces & board.With(kKing))
+        attacked |= g_geometry.kingMask[std::countr_zero(king)];
+    for (uint64_t sliders = pieces & board.With(kBishop); sliders; sliders &= sliders - 1) {
+        const int sq = std::countr_zero(sliders);
+        if (g_geometry.diagonals[sq] & region) attacked |= DiagonalAttacks(occupied, sq);
+    }
+    for (uint64_t sliders = pieces & board.With(kRook); sliders; sliders &= sliders - 1) {
+        const int sq = std::countr_zero(sliders);
+        if (g_geometry.lines[sq] & region) attacked |= LineAttacks(occupied, sq);
+    }
+    return attacked & region;
+}
+
 }  // namespace
 
 bool KingCanStepAfter(const TChessboard& board, const TMove& move) {
@@ -36,18 +65,18 @@ bool KingCanStepAfter(const TChessboard& board, const TMove& move) {
     const uint8_t us = board.ToMove(), them = Opponent(us);
     const int king = board.KingSquare(them);
     const uint64_t to = Bit(move.to);
+    const uint64_t steps = g_geometry.kingMask[king] & ~(board.With(them) & ~to);
+    if (!steps) return false;
     // The pieces after the move, the checked king lifted off its square: it does not shield the
-    // squares behind it from a line it steps along.
+    // squares behind it from a line it steps along. The moved piece attacks from `to`, the others
+    // from where they stand (a piece taken on `to` is Black's); it never attacks `to` itself,
+    // where the king may take it.
     const uint64_t occupied = ((board.Occupied() & ~Bit(move.from)) | to) & ~Bit(king);
     const uint8_t movedType = move.PromotedType() ? move.PromotedType() : type;
-    const uint64_t fromMoved = AttacksFrom(movedType, us, move.to, occupied);
-    for (uint64_t steps = g_geometry.kingMask[king] & ~(board.With(them) & ~to); steps; steps &= steps - 1) {
-        const int sq = std::countr_zero(steps);
-        // The moved piece is off `from` in `occupied`, so AttackersOf leaves it out: it attacks
-        // from `to` (never `to` itself, where the king may take it).
-        if (!AttackersOf(board, sq, us, occupied) && !((fromMoved >> sq) & 1)) return true;
-    }
-    return false;
+    const uint64_t others = board.With(us) & ~Bit(move.from);
+    const uint64_t attacked =
+        AttacksOnRegion(board, us, others, occupied, steps) | AttacksFrom(movedType, us, move.to, occupied);
+    return (steps & ~attacked) != 0;
 }
 
 }  // namespace moremate
