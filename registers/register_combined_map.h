@@ -43,9 +43,10 @@ struct TSortedBucket {
 
 size_t SortedBucketCapacity(uint64_t nCount);
 
-// The cache lines a look-up loads ahead: a node of up to two entries, or the first entries of a
-// larger node or of a sorted array.
-inline constexpr size_t kPrefetchLines = 3;
+// The cache lines a look-up loads ahead: a node of one entry whole (80 bytes, starting 0, 16, 32
+// or 48 bytes into a line), the count and first entry of a larger node or of a sorted array. Most
+// nodes hold one entry, and every line more would be one more memory access in flight per child.
+inline constexpr size_t kPrefetchLines = 2;
 // The cache lines of a full node, which an insertion loads ahead whatever the node's room.
 inline constexpr size_t kFullNodeLines = (NodeBytes(kBucketNodeEntries) + 63) / 64;
 
