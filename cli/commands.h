@@ -5,24 +5,11 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 
-#include "settings/options.h"
-#include "settings/reporter.h"
+#include "program_context.h"
 
 namespace moremate::cli {
 
-// Exit statuses shared by all commands.
-inline constexpr int kExitOk = 0;
-inline constexpr int kExitMismatch = 1;
-inline constexpr int kExitBadInput = 2;
-
 using Runner = std::function<int()>;
-
-// What every command may use: the settings read at start-up and where reports go.
-struct TProgramContext {
-    TOptions options;
-    CReporter& reporter;
-    CReporter& questions;  // the reporter, with questions asked on a terminal only (else "no")
-};
 
 Runner AddPerftCommand(CLI::App& app);
 Runner AddFenCommand(CLI::App& app);

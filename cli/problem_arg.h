@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "commands.h"
 #include "problems/format/problem_entry.h"
+#include "program_context.h"
 
 namespace moremate::cli {
 

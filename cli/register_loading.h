@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
-#include "commands.h"
 #include "engine/passes/run_register.h"
 #include "problems/annotations/register_saving.h"
+#include "program_context.h"
 
 namespace moremate::cli {
 
