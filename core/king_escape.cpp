@@ -26,20 +26,12 @@ uint64_t AttacksFrom(uint8_t type, uint8_t colour, int sq, uint64_t occupied) {
     }
 }
 
-constexpr uint64_t kFileA = 0x0101010101010101ULL;
-constexpr uint64_t kFileH = kFileA << 7;
-
-// The squares the pawns of `colour` on `pawns` attack.
-uint64_t PawnAttacks(uint64_t pawns, uint8_t colour) {
-    if (colour == kWhite) return ((pawns << 7) & ~kFileH) | ((pawns << 9) & ~kFileA);
-    return ((pawns >> 9) & ~kFileH) | ((pawns >> 7) & ~kFileA);
-}
-
 // Of the squares of `region`, those that the pieces of `colour` on `pieces` attack when `occupied`
 // stands on the board. Sliders are asked only when their lines can reach the region.
 uint64_t AttacksOnRegion(const TChessboard& board, uint8_t colour, uint64_t pieces, uint64_t occupied,
                          uint64_t region) {
-    uint64_t attacked = PawnAttacks(pieces & board.With(kPawn), colour);
+    const uint64_t pawns = pieces & board.With(kPawn);
+    uint64_t attacked = PawnCapturesTowardsA(pawns, colour) | PawnCapturesTowardsH(pawns, colour);
     for (uint64_t knights = pieces & board.With(kKnight); knights; knights &= knights - 1)
         attacked |= g_geometry.knightMask[std::countr_zero(knights)];
     if (const uint64_t king = pieces & board.With(kKing))

@@ -194,14 +194,14 @@ bool PieceMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sin
 
 // Pawns that are not pinned, set-wise: all their steps and captures by shifts of the pawn mask.
 int CountFreePawnMoves(const TChessboard& b, const CNodeInfo& info, uint64_t pawns) {
-    constexpr uint64_t kFileA = 0x0101010101010101ull, kFileH = kFileA << 7, kRank1 = 0xFF;
+    constexpr uint64_t kRank1 = 0xFF;
     const bool white = info.us == kWhite;
     auto forward = [white](uint64_t mask, int squares) { return white ? mask << squares : mask >> squares; };
     const uint64_t empty = ~info.occupied, enemy = b.With(info.them);
     const uint64_t single = forward(pawns, 8) & empty;
     const uint64_t twice = forward(single & (kRank1 << (white ? 16 : 40)), 8) & empty;
-    const uint64_t towardsA = forward(pawns & ~kFileA, white ? 7 : 9) & enemy;
-    const uint64_t towardsH = forward(pawns & ~kFileH, white ? 9 : 7) & enemy;
+    const uint64_t towardsA = PawnCapturesTowardsA(pawns, info.us) & enemy;
+    const uint64_t towardsH = PawnCapturesTowardsH(pawns, info.us) & enemy;
     const uint64_t lastRank = kRank1 << (white ? 56 : 0);
     int n = BitCount(twice & info.targets);
     for (const uint64_t to : {single & info.targets, towardsA & info.targets, towardsH & info.targets})

@@ -51,6 +51,20 @@ inline uint64_t Occupied(const uint8_t* squares) {
 #endif
 }
 
+inline constexpr uint64_t kFileA = 0x0101010101010101ull;
+inline constexpr uint64_t kFileH = kFileA << 7;
+
+// The squares the pawns of `colour` on `pawns` capture on towards the a-file, and towards the h-file:
+// the whole set at once, by shifts of the mask.
+inline uint64_t PawnCapturesTowardsA(uint64_t pawns, uint8_t colour) {
+    pawns &= ~kFileA;
+    return colour == kWhite ? pawns << 7 : pawns >> 9;
+}
+inline uint64_t PawnCapturesTowardsH(uint64_t pawns, uint8_t colour) {
+    pawns &= ~kFileH;
+    return colour == kWhite ? pawns << 9 : pawns >> 7;
+}
+
 // Whether the squares of a ray rise in number away from its start (north, east, north-east,
 // north-west): the nearest piece on it is then its lowest bit, else its highest.
 constexpr bool RayRunsUp(int d) {
