@@ -46,8 +46,9 @@ constexpr unsigned kMaxShards = 8;
 
 // Checks each record's position and stores the valid ones, logging them when asked. Records wait
 // in a ring on their way to the register: the bucket word of a record is asked for when it comes
-// in, its node kLag records later, and it is stored kLag records after that, so that the memory
-// accesses of sixteen records overlap. Records of a bucket are stored in file order.
+// in, its node kLag records later, and it is stored in a batch of kLag at least kLag records after
+// that, so that the memory accesses of many records overlap and the register's lock and count are
+// taken once a batch. Records of a bucket are stored in file order.
 //
 // Of several stores fed the same records, each takes those of its shard only: the own store's
 // records (configuration 0) whose hash falls to it, and shard 0 every other record. The shards
@@ -71,7 +72,7 @@ class CRecordStore {
             ++m_report.nInvalidPositions;
             return;
         }
-        if (m_nCame - m_nStored == kRing) StoreOldest();
+        if (m_nCame - m_nStored == kRing) StoreOldestBatch();
         TChessboardRegisterEntry& entry = m_ring[m_nCame % kRing];
         m_hashes[m_nCame % kRing] = nHash;
         entry.MovesMate = ReadU16(pRecord);
@@ -86,9 +87,10 @@ class CRecordStore {
         if (m_nCame > kLag) m_reg.Prefetch(m_hashes[(m_nCame - 1 - kLag) % kRing], TPrefetchFor::Insertion);
     }
 
-    // Stores the records still waiting.
+    // Stores the records still waiting; the ring starts again at its first place.
     void Flush() {
         while (m_nStored < m_nCame) StoreOldest();
+        m_nCame = m_nStored = 0;
     }
 
     // What was stored and skipped so far.
@@ -104,6 +106,17 @@ class CRecordStore {
     void StoreOldest() {
         const size_t i = m_nStored++ % kRing;
         m_reg.Merge(m_nConfiguration, m_ring[i], m_hashes[i]);
+    }
+    // The ring is full: its oldest kLag records, in a row from a multiple of kLag (the ring starts
+    // at 0 after every Flush), go to the register at once.
+    void StoreOldestBatch() {
+        if (m_nConfiguration != 0) {
+            while (m_nCame - m_nStored > kRing - kLag) StoreOldest();
+            return;
+        }
+        const size_t i = m_nStored % kRing;
+        m_reg.MergeBatch({m_ring.data() + i, kLag}, m_hashes.data() + i);
+        m_nStored += kLag;
     }
 
     void Log(uint64_t nConfiguration, const TChessboardRegisterEntry& entry) {
@@ -121,7 +134,7 @@ class CRecordStore {
     TRegisterLoadReport m_report;
     std::ofstream m_log;
     static constexpr size_t kLag = 8;
-    static constexpr size_t kRing = 2 * kLag;
+    static constexpr size_t kRing = 3 * kLag;
     std::array<TChessboardRegisterEntry, kRing> m_ring;
     std::array<uint32_t, kRing> m_hashes;
     uint64_t m_nCame = 0;  // records that came into the ring

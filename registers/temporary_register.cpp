@@ -70,17 +70,41 @@ bool TTemporaryChessboardRegister<kRemovalBounds>::Merge(const TChessboardRegist
 }
 
 template <int kRemovalBounds>
+bool TTemporaryChessboardRegister<kRemovalBounds>::UpdateLoaded(const TChessboardRegisterEntry& loaded,
+                                                                uint32_t nHash, bool& bStored) {
+    return m_table.Update(TRegisterKey(loaded.key, nHash), [&](TChessboardRegisterEntry& entry, bool bNew) {
+        if (bNew) entry = loaded;
+        bStored = bNew || MergeResults(entry, loaded);
+    });
+}
+
+template <int kRemovalBounds>
 TStoreOutcome TTemporaryChessboardRegister<kRemovalBounds>::StoreLoaded(
     const TChessboardRegisterEntry& loaded, uint32_t nHash) {
     TStoreOutcome stored;
     std::shared_lock lock(m_lock);
-    const bool bAdded =
-        m_table.Update(TRegisterKey(loaded.key, nHash), [&](TChessboardRegisterEntry& entry, bool bNew) {
-            if (bNew) entry = loaded;
-            stored.bStored = bNew || MergeResults(entry, loaded);
-        });
-    if (bAdded) CountAdded();
+    if (UpdateLoaded(loaded, nHash, stored.bStored)) CountAdded();
     return stored;
+}
+
+// A batch that might fill the register, or an entry whose allocation fails, goes on one entry at a
+// time, so that room is made as Merge makes it.
+template <int kRemovalBounds>
+void TTemporaryChessboardRegister<kRemovalBounds>::MergeBatch(
+    std::span<const TChessboardRegisterEntry> entries, const uint32_t* pHashes) {
+    size_t i = 0;
+    TChessboardRegister<bool>& owner = Owner();
+    if (uint64_t{owner.ElementCount()} + entries.size() < owner.Capacity()) {
+        uint32_t nAdded = 0;
+        try {
+            std::shared_lock lock(m_lock);
+            for (bool bStored; i < entries.size(); ++i)
+                nAdded += UpdateLoaded(entries[i], pHashes[i], bStored);
+        } catch (const std::exception&) {
+        }
+        CountAdded(nAdded);
+    }
+    for (; i < entries.size(); ++i) Merge(entries[i], pHashes[i]);
 }
 
 template <int kRemovalBounds>
@@ -92,9 +116,10 @@ void TTemporaryChessboardRegister<kRemovalBounds>::ReportIncoherence(const TStor
 }
 
 template <int kRemovalBounds>
-void TTemporaryChessboardRegister<kRemovalBounds>::CountAdded() {
-    m_nEntries.fetch_add(1, std::memory_order_relaxed);
-    CountOwnedElements(1);
+void TTemporaryChessboardRegister<kRemovalBounds>::CountAdded(uint32_t nAdded) {
+    if (nAdded == 0) return;
+    m_nEntries.fetch_add(nAdded, std::memory_order_relaxed);
+    CountOwnedElements(nAdded);
 }
 
 template <int kRemovalBounds>

@@ -10,6 +10,7 @@
 #include <exception>
 #include <optional>
 #include <shared_mutex>
+#include <span>
 #include <utility>
 
 #include "chessboard_register.h"
@@ -43,6 +44,9 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     // Stores an entry read from a register file with both its values; `nHash` is its key's.
     bool Merge(const TChessboardRegisterEntry& entry, uint32_t nHash);
     bool Merge(const TChessboardRegisterEntry& entry) { return Merge(entry, RegisterHash(entry.key)); }
+    // Merges a batch of such entries, `pHashes[i]` the hash of entries[i]'s key: as one Merge after
+    // another, but under one hold of the register lock, with the element count added to once.
+    void MergeBatch(std::span<const TChessboardRegisterEntry> entries, const uint32_t* pHashes);
 
     std::optional<TChessboardRegisterEntry> Find(const TRegisterKey& position) const;
     TRegisterAnswer Answer(uint16_t n, const TRegisterKey& position) const {
@@ -99,8 +103,10 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     // Steps that store, under the register lock held shared and the bucket's lock.
     TStoreOutcome Store(uint16_t n, const TRegisterKey& position, bool bThereIsMate, TSolvingMode mode);
     TStoreOutcome StoreLoaded(const TChessboardRegisterEntry& loaded, uint32_t nHash);
+    // StoreLoaded's step under the locks; returns whether the entry is new (not yet counted).
+    bool UpdateLoaded(const TChessboardRegisterEntry& loaded, uint32_t nHash, bool& bStored);
     void ReportIncoherence(const TStoreOutcome& stored) const;
-    void CountAdded();
+    void CountAdded(uint32_t nAdded = 1);
     void SubtractRemoved(uint64_t nRemoved);
 
     TRegisterCombinedMap m_table;
