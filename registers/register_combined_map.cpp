@@ -1,7 +1,5 @@
 #include "register_combined_map.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
@@ -9,6 +7,7 @@
 #include <new>
 #include <utility>
 
+#include "bucket_arrays.h"
 #include "chunk_allocator.h"
 
 namespace moremate {
@@ -27,21 +26,6 @@ void Free(void* p) {
 
 TChessboardRegisterEntry* AllocateEntries(size_t nEntries) {
     return static_cast<TChessboardRegisterEntry*>(Allocate(nEntries * sizeof(TChessboardRegisterEntry)));
-}
-
-constexpr size_t kHugePage = size_t{2} << 20;
-
-// Every operation starts with a bucket word at a random place: in huge pages a large bucket
-// array costs no page walks.
-std::atomic<uint64_t>* AllocateBuckets(size_t nBuckets) {
-    const size_t nBytes = nBuckets * sizeof(std::atomic<uint64_t>);
-    const size_t nAlignment = nBytes >= kHugePage ? kHugePage : alignof(std::max_align_t);
-    void* p = std::aligned_alloc(nAlignment, (nBytes + nAlignment - 1) / nAlignment * nAlignment);
-    if (!p) throw std::bad_alloc();
-    if (nAlignment == kHugePage) madvise(p, nBytes, MADV_HUGEPAGE);
-    auto* pBuckets = static_cast<std::atomic<uint64_t>*>(p);
-    std::uninitialized_value_construct_n(pBuckets, nBuckets);
-    return pBuckets;
 }
 
 TChessboardRegisterEntry NewEntry(const TChessboardRegisterItem& item) {
@@ -189,22 +173,27 @@ void TMapCensus::Add(const TMapCensus& other) {
 }
 
 TRegisterCombinedMap::TRegisterCombinedMap(size_t nBuckets)
-    : m_nMask(std::bit_ceil(std::max<size_t>(nBuckets, 1)) - 1), m_pBuckets(AllocateBuckets(m_nMask + 1)) {}
+    : m_nMask(std::bit_ceil(std::max<size_t>(nBuckets, 1)) - 1),
+      m_pBuckets(TakeBucketArray(m_nMask + 1), TFreeBuckets{m_nMask + 1}),
+      m_pInUse(std::make_unique<std::atomic<uint64_t>[]>(InUseWords())) {}
 
 void TRegisterCombinedMap::TFreeBuckets::operator()(std::atomic<uint64_t>* pBuckets) const {
-    std::free(pBuckets);
+    GiveBucketArray(pBuckets, nBuckets);
 }
 
+// Words outside the lines in use were never written: the array goes back all 0.
 TRegisterCombinedMap::~TRegisterCombinedMap() {
-    for (size_t i = 0; i <= m_nMask; ++i) {
-        const uint64_t word = m_pBuckets[i].load(std::memory_order_relaxed);
-        FreeBucket(BucketPointer(word), IsSortedBucket(word));
-    }
+    ForEachBucketInUse([](std::atomic<uint64_t>& word) {
+        const uint64_t value = word.load(std::memory_order_relaxed);
+        FreeBucket(BucketPointer(value), IsSortedBucket(value));
+        word.store(0, std::memory_order_relaxed);
+    });
 }
 
 void TRegisterCombinedMap::Swap(TRegisterCombinedMap& other) {
     std::swap(m_nMask, other.m_nMask);
     std::swap(m_pBuckets, other.m_pBuckets);
+    std::swap(m_pInUse, other.m_pInUse);
 }
 
 std::span<TChessboardRegisterEntry> TRegisterCombinedMap::EntriesOf(const CBucketLock& bucket) {
@@ -273,23 +262,23 @@ std::optional<TChessboardRegisterEntry> TRegisterCombinedMap::Find(const TRegist
 
 uint64_t TRegisterCombinedMap::CountEntries() const {
     uint64_t nCount = 0;
-    for (size_t i = 0; i <= m_nMask; ++i) {
-        CBucketLock bucket(m_pBuckets[i]);
+    ForEachBucketInUse([&](std::atomic<uint64_t>& word) {
+        CBucketLock bucket(word);
         nCount += EntriesOf(bucket).size();
-    }
+    });
     return nCount;
 }
 
 TMapCensus TRegisterCombinedMap::Census() const {
     TMapCensus census;
-    for (size_t i = 0; i <= m_nMask; ++i) {
-        CBucketLock bucket(m_pBuckets[i]);
+    ForEachBucketInUse([&](std::atomic<uint64_t>& word) {
+        CBucketLock bucket(word);
         std::span<TChessboardRegisterEntry> entries = EntriesOf(bucket);
-        if (!bucket.Pointer()) continue;
+        if (!bucket.Pointer()) return;
         census.nSlots += bucket.IsSorted() ? SortedBucketCapacity(entries.size())
                                            : static_cast<const TBucketNode*>(bucket.Pointer())->nCapacity;
         for (const TChessboardRegisterEntry& entry : entries) census.Add(entry);
-    }
+    });
     return census;
 }
 

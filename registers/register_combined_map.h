@@ -8,6 +8,7 @@
 #pragma once
 
 #include <atomic>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -82,9 +83,11 @@ class TRegisterCombinedMap {
     template <class FUpdate>
     bool Update(const TRegisterKey& key, FUpdate&& update) {
         CBucketLock bucket(BucketOf(key.nHash));
+        const bool bWasEmpty = bucket.Pointer() == nullptr;
         bool bAdded = false;
         TChessboardRegisterEntry& entry = FindOrAdd(bucket, key.item, bAdded);
         update(entry, bAdded);
+        if (bWasEmpty) MarkInUse(key.nHash & m_nMask);
         return bAdded;
     }
 
@@ -115,17 +118,17 @@ class TRegisterCombinedMap {
     template <class FRemove>
     uint64_t RemoveIf(FRemove&& remove) {
         uint64_t nRemoved = 0;
-        for (size_t i = 0; i <= m_nMask; ++i) {
-            CBucketLock bucket(m_pBuckets[i]);
+        ForEachBucketInUse([&](std::atomic<uint64_t>& word) {
+            CBucketLock bucket(word);
             std::span<TChessboardRegisterEntry> entries = EntriesOf(bucket);
             size_t nKept = 0;
             for (const TChessboardRegisterEntry& entry : entries) {
                 if (!remove(entry)) entries[nKept++] = entry;
             }
-            if (nKept == entries.size()) continue;
+            if (nKept == entries.size()) return;
             nRemoved += entries.size() - nKept;
             Shrink(bucket, nKept);
-        }
+        });
         return nRemoved;
     }
 
@@ -133,10 +136,10 @@ class TRegisterCombinedMap {
     // its lock: consistent per bucket, not as a whole. `visit` must not use this table.
     template <class FVisit>
     void ForEachEntry(FVisit&& visit) const {
-        for (size_t i = 0; i <= m_nMask; ++i) {
-            CBucketLock bucket(m_pBuckets[i]);
+        ForEachBucketInUse([&](std::atomic<uint64_t>& word) {
+            CBucketLock bucket(word);
             for (const TChessboardRegisterEntry& entry : EntriesOf(bucket)) visit(entry);
-        }
+        });
     }
 
     uint64_t CountEntries() const;
@@ -144,19 +147,47 @@ class TRegisterCombinedMap {
     void Swap(TRegisterCombinedMap& other);
 
   private:
+    // The buckets are marked in use a cache line of them (kBucketsPerMark) at a time, when one of
+    // them first holds an entry: a walk over the table then reads the lines that ever held
+    // entries only, and a register of a small problem in a large table is quickly gone through.
+    static constexpr size_t kBucketsPerMark = 8;
+    static constexpr size_t kMarksPerWord = 64;
+
     std::atomic<uint64_t>& BucketOf(uint32_t nHash) const { return m_pBuckets[nHash & m_nMask]; }
+    void MarkInUse(size_t nBucket) {
+        std::atomic<uint64_t>& word = m_pInUse[nBucket / kBucketsPerMark / kMarksPerWord];
+        const uint64_t bit = uint64_t{1} << (nBucket / kBucketsPerMark % kMarksPerWord);
+        if (!(word.load(std::memory_order_relaxed) & bit)) word.fetch_or(bit, std::memory_order_relaxed);
+    }
+    // Calls `visit(word)` for the word of every bucket of the lines marked, in bucket order.
+    template <class FVisit>
+    void ForEachBucketInUse(FVisit&& visit) const {
+        for (size_t i = 0; i < InUseWords(); ++i) {
+            for (uint64_t marks = m_pInUse[i].load(std::memory_order_relaxed); marks; marks &= marks - 1) {
+                const size_t nFirst = (i * kMarksPerWord + std::countr_zero(marks)) * kBucketsPerMark;
+                for (size_t j = nFirst; j < nFirst + kBucketsPerMark && j <= m_nMask; ++j)
+                    visit(m_pBuckets[j]);
+            }
+        }
+    }
+    size_t InUseWords() const {
+        return (BucketCount() + kBucketsPerMark * kMarksPerWord - 1) / (kBucketsPerMark * kMarksPerWord);
+    }
     static std::span<TChessboardRegisterEntry> EntriesOf(const CBucketLock& bucket);
     static TChessboardRegisterEntry& FindOrAdd(CBucketLock& bucket, const TChessboardRegisterItem& item,
                                                bool& bAdded);
     // Stores a count lowered by a removal and releases memory no longer needed.
     static void Shrink(CBucketLock& bucket, size_t nCount);
 
+    // Gives an array whose words are all 0 back for the next table of its size.
     struct TFreeBuckets {
+        size_t nBuckets = 0;
         void operator()(std::atomic<uint64_t>* pBuckets) const;
     };
 
     size_t m_nMask;
     std::unique_ptr<std::atomic<uint64_t>[], TFreeBuckets> m_pBuckets;
+    std::unique_ptr<std::atomic<uint64_t>[]> m_pInUse;
 };
 
 }  // namespace moremate

@@ -128,6 +128,32 @@ TEST(RegisterFewBuckets, ZeroKeyIsAnOrdinaryKey) {
     EXPECT_EQ(reg.Find(zero)->MovesNoMate, 7);
 }
 
+// A large table goes through the buckets that ever held an entry only, and hands its bucket array,
+// all 0 again, to the next table of its size: the first and last bucket, and keys spread over
+// many lines of buckets.
+TEST(RegisterManyBuckets, WalksMeetEveryEntryAndTheArrayComesBackEmpty) {
+    constexpr uint32_t kBuckets = 1u << 14;
+    std::vector<TChessboardRegisterItem> keys = {TChessboardRegisterItem{},
+                                                 KeyOf({{63, 3}, {59, 1}, {0, 255}, {1, 60}})};
+    EXPECT_EQ(RegisterHash(keys[1]) % kBuckets, kBuckets - 1);
+    for (uint32_t i = 0; i < 300; ++i) keys.push_back(NumberedKey(i * 7'919u));
+    for (int round = 0; round < 2; ++round) {
+        TAggregatedTemporaryChessboardRegister reg(100'000, kBuckets);
+        ASSERT_EQ(reg.BucketCount(), kBuckets);
+        EXPECT_EQ(reg.Census().nEntries, 0u) << round;
+        for (size_t i = 0; i < keys.size(); ++i) {
+            EXPECT_FALSE(reg.Find(keys[i])) << round;
+            reg.Insert(i % 2 ? 9 : 5, keys[i], true);
+        }
+        uint64_t nVisited = 0;
+        reg.ForEachEntry([&](const TChessboardRegisterEntry&) { ++nVisited; });
+        EXPECT_EQ(nVisited, keys.size());
+        EXPECT_EQ(reg.Census().nEntries, keys.size());
+        EXPECT_EQ(reg.RemoveNMovers(5), keys.size() / 2);
+        for (size_t i = 0; i < keys.size(); ++i) EXPECT_EQ(reg.Find(keys[i]).has_value(), i % 2 == 1) << i;
+    }
+}
+
 // The register's contents as a whole: statistics texts, iteration for register files, entries
 // read back from files, and the size a memory quota allows.
 TChessboardRegisterEntry Loaded(uint32_t i, uint16_t nMovesMate, uint16_t nMovesNoMate) {
