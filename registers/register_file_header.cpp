@@ -1,8 +1,13 @@
 #include "register_file_header.h"
 
 #include <zlib.h>
+
 #include <algorithm>
 #include <cstring>
+#include <thread>
+#include <vector>
+
+#include "core/thread_start.h"
 
 namespace moremate {
 namespace {
@@ -35,6 +40,24 @@ uint32_t UpdateCrc32(uint32_t nCrc, const void* pData, size_t size) {
         nValue = crc32(nValue, p + nDone, nPart);
         nDone += nPart;
     }
+    return static_cast<uint32_t>(nValue);
+}
+
+uint32_t UpdateCrc32OnThreads(uint32_t nCrc, const void* pData, size_t size) {
+    constexpr size_t kMinPart = size_t{1} << 20;
+    const size_t nParts =
+        std::clamp<size_t>(std::min<size_t>(std::thread::hardware_concurrency(), size / kMinPart), 1, 4);
+    if (nParts == 1) return UpdateCrc32(nCrc, pData, size);
+    const auto* p = static_cast<const uint8_t*>(pData);
+    const size_t nPart = size / nParts;
+    const auto first = [&](size_t i) { return i * nPart; };
+    const auto length = [&](size_t i) { return i + 1 == nParts ? size - first(i) : nPart; };
+    std::vector<uint32_t> crcs(nParts);
+    RunOnThreads(nParts,
+                 [&](size_t i) { crcs[i] = UpdateCrc32(i == 0 ? nCrc : 0, p + first(i), length(i)); });
+    uLong nValue = crcs[0];
+    for (size_t i = 1; i < nParts; ++i)
+        nValue = crc32_combine(nValue, crcs[i], static_cast<z_off_t>(length(i)));
     return static_cast<uint32_t>(nValue);
 }
 

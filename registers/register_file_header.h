@@ -49,6 +49,9 @@ std::optional<TRegisterFileHeader> DecodeRegisterHeader(const uint8_t* pHeader, 
 
 // CRC-32 (the polynomial of zip and PNG), continued from `nCrc` over the bytes.
 uint32_t UpdateCrc32(uint32_t nCrc, const void* pData, size_t size);
+// The same, the bytes cut into one part per processor (at most four) whose checksums are worked
+// out side by side and then combined: for the megabytes a register file is read in.
+uint32_t UpdateCrc32OnThreads(uint32_t nCrc, const void* pData, size_t size);
 
 // "White to move" / "Black to move".
 const char* SideText(bool bBlackToMove);

@@ -14,7 +14,7 @@
 namespace moremate {
 namespace {
 
-constexpr size_t kReadBufferSize = size_t{1} << 20;
+constexpr size_t kReadBufferSize = size_t{4} << 20;
 constexpr const char* kNotRegisterFile = "Error - not a temporary register file";
 constexpr const char* kDamaged = "Error - the register file is damaged (its checksum does not match)";
 constexpr const char* kTooLarge =
@@ -38,7 +38,7 @@ uint32_t DataCrc(std::FILE* pFile) {
     std::vector<uint8_t> buffer(kReadBufferSize);
     uint32_t nCrc = 0;
     for (size_t nRead; (nRead = std::fread(buffer.data(), 1, buffer.size(), pFile)) > 0;)
-        nCrc = UpdateCrc32(nCrc, buffer.data(), nRead);
+        nCrc = UpdateCrc32OnThreads(nCrc, buffer.data(), nRead);
     if (std::ferror(pFile)) throw ChessException(kRegisterReadError);
     return nCrc;
 }

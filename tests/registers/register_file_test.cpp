@@ -265,6 +265,12 @@ TEST_F(RegisterFile, DamagedFilesAreRefusedWhole) {
 TEST(RegisterFileHeader, ChecksumIsTheCrc32OfZipInPieces) {
     EXPECT_EQ(UpdateCrc32(0, "123456789", 9), 0xCBF43926u);
     EXPECT_EQ(UpdateCrc32(UpdateCrc32(0, "1234", 4), "56789", 5), 0xCBF43926u);
+    // Parts worked out side by side (a size no count of parts divides), continuing a checksum.
+    std::vector<uint8_t> data((size_t{5} << 20) + 3);
+    uint32_t state = 1;
+    for (uint8_t& byte : data) byte = static_cast<uint8_t>((state = state * 1'103'515'245u + 12'345u) >> 24);
+    EXPECT_EQ(UpdateCrc32OnThreads(0xCBF43926u, data.data(), data.size()),
+              UpdateCrc32(0xCBF43926u, data.data(), data.size()));
 }
 
 TEST_F(RegisterFile, FileOfTheOtherSideIsRefused) {
