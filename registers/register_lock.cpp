@@ -8,27 +8,19 @@ std::atomic<unsigned> g_nNextLockSlot{0};
 
 }  // namespace
 
-CRegisterLock::TSlot& CRegisterLock::MySlot(TSlot* slots) {
-    thread_local const unsigned slot = g_nNextLockSlot.fetch_add(1, std::memory_order_relaxed) % kSlots;
-    return slots[slot];
+constinit thread_local unsigned t_nLockSlot = kNoLockSlot;
+
+void CRegisterLock::TakeLockSlot() {
+    t_nLockSlot = g_nNextLockSlot.fetch_add(1, std::memory_order_relaxed) % kSlots;
 }
 
-void CRegisterLock::lock_shared() {
-    if (HeldExclusivelyByMe()) return;
-    std::atomic<uint32_t>& readers = MySlot(m_slots).nReaders;
-    for (;;) {
-        // Announce first, then look for a writer; the writer does the opposite (both seq_cst),
-        // so at least one of the two sees the other.
-        readers.fetch_add(1, std::memory_order_seq_cst);
-        if (!m_bWriter.load(std::memory_order_seq_cst)) return;
+void CRegisterLock::WaitForWriter(std::atomic<uint32_t>& readers) {
+    do {
         readers.fetch_sub(1, std::memory_order_release);
+        if (HeldExclusivelyByMe()) return;
         m_bWriter.wait(true, std::memory_order_acquire);
-    }
-}
-
-void CRegisterLock::unlock_shared() {
-    if (HeldExclusivelyByMe()) return;
-    MySlot(m_slots).nReaders.fetch_sub(1, std::memory_order_release);
+        readers.fetch_add(1, std::memory_order_seq_cst);
+    } while (m_bWriter.load(std::memory_order_seq_cst));
 }
 
 void CRegisterLock::lock() {

@@ -21,13 +21,29 @@ inline void CpuRelax() {
 #endif
 }
 
+// The calling thread's reader slot, given out in turn at its first use; constant-initialised, so
+// that reading it needs no guard of a thread-local initialisation.
+inline constexpr unsigned kNoLockSlot = ~0u;
+extern constinit thread_local unsigned t_nLockSlot;
+
 class CRegisterLock {
   public:
     // Lower-case names, so that std::unique_lock and std::shared_lock can hold it.
     void lock();
     void unlock();
-    void lock_shared();
-    void unlock_shared();
+    // Inline, as every look-up and insertion takes it: announce first, then look for a writer;
+    // the writer does the opposite (both seq_cst), so at least one of the two sees the other.
+    void lock_shared() {
+        std::atomic<uint32_t>& readers = MySlot();
+        readers.fetch_add(1, std::memory_order_seq_cst);
+        if (m_bWriter.load(std::memory_order_seq_cst)) WaitForWriter(readers);
+    }
+    // The thread that holds the lock exclusively, and only that thread, took it shared without
+    // being counted; who holds it is asked only while a writer is there.
+    void unlock_shared() {
+        if (m_bWriter.load(std::memory_order_relaxed) && HeldExclusivelyByMe()) return;
+        MySlot().fetch_sub(1, std::memory_order_release);
+    }
 
   private:
     static constexpr int kSlots = 16;
@@ -38,7 +54,13 @@ class CRegisterLock {
     bool HeldExclusivelyByMe() const {
         return m_owner.load(std::memory_order_relaxed) == std::this_thread::get_id();
     }
-    static TSlot& MySlot(TSlot* slots);
+    std::atomic<uint32_t>& MySlot() {
+        if (t_nLockSlot == kNoLockSlot) TakeLockSlot();
+        return m_slots[t_nLockSlot].nReaders;
+    }
+    static void TakeLockSlot();
+    // lock_shared's way when it met a writer: `readers` counts the caller.
+    void WaitForWriter(std::atomic<uint32_t>& readers);
 
     TSlot m_slots[kSlots];
     alignas(64) std::atomic<bool> m_bWriter{false};
