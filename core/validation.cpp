@@ -13,23 +13,26 @@ constexpr const char* kKingCount = "Illegal number of kings.";
 constexpr const char* kBothKingsAttacked = "Both kings attacked.";
 constexpr uint64_t kEdgeRanks = 0xFF000000000000FFull;
 
-// Bit i set when the piece byte of square i, masked by `mask`, equals `value`: with both the same
-// single bit, the squares whose byte has that bit.
-uint64_t SquaresWhere(const uint8_t* squares, uint8_t mask, uint8_t value) {
+// planes[k]: the squares whose piece byte has bit k set. Shifted left by 7 - k, each byte has its
+// bit k on top, and the processor gathers the top bits of sixteen bytes at once.
+void PieceBitPlanes(const uint8_t* squares, uint64_t (&planes)[8]) {
 #if defined(__SSE2__)
-    const __m128i masks = _mm_set1_epi8(static_cast<char>(mask));
-    const __m128i values = _mm_set1_epi8(static_cast<char>(value));
-    uint64_t where = 0;
-    for (int i = 0; i < 4; ++i) {
-        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(squares + 16 * i));
-        const __m128i equal = _mm_cmpeq_epi8(_mm_and_si128(bytes, masks), values);
-        where |= uint64_t{static_cast<uint16_t>(_mm_movemask_epi8(equal))} << (16 * i);
+    __m128i bytes[4];
+    for (int i = 0; i < 4; ++i)
+        bytes[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(squares + 16 * i));
+    for (int k = 0; k < 8; ++k) {
+        uint64_t plane = 0;
+        for (int i = 0; i < 4; ++i) {
+            const __m128i shifted = _mm_sll_epi16(bytes[i], _mm_cvtsi32_si128(7 - k));
+            plane |= uint64_t{static_cast<uint16_t>(_mm_movemask_epi8(shifted))} << (16 * i);
+        }
+        planes[k] = plane;
     }
-    return where;
 #else
-    uint64_t where = 0;
-    for (int i = 0; i < 64; ++i) where |= uint64_t{(squares[i] & mask) == value} << i;
-    return where;
+    for (int k = 0; k < 8; ++k) {
+        planes[k] = 0;
+        for (int i = 0; i < 64; ++i) planes[k] |= uint64_t{(squares[i] >> k) & 1u} << i;
+    }
 #endif
 }
 
@@ -135,18 +138,20 @@ const char* BrokenRule(TChessboard& b) {
     return nullptr;
 }
 
-// Byte masks instead of a walk over the squares, and the second king's attackers asked only when
-// the first king is attacked.
+// The eight bit boards of the piece bytes instead of a walk over the squares, the pawns and kings
+// told from them, and the second king's attackers asked only when the first king is attacked.
 const char* BrokenRuleOf(const uint8_t* squares) {
     TChessboard board;
-    for (int bit = 0; bit < 8; ++bit) {
-        const uint8_t pieceBit = static_cast<uint8_t>(1u << bit);
-        board.pieceBits[bit] = SquaresWhere(squares, pieceBit, pieceBit);
-    }
+    PieceBitPlanes(squares, board.pieceBits);
+    const uint64_t* bits = board.pieceBits;
     const uint64_t occupied = board.Occupied();
-    if (SquaresWhere(squares, kTypeMask, kPawn) & occupied & kEdgeRanks) return kPawnOnEdgeRank;
-    const uint64_t whiteKing = SquaresWhere(squares, 0xFF, kWhite | kKing);
-    const uint64_t blackKing = SquaresWhere(squares, 0xFF, kBlack | kKing);
+    // Squares whose type bits (0 to 4) are exactly those of a pawn, or of a king.
+    const uint64_t otherTypes = bits[2] | bits[3] | bits[4];
+    const uint64_t pawns = bits[1] & ~bits[0] & ~otherTypes;
+    const uint64_t kings = bits[0] & ~bits[1] & ~otherTypes & ~bits[5];
+    if (pawns & occupied & kEdgeRanks) return kPawnOnEdgeRank;
+    const uint64_t whiteKing = kings & bits[6] & ~bits[7];
+    const uint64_t blackKing = kings & bits[7] & ~bits[6];
     if (BitCount(whiteKing) != 1 || BitCount(blackKing) != 1) return kKingCount;
     if (AttackersOf(board, std::countr_zero(whiteKing), kBlack, occupied) &&
         AttackersOf(board, std::countr_zero(blackKing), kWhite, occupied))
