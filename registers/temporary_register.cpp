@@ -101,6 +101,7 @@ void TTemporaryChessboardRegister<kRemovalBounds>::MergeBatch(
             for (bool bStored; i < entries.size(); ++i)
                 nAdded += UpdateLoaded(entries[i], pHashes[i], bStored);
         } catch (const std::exception&) {
+            // Nothing of entry i was stored: it goes on below, through Merge's own handling.
         }
         CountAdded(nAdded);
     }
