@@ -2,6 +2,7 @@
 // shortest levels, and damaged or odd files give their messages; the automatic save.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -191,6 +192,26 @@ TEST_F(RegisterFile, PlainFileOfSeveralReadBlocksLoadsWhole) {
     EXPECT_TRUE(result.bRead);
     EXPECT_FALSE(result.bComplete);
     EXPECT_EQ(result.report.nRecords, large.ElementCount() - 1);
+}
+
+// More records than room: the batches that would reach the capacity go one by one, making room.
+TEST_F(RegisterFile, FileLargerThanTheRegisterMakesRoomOnTheWay) {
+    TAggregatedTemporaryChessboardRegister large(200'000, kBuckets);
+    for (uint32_t i = 0; i < 50'000; ++i)
+        large.Insert(static_cast<uint16_t>(4 + i % 3), testing::NumberedKey(i), false);
+    SaveRegisterFile(folder.File("large.tmpReg"), large, {});
+    TAggregatedTemporaryChessboardRegister small(20'000, 16);
+    testing::CLogRecorder log;
+    small.SetServices({.log = log.Sink()});
+    const TRegisterLoadResult result =
+        LoadRegisterFile(folder.File("large.tmpReg"), small, kBuckets, options);
+    EXPECT_TRUE(result.bComplete) << result.sError;
+    EXPECT_EQ(result.report.nRecords + result.report.nInvalidPositions, 50'000u);
+    EXPECT_GT(result.report.nRecords, 40'000u);
+    EXPECT_LT(small.ElementCount(), result.report.nRecords);
+    // Asked for room by every record stored while the register is full, not only by the last ones.
+    const std::vector<std::string> lines = log.Lines();
+    EXPECT_GT(std::count(lines.begin(), lines.end(), "EmptySomeDataWhenRegisterFull started"), 1000);
 }
 
 TEST_F(RegisterFile, InvalidPositionsAreCountedAndSkipped) {
