@@ -140,7 +140,7 @@ TEST(Validation, RulesAndTheirMessages) {
     // clang-format on
     for (const auto& [placement, error] : cases) {
         TChessboard board;
-        EXPECT_EQ(ErrorOf([&] { ReadFen(placement, board); }), error) << placement;
+        EXPECT_EQ(ErrorOf([&board, fen = placement] { ReadFen(fen, board); }), error) << placement;
     }
     TChessboard board;
     EXPECT_THROW(ReadFen("8/8/8/8/8/8/8/8", board), ChessException);

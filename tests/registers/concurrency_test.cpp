@@ -27,10 +27,10 @@ constexpr uint32_t kSharedKeys = 300;
 // Few buckets, so that the threads meet in the same buckets while these grow into sorted arrays.
 TEST(RegisterConcurrency, InsertAndLookupFromSeveralThreads) {
     TAggregatedTemporaryChessboardRegister reg(1'000'000, 8);
-    const uint64_t kConfiguration = ConfigurationKey(4, 1);
+    constexpr uint64_t kConfiguration = ConfigurationKey(4, 1);
     std::vector<std::thread> threads;
     for (uint32_t t = 0; t < kThreads; ++t) {
-        threads.emplace_back([&reg, t, kConfiguration] {
+        threads.emplace_back([&reg, t] {
             for (uint32_t i = 0; i < kOwnKeys; ++i) {
                 const uint32_t own = 10'000 * (t + 1) + i;
                 reg.Insert(static_cast<uint16_t>(5 + 2 * t), NumberedKey(own), true);

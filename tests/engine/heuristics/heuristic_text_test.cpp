@@ -322,7 +322,8 @@ TEST(PredefinedHeuristics, ErrorsNameTheReason) {
     };
     // clang-format on
     for (const auto& [tokens, reason] : cases) {
-        EXPECT_EQ(test::ErrorOf([&] { ApplyPredefinedAdditionalHeuristics({}, tokens); }), prefix + reason);
+        EXPECT_EQ(test::ErrorOf([text = tokens] { ApplyPredefinedAdditionalHeuristics({}, text); }),
+                  prefix + reason);
     }
 }
 
