@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what moremate needs, builds everything with warnings as errors and runs every test.
 # With SANITIZE=address,undefined (or thread) the build goes to its own folder with those checks;
-# BUILD_TARGETS limits the build to the named targets (with a CTEST_ARGS filter to match).
+# BUILD_TARGETS limits the build to the named targets (with a CTEST_ARGS filter to match);
+# CXX=clang++ builds a new folder with clang instead of gcc.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/setup.sh
