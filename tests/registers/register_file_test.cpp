@@ -209,9 +209,10 @@ TEST_F(RegisterFile, FileLargerThanTheRegisterMakesRoomOnTheWay) {
     EXPECT_EQ(result.report.nRecords + result.report.nInvalidPositions, 50'000u);
     EXPECT_GT(result.report.nRecords, 40'000u);
     EXPECT_LT(small.ElementCount(), result.report.nRecords);
-    // Asked for room by every record stored while the register is full, not only by the last ones.
+    // Asked for room on the way, each time the register was full, not only by the last records: it
+    // filled at least twice. How often depends on the speed, as emptyings are kept apart in time.
     const std::vector<std::string> lines = log.Lines();
-    EXPECT_GT(std::count(lines.begin(), lines.end(), "EmptySomeDataWhenRegisterFull started"), 1000);
+    EXPECT_GE(std::count(lines.begin(), lines.end(), "EmptySomeDataWhenRegisterFull started"), 2);
 }
 
 TEST_F(RegisterFile, InvalidPositionsAreCountedAndSkipped) {
