@@ -23,11 +23,7 @@ bool IsAttacked(const TChessboard& board, int sq, uint8_t byColour) {
 }
 
 void DerivePieceBits(TChessboard& board) {
-    for (uint64_t& bits : board.pieceBits) bits = 0;
-    for (uint64_t occupied = Occupied(board.squares); occupied; occupied &= occupied - 1) {
-        const int sq = std::countr_zero(occupied);
-        TogglePieceBits(board, board.squares[sq], Bit(sq));
-    }
+    PieceBitPlanes(board.squares, board.pieceBits);
     board.squaresHash = SquaresHash(board.squares);
 }
 

@@ -51,6 +51,29 @@ inline uint64_t Occupied(const uint8_t* squares) {
 #endif
 }
 
+// planes[k]: the squares whose piece byte has bit k set. Shifted left by 7 - k, each byte has its
+// bit k on top, and the processor gathers the top bits of sixteen bytes at once.
+inline void PieceBitPlanes(const uint8_t* squares, uint64_t (&planes)[8]) {
+#if defined(__SSE2__)
+    __m128i bytes[4];
+    for (int i = 0; i < 4; ++i)
+        bytes[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(squares + 16 * i));
+    for (int k = 0; k < 8; ++k) {
+        uint64_t plane = 0;
+        for (int i = 0; i < 4; ++i) {
+            const __m128i shifted = _mm_sll_epi16(bytes[i], _mm_cvtsi32_si128(7 - k));
+            plane |= uint64_t{static_cast<uint16_t>(_mm_movemask_epi8(shifted))} << (16 * i);
+        }
+        planes[k] = plane;
+    }
+#else
+    for (int k = 0; k < 8; ++k) {
+        planes[k] = 0;
+        for (int i = 0; i < 64; ++i) planes[k] |= uint64_t{(squares[i] >> k) & 1u} << i;
+    }
+#endif
+}
+
 inline constexpr uint64_t kFileA = 0x0101010101010101ull;
 inline constexpr uint64_t kFileH = kFileA << 7;
 

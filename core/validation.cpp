@@ -4,6 +4,7 @@
 
 #include "attacks.h"
 #include "chess_exception.h"
+#include "occupancy.h"
 
 namespace moremate {
 namespace {
@@ -12,29 +13,6 @@ constexpr const char* kPawnOnEdgeRank = "Pawns cannot occupy 1st nor 8th line of
 constexpr const char* kKingCount = "Illegal number of kings.";
 constexpr const char* kBothKingsAttacked = "Both kings attacked.";
 constexpr uint64_t kEdgeRanks = 0xFF000000000000FFull;
-
-// planes[k]: the squares whose piece byte has bit k set. Shifted left by 7 - k, each byte has its
-// bit k on top, and the processor gathers the top bits of sixteen bytes at once.
-void PieceBitPlanes(const uint8_t* squares, uint64_t (&planes)[8]) {
-#if defined(__SSE2__)
-    __m128i bytes[4];
-    for (int i = 0; i < 4; ++i)
-        bytes[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(squares + 16 * i));
-    for (int k = 0; k < 8; ++k) {
-        uint64_t plane = 0;
-        for (int i = 0; i < 4; ++i) {
-            const __m128i shifted = _mm_sll_epi16(bytes[i], _mm_cvtsi32_si128(7 - k));
-            plane |= uint64_t{static_cast<uint16_t>(_mm_movemask_epi8(shifted))} << (16 * i);
-        }
-        planes[k] = plane;
-    }
-#else
-    for (int k = 0; k < 8; ++k) {
-        planes[k] = 0;
-        for (int i = 0; i < 64; ++i) planes[k] |= uint64_t{(squares[i] >> k) & 1u} << i;
-    }
-#endif
-}
 
 void StoreWhiteKing(TChessboard& b, int sq) {
     b.whiteKingFile = static_cast<uint8_t>(FileOf(sq));

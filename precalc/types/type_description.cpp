@@ -3,6 +3,7 @@
 #include <cctype>
 
 #include "core/chess_exception.h"
+#include "core/occupancy.h"
 #include "core/pieces.h"
 #include "precalc/types/position_type.h"
 
@@ -10,7 +11,6 @@ namespace moremate {
 namespace {
 
 constexpr uint64_t kPawnSquares = 0x00FFFFFFFFFFFF00ull;
-constexpr uint64_t kFileA = 0x0101010101010101ull;
 constexpr uint64_t kRank1 = 0xFFull;
 
 class CDescriptionReader {
