@@ -1,5 +1,7 @@
 #include "chunk_allocator.h"
 
+#include <pthread.h>
+#include <sched.h>
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -57,22 +59,28 @@ TChunk* NewChunk(size_t nBytes) {
     return new (p) TChunk;
 }
 
-// One chunk made ready ahead by a helper thread, its memory already faulted in: the system clears
+// Chunks made ready ahead by a helper thread, their memory already faulted in: the system clears
 // a fresh page when it is first touched, and a search thread that takes a new chunk then finds
-// that done, while the helper clears the next one (on a spare processor, off the search's time).
-// The helper runs while a CChunkReserveScope lives; a chunk it made ready stays for the next taker.
+// that done. The helper runs in the idle scheduling class, so that it clears pages on a processor
+// that the search leaves free (the second one of a single search thread, the moments at the joins
+// of several) and never takes one from a search thread; a few chunks kept ready carry that work
+// over to the moments the registers grow. The helper runs while a CChunkReserveScope lives; the
+// chunks it made ready stay for the next takers.
 class CChunkReserve {
   public:
+    static constexpr size_t kReadyChunks = 8;
+
     static CChunkReserve& Instance() {
         static CChunkReserve* const pReserve = new CChunkReserve;  // registers may outlive statics
         return *pReserve;
     }
-    // The ready chunk, or null while none is ready; the helper, if it runs, then makes the next.
+    // A ready chunk, or null while none is ready; the helper, if it runs, then makes more.
     TChunk* Take() {
         std::lock_guard lock(m_mutex);
-        void* p = std::exchange(m_pReady, nullptr);
+        if (m_nReady == 0) return nullptr;
+        void* p = m_ready[--m_nReady];
         m_changed.notify_all();
-        return p ? new (p) TChunk : nullptr;
+        return new (p) TChunk;
     }
     void AddHolder() {
         std::lock_guard lock(m_mutex);
@@ -93,28 +101,31 @@ class CChunkReserve {
     // A helper ends when the holders are gone or a newer helper has taken over (the last holder
     // left and a new one came while this one was still clearing a chunk).
     void MakeReady(uint64_t nGeneration) {
+        const sched_param idle{};
+        pthread_setschedparam(pthread_self(), SCHED_IDLE, &idle);  // where refused, it runs as before
         for (;;) {
             {
                 std::unique_lock lock(m_mutex);
                 const auto ended = [&] { return m_nHolders == 0 || m_nGeneration != nGeneration; };
-                m_changed.wait(lock, [&] { return ended() || m_pReady == nullptr; });
+                m_changed.wait(lock, [&] { return ended() || m_nReady < kReadyChunks; });
                 if (ended()) return;
             }
             auto* p = static_cast<volatile uint8_t*>(AllocateChunkMemory(kChunkSize));
             if (!p) return;  // no memory: chunks are made where they are needed
             for (size_t i = 0; i < kChunkSize; i += 4096) p[i] = 0;
             std::lock_guard lock(m_mutex);
-            if (m_pReady) {
+            if (m_nReady == kReadyChunks) {
                 std::free(const_cast<uint8_t*>(p));  // a newer helper was quicker
             } else {
-                m_pReady = const_cast<uint8_t*>(p);
+                m_ready[m_nReady++] = const_cast<uint8_t*>(p);
             }
         }
     }
 
     std::mutex m_mutex;
     std::condition_variable m_changed;
-    void* m_pReady = nullptr;
+    void* m_ready[kReadyChunks] = {};
+    size_t m_nReady = 0;
     int m_nHolders = 0;
     uint64_t m_nGeneration = 0;  // of the latest helper
     std::thread m_helper;
