@@ -20,6 +20,7 @@
 #include "problems/solving/tablebase_access.h"
 #include "progress_line.h"
 #include "register_loading.h"
+#include "registers/chunk_allocator.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
 #include "run_keys.h"
@@ -48,6 +49,7 @@ void PrintRegisterStatistics(CRunRegister& runRegister) {
     fmt::print(stderr, "Precalculated data: {} look-ups, {} mates, {} no mates, {} unknown\n{}",
                counts.m_nLookups, counts.m_nMates, counts.m_nNoMates, counts.m_nUnknown,
                TGlobalRegisters::Instance().StatusText());
+    fmt::print(stderr, "Register memory:\n{}", ChunkAllocatorReport(RegisterChunkAllocator().Statistics()));
 }
 
 bool Selected(const SolveArgs& args, unsigned number) {

@@ -14,6 +14,10 @@ uint32_t TAggregatedTemporaryChessboardRegister::ElementCount() const {
     return EntryCount() + DoubtfulElementCount() + SubproblemCount();
 }
 
+uint32_t TAggregatedTemporaryChessboardRegister::ElementCountSeen() const {
+    return EntryCountSeen() + DoubtfulElementCount() + SubproblemCount();
+}
+
 uint32_t TAggregatedTemporaryChessboardRegister::DoubtfulElementCount() const {
     return m_nDoubtfulElements.load(std::memory_order_relaxed);
 }

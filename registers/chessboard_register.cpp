@@ -4,6 +4,7 @@
 #include <shared_mutex>
 
 #include "core/chess_exception.h"
+#include "shared_count.h"
 
 namespace moremate {
 
@@ -14,7 +15,9 @@ TChessboardRegister<TResult>::TChessboardRegister(uint32_t nCapacity, TChessboar
 template <class TResult>
 void TChessboardRegister<TResult>::MakeRoom() {
     TChessboardRegister& owner = Owner();
-    if (owner.ElementCount() >= owner.Capacity()) owner.EmptySomeDataWhenRegisterFull(false);
+    const uint32_t nCapacity = owner.Capacity();
+    if (uint64_t{owner.ElementCountSeen()} + CSharedCount::kMaxUnseen < nCapacity) return;
+    if (owner.ElementCount() >= nCapacity) owner.EmptySomeDataWhenRegisterFull(false);
 }
 
 template <class TResult>

@@ -10,8 +10,8 @@ std::atomic<unsigned> g_nNextLockSlot{0};
 
 constinit thread_local unsigned t_nLockSlot = kNoLockSlot;
 
-void CRegisterLock::TakeLockSlot() {
-    t_nLockSlot = g_nNextLockSlot.fetch_add(1, std::memory_order_relaxed) % kSlots;
+void TakeLockSlot() {
+    t_nLockSlot = g_nNextLockSlot.fetch_add(1, std::memory_order_relaxed) % kRegisterLockSlots;
 }
 
 void CRegisterLock::WaitForWriter(std::atomic<uint32_t>& readers) {

@@ -21,10 +21,17 @@ inline void CpuRelax() {
 #endif
 }
 
-// The calling thread's reader slot, given out in turn at its first use; constant-initialised, so
-// that reading it needs no guard of a thread-local initialisation.
+// The calling thread's slot among kRegisterLockSlots, given out in turn at its first use: its place
+// in every register lock and in the registers' shared counts. Constant-initialised, so that
+// reading it needs no guard of a thread-local initialisation.
 inline constexpr unsigned kNoLockSlot = ~0u;
+inline constexpr unsigned kRegisterLockSlots = 16;
 extern constinit thread_local unsigned t_nLockSlot;
+void TakeLockSlot();
+inline unsigned MyLockSlot() {
+    if (t_nLockSlot == kNoLockSlot) TakeLockSlot();
+    return t_nLockSlot;
+}
 
 class CRegisterLock {
   public:
@@ -46,7 +53,6 @@ class CRegisterLock {
     }
 
   private:
-    static constexpr int kSlots = 16;
     struct alignas(64) TSlot {
         std::atomic<uint32_t> nReaders{0};
     };
@@ -54,15 +60,11 @@ class CRegisterLock {
     bool HeldExclusivelyByMe() const {
         return m_owner.load(std::memory_order_relaxed) == std::this_thread::get_id();
     }
-    std::atomic<uint32_t>& MySlot() {
-        if (t_nLockSlot == kNoLockSlot) TakeLockSlot();
-        return m_slots[t_nLockSlot].nReaders;
-    }
-    static void TakeLockSlot();
+    std::atomic<uint32_t>& MySlot() { return m_slots[MyLockSlot()].nReaders; }
     // lock_shared's way when it met a writer: `readers` counts the caller.
     void WaitForWriter(std::atomic<uint32_t>& readers);
 
-    TSlot m_slots[kSlots];
+    TSlot m_slots[kRegisterLockSlots];
     alignas(64) std::atomic<bool> m_bWriter{false};
     std::atomic<std::thread::id> m_owner{};
     uint32_t m_nRecursion = 0;

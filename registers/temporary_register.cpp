@@ -94,10 +94,10 @@ void TTemporaryChessboardRegister<kRemovalBounds>::MergeBatch(
     std::span<const TChessboardRegisterEntry> entries, const uint32_t* pHashes) {
     size_t i = 0;
     TChessboardRegister<bool>& owner = Owner();
-    if (uint64_t{owner.ElementCount()} + entries.size() < owner.Capacity()) {
+    if (uint64_t{owner.ElementCountSeen()} + entries.size() + CSharedCount::kMaxUnseen < owner.Capacity()) {
         uint32_t nAdded = 0;
+        std::shared_lock lock(m_lock);
         try {
-            std::shared_lock lock(m_lock);
             for (bool bStored; i < entries.size(); ++i)
                 nAdded += UpdateLoaded(entries[i], pHashes[i], bStored);
         } catch (const std::exception&) {
@@ -119,7 +119,7 @@ void TTemporaryChessboardRegister<kRemovalBounds>::ReportIncoherence(const TStor
 template <int kRemovalBounds>
 void TTemporaryChessboardRegister<kRemovalBounds>::CountAdded(uint32_t nAdded) {
     if (nAdded == 0) return;
-    m_nEntries.fetch_add(nAdded, std::memory_order_relaxed);
+    m_entries.Add(nAdded);
     CountOwnedElements(nAdded);
 }
 
@@ -151,13 +151,13 @@ uint32_t TTemporaryChessboardRegister<kRemovalBounds>::RemoveNMovers(uint16_t n)
 template <int kRemovalBounds>
 void TTemporaryChessboardRegister<kRemovalBounds>::SubtractRemoved(uint64_t nRemoved) {
     if (nRemoved <= EntryCount()) {
-        m_nEntries.fetch_sub(static_cast<uint32_t>(nRemoved), std::memory_order_relaxed);
+        m_entries.Subtract(static_cast<uint32_t>(nRemoved));
         CountOwnedElements(-static_cast<int64_t>(nRemoved));
         return;
     }
     std::unique_lock lock(m_lock);
     const auto nExact = static_cast<uint32_t>(m_table.CountEntries());
-    const uint32_t nBefore = m_nEntries.exchange(nExact, std::memory_order_relaxed);
+    const uint32_t nBefore = m_entries.Exchange(nExact);
     CountOwnedElements(static_cast<int64_t>(nExact) - nBefore);
 }
 

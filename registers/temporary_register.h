@@ -16,6 +16,7 @@
 #include "chessboard_register.h"
 #include "entry_rules.h"
 #include "register_combined_map.h"
+#include "shared_count.h"
 
 namespace moremate {
 
@@ -66,7 +67,8 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     virtual uint32_t RemoveNMovers(uint16_t n);
 
     uint32_t ElementCount() const override { return EntryCount() + SubproblemCount(); }
-    uint32_t EntryCount() const { return m_nEntries.load(std::memory_order_relaxed); }
+    uint32_t ElementCountSeen() const override { return EntryCountSeen() + SubproblemCount(); }
+    uint32_t EntryCount() const { return m_entries.Load(); }
     // A register standing alone frees no room by itself: it refuses.
     bool EmptySomeDataWhenRegisterFull(bool) override { return false; }
 
@@ -108,12 +110,12 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     void ReportIncoherence(const TStoreOutcome& stored) const;
     void CountAdded(uint32_t nAdded = 1);
     void SubtractRemoved(uint64_t nRemoved);
+    uint32_t EntryCountSeen() const { return m_entries.LoadSeen(); }
 
     TRegisterCombinedMap m_table;
 
   private:
-    // Written by every insertion of a new entry: kept off the cache line of the table's fields.
-    alignas(64) std::atomic<uint32_t> m_nEntries{0};
+    CSharedCount m_entries;
 };
 
 extern template class TTemporaryChessboardRegister<0>;

@@ -52,6 +52,7 @@ if [ -f "$long" ]; then
 fi
 check "proof-number mode refused" 2 'auto, off or only expected' -- solve "$data/small.cp" --proof-number sometimes
 check "all solutions" 0 'keys: Kd2-c1, Kd2-c2, Kd2-c3, Qe3-b6|keys: .*Qe3-b6' -- solve "$data/small.cp" --problem 2 --all-solutions
+check "the register's memory" 0 'Number of allocated chunks = [1-9]' -- solve "$data/small.cp" --problem 1 --register-stats
 check "json fields" 0 '"keys":\["a7-f2"\],"match":true' -- solve "$data/small.cp" --problem 1 --json
 check "json without answer" 0 '"expected":null,"found":\[\],"keys":\[\],"match":null.*"result":"no solution"' -- solve "$data/small.cp" --problem 3 --json
 check "selfmates are refused" 1 'Only mate problems \(type=1\) supported currently\.' -- solve "$data/small.cp" --problem 4
