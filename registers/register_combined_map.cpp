@@ -63,7 +63,7 @@ void FreeBucket(void* pointer, bool bSorted) {
 TBucketNode* AllocateNode(size_t nCapacity) {
     auto* node = static_cast<TBucketNode*>(Allocate(NodeBytes(nCapacity)));
     node->nCount = 0;
-    node->nCapacity = static_cast<uint32_t>(nCapacity);
+    node->nCapacity = static_cast<uint16_t>(nCapacity);
     return node;
 }
 
@@ -73,7 +73,7 @@ TChessboardRegisterEntry& AppendToNode(CBucketLock& bucket, TBucketNode* node,
     if (node->nCount == node->nCapacity) {
         const size_t nCapacity = 2 * node->nCapacity;
         node = static_cast<TBucketNode*>(RegisterChunkAllocator().Reallocate(node, NodeBytes(nCapacity)));
-        node->nCapacity = static_cast<uint32_t>(nCapacity);
+        node->nCapacity = static_cast<uint16_t>(nCapacity);
         bucket.Set(node, false);
     }
     node->entries[node->nCount] = NewEntry(item);
@@ -131,7 +131,7 @@ void ShrinkSorted(CBucketLock& bucket, TSortedBucket& sorted, size_t nCount) {
             return;
         }
         std::copy(sorted.pEntries, sorted.pEntries + nCount, node->entries);
-        node->nCount = static_cast<uint32_t>(nCount);
+        node->nCount = static_cast<uint16_t>(nCount);
         FreeSorted(&sorted);
         bucket.Set(node, false);
         return;
@@ -236,7 +236,7 @@ void TRegisterCombinedMap::Shrink(CBucketLock& bucket, size_t nCount) {
     } else if (bucket.IsSorted()) {
         ShrinkSorted(bucket, *static_cast<TSortedBucket*>(bucket.Pointer()), nCount);
     } else {
-        static_cast<TBucketNode*>(bucket.Pointer())->nCount = static_cast<uint32_t>(nCount);
+        static_cast<TBucketNode*>(bucket.Pointer())->nCount = static_cast<uint16_t>(nCount);
     }
 }
 

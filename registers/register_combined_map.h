@@ -24,12 +24,14 @@ inline constexpr size_t kBucketNodeEntries = 8;
 
 // The count comes first, in the cache line of the first entry, which a look-up reads with it. A
 // node is allocated with room for `nCapacity` entries only (see NodeBytes); the array is declared
-// at its largest.
+// at its largest. The two counts take four bytes, so that the node of one entry, the most common
+// by far, is 72 bytes.
 struct TBucketNode {
-    uint32_t nCount;
-    uint32_t nCapacity;
+    uint16_t nCount;
+    uint16_t nCapacity;
     TChessboardRegisterEntry entries[kBucketNodeEntries];
 };
+static_assert(offsetof(TBucketNode, entries) == 4);
 
 // The bytes of a node with room for `nCapacity` entries, rounded up to 8.
 constexpr size_t NodeBytes(size_t nCapacity) {
@@ -44,8 +46,8 @@ struct TSortedBucket {
 
 size_t SortedBucketCapacity(uint64_t nCount);
 
-// The cache lines a look-up loads ahead: a node of one entry whole (80 bytes, starting 0, 16, 32
-// or 48 bytes into a line), the count and first entry of a larger node or of a sorted array. Most
+// The cache lines a look-up loads ahead: a node of one entry whole (72 bytes, starting at most 56
+// bytes into a line), the count and first entry of a larger node or of a sorted array. Most
 // nodes hold one entry, and every line more would be one more memory access in flight per child.
 inline constexpr size_t kPrefetchLines = 2;
 // The cache lines of a full node, which an insertion loads ahead whatever the node's room.
