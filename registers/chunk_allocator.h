@@ -69,8 +69,9 @@ class CChunkAllocator {
     std::unique_ptr<TSizeClass[]> m_pClasses;
 };
 
-// While one lives, a helper thread keeps one chunk of the registers' allocator faulted in ahead of
-// need, so that the system's clearing of fresh memory happens off the threads that take chunks.
+// While one lives, a helper thread keeps a few chunks of the registers' allocator faulted in ahead
+// of need, so that the system's clearing of fresh memory happens off the threads that take chunks,
+// on a processor they leave free.
 // A run's registers hold one; holders may nest and overlap, the helper ends with the last of them.
 class CChunkReserveScope {
   public:
