@@ -14,8 +14,8 @@ uint32_t TAggregatedTemporaryChessboardRegister::ElementCount() const {
     return EntryCount() + DoubtfulElementCount() + SubproblemCount();
 }
 
-uint32_t TAggregatedTemporaryChessboardRegister::ElementCountSeen() const {
-    return EntryCountSeen() + DoubtfulElementCount() + SubproblemCount();
+uint32_t TAggregatedTemporaryChessboardRegister::ElementCountAtLeast() const {
+    return EntryCountAtLeast() + DoubtfulElementCount() + SubproblemCount();
 }
 
 uint32_t TAggregatedTemporaryChessboardRegister::DoubtfulElementCount() const {

@@ -38,7 +38,7 @@ class TAggregatedTemporaryChessboardRegister : public TTemporaryChessboardRegist
 
     // Own entries, those of every doubtfulness register, and the sub-problem entries.
     uint32_t ElementCount() const override;
-    uint32_t ElementCountSeen() const override;
+    uint32_t ElementCountAtLeast() const override;
     virtual uint32_t DoubtfulElementCount() const;
     // Runs RemoveDoubtful for every configuration whose pin count is 0; returns the sum removed.
     virtual uint32_t RemoveAllUnpinnedDoubtful();

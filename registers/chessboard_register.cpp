@@ -16,7 +16,7 @@ template <class TResult>
 void TChessboardRegister<TResult>::MakeRoom() {
     TChessboardRegister& owner = Owner();
     const uint32_t nCapacity = owner.Capacity();
-    if (uint64_t{owner.ElementCountSeen()} + CSharedCount::kMaxUnseen < nCapacity) return;
+    if (uint64_t{owner.ElementCountAtLeast()} + CSharedCount::kMaxUnseen < nCapacity) return;
     if (owner.ElementCount() >= nCapacity) owner.EmptySomeDataWhenRegisterFull(false);
 }
 

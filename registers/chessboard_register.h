@@ -36,10 +36,10 @@ class TChessboardRegister {
     TChessboardRegister& operator=(const TChessboardRegister&) = delete;
 
     virtual uint32_t ElementCount() const { return SubproblemCount(); }
-    // The count as the calling thread sees it, without the other threads' latest additions (at
-    // most CSharedCount::kMaxUnseen): insertions look at the exact count only when this one
-    // comes that close to the capacity.
-    virtual uint32_t ElementCountSeen() const { return ElementCount(); }
+    // At most the count, short of it by less than CSharedCount::kMaxUnseen (the threads' latest
+    // additions): insertions look at the exact count only when this one comes that close to the
+    // capacity.
+    virtual uint32_t ElementCountAtLeast() const { return ElementCount(); }
     // Frees room; returns false when it refused to run.
     virtual bool EmptySomeDataWhenRegisterFull(bool bFromInsertion) = 0;
 

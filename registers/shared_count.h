@@ -1,9 +1,9 @@
 // A count that every thread of a search adds to all the time and checks against a limit: each
 // thread adds to a share of its own (one cache line per register-lock slot) and moves it to the
 // total once it holds kBatch, so that the total's cache line is written seldom and stays in the
-// caches of the threads that read it. A thread sees the total and its own share; what the others
-// added lately is missing from that by at most kMaxUnseen (while no more threads than slots add),
-// so a check against a limit asks for the exact count only when the seen one comes that close.
+// caches of the threads that read it. The total alone is short of the count by less than
+// kMaxUnseen (while no more threads than slots add), so a check against a limit reads the total
+// and asks for the exact count only when the total comes that close.
 #pragma once
 
 #include <algorithm>
@@ -32,11 +32,8 @@ class CSharedCount {
         for (const TShare& share : m_shares) n += share.n.load(std::memory_order_relaxed);
         return Clamped(n);
     }
-    // The total and the calling thread's own share, without reading the other threads' lines.
-    uint32_t LoadSeen() const {
-        return Clamped(m_nTotal.load(std::memory_order_relaxed) +
-                       m_shares[MyLockSlot()].n.load(std::memory_order_relaxed));
-    }
+    // The total without the shares: at most the count, short of it by less than kMaxUnseen.
+    uint32_t LoadAtLeast() const { return Clamped(m_nTotal.load(std::memory_order_relaxed)); }
     // Sets the count while no thread adds to it; returns the count before.
     uint32_t Exchange(uint32_t n) {
         const uint32_t nBefore = Load();
@@ -50,9 +47,7 @@ class CSharedCount {
         std::atomic<uint32_t> n{0};
     };
     // A removal may take from the total what a share still holds.
-    static uint32_t Clamped(int64_t n) {
-        return static_cast<uint32_t>(std::clamp<int64_t>(n, 0, UINT32_MAX));
-    }
+    static uint32_t Clamped(int64_t n) { return static_cast<uint32_t>(std::max<int64_t>(n, 0)); }
 
     TShare m_shares[kRegisterLockSlots];
     alignas(64) std::atomic<int64_t> m_nTotal{0};

@@ -94,7 +94,8 @@ void TTemporaryChessboardRegister<kRemovalBounds>::MergeBatch(
     std::span<const TChessboardRegisterEntry> entries, const uint32_t* pHashes) {
     size_t i = 0;
     TChessboardRegister<bool>& owner = Owner();
-    if (uint64_t{owner.ElementCountSeen()} + entries.size() + CSharedCount::kMaxUnseen < owner.Capacity()) {
+    if (uint64_t{owner.ElementCountAtLeast()} + entries.size() + CSharedCount::kMaxUnseen <
+        owner.Capacity()) {
         uint32_t nAdded = 0;
         std::shared_lock lock(m_lock);
         try {

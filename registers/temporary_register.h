@@ -67,7 +67,7 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     virtual uint32_t RemoveNMovers(uint16_t n);
 
     uint32_t ElementCount() const override { return EntryCount() + SubproblemCount(); }
-    uint32_t ElementCountSeen() const override { return EntryCountSeen() + SubproblemCount(); }
+    uint32_t ElementCountAtLeast() const override { return EntryCountAtLeast() + SubproblemCount(); }
     uint32_t EntryCount() const { return m_entries.Load(); }
     // A register standing alone frees no room by itself: it refuses.
     bool EmptySomeDataWhenRegisterFull(bool) override { return false; }
@@ -110,7 +110,7 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     void ReportIncoherence(const TStoreOutcome& stored) const;
     void CountAdded(uint32_t nAdded = 1);
     void SubtractRemoved(uint64_t nRemoved);
-    uint32_t EntryCountSeen() const { return m_entries.LoadSeen(); }
+    uint32_t EntryCountAtLeast() const { return m_entries.LoadAtLeast(); }
 
     TRegisterCombinedMap m_table;
 
