@@ -10,12 +10,8 @@ TAggregatedTemporaryChessboardRegister::TAggregatedTemporaryChessboardRegister(u
 
 TAggregatedTemporaryChessboardRegister::~TAggregatedTemporaryChessboardRegister() = default;
 
-uint32_t TAggregatedTemporaryChessboardRegister::ElementCount() const {
-    return EntryCount() + DoubtfulElementCount() + SubproblemCount();
-}
-
-uint32_t TAggregatedTemporaryChessboardRegister::ElementCountAtLeast() const {
-    return EntryCountAtLeast() + DoubtfulElementCount() + SubproblemCount();
+uint32_t TAggregatedTemporaryChessboardRegister::ElementsBesideEntries() const {
+    return DoubtfulElementCount() + SubproblemCount();
 }
 
 uint32_t TAggregatedTemporaryChessboardRegister::DoubtfulElementCount() const {

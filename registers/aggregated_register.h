@@ -36,9 +36,6 @@ class TAggregatedTemporaryChessboardRegister : public TTemporaryChessboardRegist
     TAggregatedTemporaryChessboardRegister(uint32_t nCapacity, size_t nBuckets);
     ~TAggregatedTemporaryChessboardRegister() override;
 
-    // Own entries, those of every doubtfulness register, and the sub-problem entries.
-    uint32_t ElementCount() const override;
-    uint32_t ElementCountAtLeast() const override;
     virtual uint32_t DoubtfulElementCount() const;
     // Runs RemoveDoubtful for every configuration whose pin count is 0; returns the sum removed.
     virtual uint32_t RemoveAllUnpinnedDoubtful();
@@ -94,6 +91,8 @@ class TAggregatedTemporaryChessboardRegister : public TTemporaryChessboardRegist
     }
 
   protected:
+    // Those of every doubtfulness register and the sub-problem entries.
+    uint32_t ElementsBesideEntries() const override;
     void AddOwnedElements(int64_t nDelta) override;
 
   private:

@@ -4,7 +4,6 @@
 #include <shared_mutex>
 
 #include "core/chess_exception.h"
-#include "shared_count.h"
 
 namespace moremate {
 
@@ -15,9 +14,8 @@ TChessboardRegister<TResult>::TChessboardRegister(uint32_t nCapacity, TChessboar
 template <class TResult>
 void TChessboardRegister<TResult>::MakeRoom() {
     TChessboardRegister& owner = Owner();
-    const uint32_t nCapacity = owner.Capacity();
-    if (uint64_t{owner.ElementCountAtLeast()} + CSharedCount::kMaxUnseen < nCapacity) return;
-    if (owner.ElementCount() >= nCapacity) owner.EmptySomeDataWhenRegisterFull(false);
+    if (owner.SurelyHasRoomFor(0)) return;
+    if (owner.ElementCount() >= owner.Capacity()) owner.EmptySomeDataWhenRegisterFull(false);
 }
 
 template <class TResult>

@@ -12,6 +12,7 @@
 #include "register_entry.h"
 #include "register_lock.h"
 #include "register_services.h"
+#include "shared_count.h"
 
 namespace moremate {
 
@@ -40,6 +41,10 @@ class TChessboardRegister {
     // additions): insertions look at the exact count only when this one comes that close to the
     // capacity.
     virtual uint32_t ElementCountAtLeast() const { return ElementCount(); }
+    // Whether `nMore` elements fit for certain, by that quick count alone.
+    bool SurelyHasRoomFor(uint64_t nMore) const {
+        return uint64_t{ElementCountAtLeast()} + nMore + CSharedCount::kMaxUnseen < Capacity();
+    }
     // Frees room; returns false when it refused to run.
     virtual bool EmptySomeDataWhenRegisterFull(bool bFromInsertion) = 0;
 

@@ -94,8 +94,7 @@ void TTemporaryChessboardRegister<kRemovalBounds>::MergeBatch(
     std::span<const TChessboardRegisterEntry> entries, const uint32_t* pHashes) {
     size_t i = 0;
     TChessboardRegister<bool>& owner = Owner();
-    if (uint64_t{owner.ElementCountAtLeast()} + entries.size() + CSharedCount::kMaxUnseen <
-        owner.Capacity()) {
+    if (owner.SurelyHasRoomFor(entries.size())) {
         uint32_t nAdded = 0;
         std::shared_lock lock(m_lock);
         try {

@@ -66,8 +66,8 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     // Removes the entries whose results are all small (see above); returns how many.
     virtual uint32_t RemoveNMovers(uint16_t n);
 
-    uint32_t ElementCount() const override { return EntryCount() + SubproblemCount(); }
-    uint32_t ElementCountAtLeast() const override { return EntryCountAtLeast() + SubproblemCount(); }
+    uint32_t ElementCount() const override { return EntryCount() + ElementsBesideEntries(); }
+    uint32_t ElementCountAtLeast() const override { return EntryCountAtLeast() + ElementsBesideEntries(); }
     uint32_t EntryCount() const { return m_entries.Load(); }
     // A register standing alone frees no room by itself: it refuses.
     bool EmptySomeDataWhenRegisterFull(bool) override { return false; }
@@ -111,6 +111,8 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
     void CountAdded(uint32_t nAdded = 1);
     void SubtractRemoved(uint64_t nRemoved);
     uint32_t EntryCountAtLeast() const { return m_entries.LoadAtLeast(); }
+    // The elements counted besides the table's entries.
+    virtual uint32_t ElementsBesideEntries() const { return SubproblemCount(); }
 
     TRegisterCombinedMap m_table;
 
