@@ -186,5 +186,31 @@ void BM_LookupHitPrefetched(benchmark::State& state) {
 }
 BENCHMARK(BM_LookupHitPrefetched)->Setup(PrepareFilled)->ThreadRange(1, 2)->UseRealTime();
 
+// The walks over the whole register: a census reads every entry; an emptying removes the lowest
+// level (an eighth of the entries) from a register filled anew before each run.
+void BM_Census(benchmark::State& state) {
+    const TAggregatedTemporaryChessboardRegister& reg = FilledRegister();
+    for (auto _ : state) benchmark::DoNotOptimize(reg.Census());
+    state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(kPositions));
+}
+BENCHMARK(BM_Census)->Setup(PrepareFilled)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void FillFresh(const benchmark::State& state) {
+    CreateFresh(state);
+    for (size_t i = 0; i < kPositions; ++i) g_pFresh->Insert(LevelOf(i), Positions()[i], i % 3 != 0);
+}
+
+void BM_RemoveLowestLevel(benchmark::State& state) {
+    for (auto _ : state) benchmark::DoNotOptimize(g_pFresh->RemoveNMovers(LevelOf(0)));
+    state.SetItemsProcessed(static_cast<int64_t>(kPositions));
+}
+BENCHMARK(BM_RemoveLowestLevel)
+    ->Setup(FillFresh)
+    ->Teardown(DropFresh)
+    ->Iterations(1)
+    ->Repetitions(3)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
 }  // namespace
 }  // namespace moremate

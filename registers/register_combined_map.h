@@ -154,6 +154,7 @@ class TRegisterCombinedMap {
     // entries only, and a register of a small problem in a large table is quickly gone through.
     static constexpr size_t kBucketsPerMark = 8;
     static constexpr size_t kMarksPerWord = 64;
+    static constexpr size_t kWalkAhead = 16;
 
     std::atomic<uint64_t>& BucketOf(uint32_t nHash) const { return m_pBuckets[nHash & m_nMask]; }
     void MarkInUse(size_t nBucket) {
@@ -161,14 +162,29 @@ class TRegisterCombinedMap {
         const uint64_t bit = uint64_t{1} << (nBucket / kBucketsPerMark % kMarksPerWord);
         if (!(word.load(std::memory_order_relaxed) & bit)) word.fetch_or(bit, std::memory_order_relaxed);
     }
-    // Calls `visit(word)` for the word of every bucket of the lines marked, in bucket order.
+    // Calls `visit(word)` for the word of every bucket of the lines marked, in bucket order. The
+    // first line of a bucket's entries (its count and first entry) is loaded kWalkAhead buckets
+    // before the visit, so that a walk (emptying, census, saving, freeing) waits for memory about
+    // once for many buckets instead of once for each.
     template <class FVisit>
     void ForEachBucketInUse(FVisit&& visit) const {
+        size_t pending[kWalkAhead];
+        size_t nSeen = 0;
+        ForEachBucketIndexInUse([&](size_t nBucket) {
+            if (const void* p = BucketPointer(m_pBuckets[nBucket].load(std::memory_order_relaxed)))
+                __builtin_prefetch(p, 1);
+            if (nSeen >= kWalkAhead) visit(m_pBuckets[pending[nSeen % kWalkAhead]]);
+            pending[nSeen++ % kWalkAhead] = nBucket;
+        });
+        for (size_t i = nSeen > kWalkAhead ? nSeen - kWalkAhead : 0; i < nSeen; ++i)
+            visit(m_pBuckets[pending[i % kWalkAhead]]);
+    }
+    template <class FVisit>
+    void ForEachBucketIndexInUse(FVisit&& visit) const {
         for (size_t i = 0; i < InUseWords(); ++i) {
             for (uint64_t marks = m_pInUse[i].load(std::memory_order_relaxed); marks; marks &= marks - 1) {
                 const size_t nFirst = (i * kMarksPerWord + std::countr_zero(marks)) * kBucketsPerMark;
-                for (size_t j = nFirst; j < nFirst + kBucketsPerMark && j <= m_nMask; ++j)
-                    visit(m_pBuckets[j]);
+                for (size_t j = nFirst; j < nFirst + kBucketsPerMark && j <= m_nMask; ++j) visit(j);
             }
         }
     }
