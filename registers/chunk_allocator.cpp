@@ -5,6 +5,7 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <bit>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
@@ -20,30 +21,41 @@
 namespace moremate {
 namespace {
 
-// A chunk of units starts with its header; its units follow, handed out first from the free
-// list, then from the part never used. A chunk of one large block has no size class and holds
-// the block's size.
+// A chunk of units starts with its header, then a bit for each unit, set while the unit is free
+// after use; its units follow, handed out first from those marked free (the lowest first), then
+// from the part never used. The allocator never reads or writes the units themselves: handing
+// out a unit freed long ago costs no wait for its memory. A chunk of one large block has no size
+// class and holds the block's size.
 struct TChunk {
     void* pClass = nullptr;   // the CChunkAllocator::TSizeClass; null for a large block
     TChunk* pNext = nullptr;  // in the list of chunks with free units
     TChunk* pPrev = nullptr;
     TChunk* pNextOfAll = nullptr;  // in the list of all chunks of the class
     TChunk* pPrevOfAll = nullptr;
-    void* pFree = nullptr;  // freed units, linked through their first bytes
+    size_t nMarked = 0;     // units marked free
+    size_t nFirstWord = 0;  // no mark lies in the words of the bits before this one
     uint8_t* pFresh = nullptr;
     size_t nUsed = 0;  // units in use; the block's size for a large block
 };
 
-constexpr size_t kHeaderSize = (sizeof(TChunk) + 63) / 64 * 64;
 constexpr size_t kChunkSize = CChunkAllocator::kChunkSize;
+// The header of a large block; a size class's chunks have the free marks beside.
+constexpr size_t kHeaderSize = (sizeof(TChunk) + 63) / 64 * 64;
 // Sizes with fewer units per chunk are not cached: a thread would hold too much memory of them.
 constexpr size_t kCachedMinUnitsPerChunk = 1024;
 
 TChunk* ChunkOf(void* p) {
     return reinterpret_cast<TChunk*>(reinterpret_cast<uintptr_t>(p) & ~(kChunkSize - 1));
 }
-uint8_t* UnitsOf(TChunk* pChunk) {
-    return reinterpret_cast<uint8_t*>(pChunk) + kHeaderSize;
+uint8_t* UnitsOf(TChunk* pChunk, size_t nHeaderSize = kHeaderSize) {
+    return reinterpret_cast<uint8_t*>(pChunk) + nHeaderSize;
+}
+uint64_t* MarksOf(TChunk* pChunk) {
+    return reinterpret_cast<uint64_t*>(pChunk + 1);
+}
+// The words of free marks for units of `nUnitSize`, enough for a chunk without header.
+constexpr size_t MarkWords(size_t nUnitSize) {
+    return (kChunkSize / nUnitSize + 63) / 64;
 }
 
 // Null when the system has no memory.
@@ -139,6 +151,7 @@ struct CChunkAllocator::TSizeClass {
     bool bCached = false;       // served through the threads' caches
     bool bFromReserve = false;  // new chunks taken from the reserve when one is ready
     size_t nUnitsPerChunk = 0;
+    size_t nHeaderSize = 0;  // the chunk's header with the free marks
     mutable std::mutex mutex;
     TChunk* pPartial = nullptr;  // chunks with a free unit and one in use at least
     TChunk* pAll = nullptr;
@@ -178,9 +191,11 @@ struct CChunkAllocator::TSizeClass {
             pChunk = pUnused;
             pUnused = pChunk->pNext;
             --nUnused;
-            pChunk->pFree = nullptr;
         }
-        pChunk->pFresh = UnitsOf(pChunk);
+        pChunk->nMarked = 0;
+        pChunk->nFirstWord = 0;
+        std::memset(MarksOf(pChunk), 0, MarkWords(nUnitSize) * sizeof(uint64_t));
+        pChunk->pFresh = UnitsOf(pChunk, nHeaderSize);
         Link(pChunk);
     }
 
@@ -198,9 +213,9 @@ struct CChunkAllocator::TSizeClass {
     void* AllocateLocked() {
         if (!pPartial) AddChunk();
         TChunk* pChunk = pPartial;
-        void* p = pChunk->pFree;
-        if (p) {
-            std::memcpy(&pChunk->pFree, p, sizeof(void*));
+        void* p;
+        if (pChunk->nMarked) {
+            p = TakeMarked(pChunk);
         } else {
             p = pChunk->pFresh;
             pChunk->pFresh += nUnitSize;
@@ -209,6 +224,16 @@ struct CChunkAllocator::TSizeClass {
         --nFreeUnits;
         return p;
     }
+    // The lowest unit marked free; there is one.
+    void* TakeMarked(TChunk* pChunk) {
+        uint64_t* pMarks = MarksOf(pChunk);
+        while (pMarks[pChunk->nFirstWord] == 0) ++pChunk->nFirstWord;
+        uint64_t& word = pMarks[pChunk->nFirstWord];
+        const size_t nUnit = pChunk->nFirstWord * 64 + static_cast<size_t>(std::countr_zero(word));
+        word &= word - 1;
+        --pChunk->nMarked;
+        return UnitsOf(pChunk, nHeaderSize) + nUnit * nUnitSize;
+    }
 
     void FreeMany(void* const* pUnits, size_t nUnits) {
         std::lock_guard lock(mutex);
@@ -216,8 +241,11 @@ struct CChunkAllocator::TSizeClass {
     }
     void FreeLocked(void* p) {
         TChunk* pChunk = ChunkOf(p);
-        std::memcpy(p, &pChunk->pFree, sizeof(void*));
-        pChunk->pFree = p;
+        const auto nOffset = static_cast<uint32_t>(static_cast<uint8_t*>(p) - UnitsOf(pChunk, nHeaderSize));
+        const size_t nUnit = nOffset / static_cast<uint32_t>(nUnitSize);
+        MarksOf(pChunk)[nUnit / 64] |= uint64_t{1} << (nUnit % 64);
+        pChunk->nFirstWord = std::min(pChunk->nFirstWord, nUnit / 64);
+        ++pChunk->nMarked;
         if (pChunk->nUsed-- == nUnitsPerChunk) Link(pChunk);
         ++nFreeUnits;
         if (pChunk->nUsed > 0) return;
@@ -284,7 +312,8 @@ CChunkAllocator::CChunkAllocator(const std::array<size_t, kUnitSizeCount>& unitS
         TSizeClass& sizeClass = m_pClasses[i];
         sizeClass.nIndex = i;
         sizeClass.nUnitSize = unitSizes[i];
-        sizeClass.nUnitsPerChunk = (kChunkSize - kHeaderSize) / unitSizes[i];
+        sizeClass.nHeaderSize = (sizeof(TChunk) + MarkWords(unitSizes[i]) * sizeof(uint64_t) + 63) / 64 * 64;
+        sizeClass.nUnitsPerChunk = (kChunkSize - sizeClass.nHeaderSize) / unitSizes[i];
         sizeClass.bCached = bThreadCaches && sizeClass.nUnitsPerChunk >= kCachedMinUnitsPerChunk;
         sizeClass.bFromReserve = bThreadCaches;
     }

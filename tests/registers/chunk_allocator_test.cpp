@@ -2,7 +2,9 @@
 // resizing keeps the contents, and the statistics report counts it all.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <random>
 #include <set>
 #include <thread>
 #include <vector>
@@ -42,9 +44,31 @@ TEST(RegisterChunkAllocator, UnitsAreDistinctAndReused) {
     EXPECT_EQ(s.nChunks, 2u);
     EXPECT_EQ(s.nUnusedChunks, 2u);
     EXPECT_EQ(s.nFreeUnits, s.nUnits);
-    EXPECT_EQ(reinterpret_cast<uintptr_t>(allocator.Allocate(4000)) & (CChunkAllocator::kChunkSize - 1), 64u);
+    // The first unit of a chunk, right after its header.
+    EXPECT_LT(reinterpret_cast<uintptr_t>(allocator.Allocate(4000)) & (CChunkAllocator::kChunkSize - 1), 4096u);
     EXPECT_EQ(allocator.Statistics().nUnusedChunks, 1u);  // a waiting chunk was taken
     EXPECT_EQ(allocator.Statistics().nChunks, 2u);
+}
+
+// Freed units come back lowest first, over many words of a chunk's free marks and whatever the
+// order they were freed in, and never while still in use.
+TEST(RegisterChunkAllocator, FreedUnitsComeBackLowestFirst) {
+    CChunkAllocator allocator(kSizes);
+    std::vector<void*> units;
+    for (int i = 0; i < 1'000; ++i) units.push_back(allocator.Allocate(16));
+    std::vector<void*> freed;
+    for (size_t i = units.size(); i-- > 0;) {
+        if (i % 3 == 0 || i % 64 == 63) freed.push_back(units[i]);
+    }
+    std::shuffle(freed.begin(), freed.end(), std::mt19937(3));
+    for (void* p : freed) allocator.Free(p);
+    std::sort(freed.begin(), freed.end());
+    std::vector<void*> again;
+    for (size_t i = 0; i < freed.size(); ++i) again.push_back(allocator.Allocate(16));
+    EXPECT_EQ(again, freed);
+    const std::set<void*> distinct(units.begin(), units.end());
+    EXPECT_EQ(distinct.size(), units.size());
+    EXPECT_EQ(distinct.count(allocator.Allocate(16)), 0u);  // the next one is fresh
 }
 
 // Chunks emptied (a register destroyed at the end of a problem) all wait for the next
