@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::array<size_t, CChunkAllocator::kUnitSizeCount> kSizes = {
     16, 32, 48, 64, 256, 1024, 4096, 8192, 16384, 32768, 65536, 131072, 262144};
-constexpr size_t kUnitsOf4096 = (CChunkAllocator::kChunkSize - 64) / 4096;  // 255
+constexpr size_t kUnitsOf4096 = CChunkAllocator::kChunkSize / 4096 - 1;  // 511 after the chunk's header
 
 TEST(RegisterChunkAllocator, UnitsAreDistinctAndReused) {
     CChunkAllocator allocator(kSizes);
@@ -45,7 +45,8 @@ TEST(RegisterChunkAllocator, UnitsAreDistinctAndReused) {
     EXPECT_EQ(s.nUnusedChunks, 2u);
     EXPECT_EQ(s.nFreeUnits, s.nUnits);
     // The first unit of a chunk, right after its header.
-    EXPECT_LT(reinterpret_cast<uintptr_t>(allocator.Allocate(4000)) & (CChunkAllocator::kChunkSize - 1), 4096u);
+    EXPECT_LT(reinterpret_cast<uintptr_t>(allocator.Allocate(4000)) & (CChunkAllocator::kChunkSize - 1),
+              4096u);
     EXPECT_EQ(allocator.Statistics().nUnusedChunks, 1u);  // a waiting chunk was taken
     EXPECT_EQ(allocator.Statistics().nChunks, 2u);
 }
