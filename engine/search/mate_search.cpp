@@ -3,6 +3,7 @@
 #include <cstring>
 #include <optional>
 
+#include "children_ahead.h"
 #include "core/gives_check.h"
 #include "core/king_escape.h"
 #include "dead_position.h"
@@ -24,44 +25,6 @@ constexpr int kFewestRepliesMinHalfMoves = 5;
 // Black nodes from this many half-moves on have their children's register entries loaded ahead:
 // nearer the end the first defence mostly refutes, and a child played ahead is wasted.
 constexpr int kChildrenAheadMinMovesLeft = 4;
-
-// With a store given, plays the moves of a list ahead of the search, so that the register's
-// memory accesses overlap the search: while child i is searched, child i + 1 has its bucket and
-// entries on the way into the cache, and child i + 2, already on its board, its bucket word.
-// Without one, each child is played when it is asked for: a child played ahead is wasted when
-// its sibling settles the node, as the first defence tried mostly does near the end of a line.
-class CChildrenAhead {
-  public:
-    CChildrenAhead(const TChessboard& node, const TMoveList& moves, CPositionStore* store)
-        : m_node(node), m_moves(moves), m_pStore(store) {
-        for (int i = 0; m_pStore && i < 2 && i < moves.count; ++i) Play(i);
-    }
-    // For i = 0, 1, 2, ... in turn.
-    const TChessboard& Child(int i) {
-        if (!m_pStore) {
-            Play(i);
-            return m_children[i % 3];
-        }
-        if (i + 2 < m_moves.count) Play(i + 2);
-        if (i + 1 < m_moves.count) {
-            const TChessboard& next = m_children[(i + 1) % 3];
-            m_pStore->Prefetch(next);
-        }
-        return m_children[i % 3];
-    }
-
-  private:
-    void Play(int i) {
-        TChessboard& child = m_children[i % 3];
-        PlayMove(m_node, m_moves.moves[i], child);
-        if (m_pStore) m_pStore->PrefetchBucket(child);
-    }
-
-    const TChessboard& m_node;
-    const TMoveList& m_moves;
-    CPositionStore* m_pStore;
-    TChessboard m_children[3];
-};
 
 }  // namespace
 

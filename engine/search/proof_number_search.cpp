@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "children_ahead.h"
 #include "core/movegen.h"
 #include "dead_position.h"
 #include "move_ordering.h"
@@ -137,15 +138,16 @@ bool TProofNumberSearch::AddChildren(const TChessboard& node, size_t first, TPro
         m_children.push_back({m, PositionKey(child), {}});
         m_table.Prefetch(m_children.back().key);
     }
-    for (size_t i = first; i < m_children.size(); ++i) {
-        TChessboard child;
-        PlayMove(node, m_children[i].move, child);
-        const TProofNumbers numbers = Evaluate(child, m_children[i].key);
+    // A child's first numbers may need its register entry: played again, each a little ahead.
+    CChildrenAhead children(node, moves, m_env.store);
+    for (int i = 0; i < moves.count; ++i) {
+        TChild& entry = m_children[first + static_cast<size_t>(i)];
+        const TProofNumbers numbers = Evaluate(children.Child(i), entry.key);
         if (orNode ? numbers.Proven() : numbers.Disproven()) {
             settled = numbers;
             return false;
         }
-        m_children[i].numbers = numbers;
+        entry.numbers = numbers;
     }
     return true;
 }
