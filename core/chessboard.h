@@ -71,6 +71,15 @@ struct TChessboard {
     uint64_t Occupied() const { return With(kWhite) | With(kBlack); }
 };
 
+// Room for a board that PlayMove fills, made without clearing it first: where a board is made at
+// every node, clearing its bytes costs about as much as the move.
+struct TBoardRoom {
+    TBoardRoom() {}
+    union {
+        TChessboard board;
+    };
+};
+
 // Adds `piece` to the bit boards on the squares of `mask`, or takes it off them.
 inline void TogglePieceBits(TChessboard& board, Piece piece, uint64_t mask) {
     for (unsigned bits = piece; bits; bits &= bits - 1) board.pieceBits[std::countr_zero(bits)] ^= mask;

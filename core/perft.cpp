@@ -10,10 +10,10 @@ uint64_t Perft(const TChessboard& board, int depth) {
     TMoveList list;
     GenerateLegalMoves(board, list);
     uint64_t total = 0;
-    TChessboard child;
+    TBoardRoom child;
     for (const TMove& m : list) {
-        PlayMove(board, m, child);
-        total += Perft(child, depth - 1);
+        PlayMove(board, m, child.board);
+        total += Perft(child.board, depth - 1);
     }
     return total;
 }

@@ -22,19 +22,19 @@ class CChildrenAhead {
     const TChessboard& Child(int i) {
         if (!m_pStore) {
             Play(i);
-            return m_children[i % 3];
+            return m_children[i % 3].board;
         }
         if (i + 2 < m_moves.count) Play(i + 2);
         if (i + 1 < m_moves.count) {
-            const TChessboard& next = m_children[(i + 1) % 3];
+            const TChessboard& next = m_children[(i + 1) % 3].board;
             m_pStore->Prefetch(next);
         }
-        return m_children[i % 3];
+        return m_children[i % 3].board;
     }
 
   private:
     void Play(int i) {
-        TChessboard& child = m_children[i % 3];
+        TChessboard& child = m_children[i % 3].board;
         PlayMove(m_node, m_moves.moves[i], child);
         if (m_pStore) m_pStore->PrefetchBucket(child);
     }
@@ -42,7 +42,7 @@ class CChildrenAhead {
     const TChessboard& m_node;
     const TMoveList& m_moves;
     CPositionStore* m_pStore;
-    TChessboard m_children[3];
+    TBoardRoom m_children[3];
 };
 
 }  // namespace moremate

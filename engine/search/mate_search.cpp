@@ -41,12 +41,12 @@ bool EnPassantPossible(const TChessboard& node) {
 bool MatesInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks) {
     std::optional<CCheckSquares> checks;
     if (!onlyChecks) checks.emplace(node);
-    TChessboard child;
+    TBoardRoom child;
     for (const TMove& m : moves) {
         if (checks && !checks->Gives(node, m)) continue;
         if (KingCanStepAfter(node, m)) continue;  // most checks: no need to play them
-        PlayMove(node, m, child);
-        if (!HasLegalMove(child)) return true;
+        PlayMove(node, m, child.board);
+        if (!HasLegalMove(child.board)) return true;
     }
     return false;
 }
@@ -293,9 +293,9 @@ uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
     const bool nearEnd = node.movesLeft < kChildrenAheadMinMovesLeft;
     const TMove first = nearEnd ? RefutationToTryFirst(node, ply) : TMove{};
     if (!first.IsNull()) {
-        TChessboard child;
-        PlayMove(node, first, child);
-        const uint8_t r = AfterMove(child, ply + 1);
+        TBoardRoom child;
+        PlayMove(node, first, child.board);
+        const uint8_t r = AfterMove(child.board, ply + 1);
         if (defends(r)) return Refuted(node, ply, first, r, repetitionsBefore);
     }
     TMoveList moves;

@@ -32,9 +32,9 @@ constexpr int kMobilityPoints = 480;
 constexpr int kPointsPerReply = 12;
 
 int MobilityScore(const TChessboard& board, const TMove& m) {
-    TChessboard child;
-    PlayMove(board, m, child);
-    return std::max(0, kMobilityPoints - kPointsPerReply * CountLegalMoves(child));
+    TBoardRoom child;
+    PlayMove(board, m, child.board);
+    return std::max(0, kMobilityPoints - kPointsPerReply * CountLegalMoves(child.board));
 }
 
 }  // namespace

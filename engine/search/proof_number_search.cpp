@@ -133,9 +133,9 @@ bool TProofNumberSearch::AddChildren(const TChessboard& node, size_t first, TPro
         OrderBlackMoves(node, moves, none);
     // The children's table buckets are fetched all at once, so that their misses overlap.
     for (const TMove& m : moves) {
-        TChessboard child;
-        PlayMove(node, m, child);
-        m_children.push_back({m, PositionKey(child), {}});
+        TBoardRoom child;
+        PlayMove(node, m, child.board);
+        m_children.push_back({m, PositionKey(child.board), {}});
         m_table.Prefetch(m_children.back().key);
     }
     // A child's first numbers may need its register entry: played again, each a little ahead.
