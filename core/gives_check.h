@@ -19,6 +19,9 @@ class CCheckSquares {
     // The squares of `targets` (those of the piece on `from`, not the king) on which a move of it
     // may check: all that do and perhaps others, which Gives tells apart.
     uint64_t Candidates(const TChessboard& board, int from, uint64_t targets) const;
+    // Whether the piece on `from` stands alone on a line between a slider of the side to move and
+    // the king: any move of it off that line checks.
+    bool Uncovers(int from) const { return (m_nUncovers >> from) & 1; }
 
   private:
     int m_nKing;               // the king that would be checked

@@ -331,10 +331,9 @@ void GenerateCheckingMoves(const TChessboard& board, TMoveList& list) {
         if (checks.Gives(board, m)) list.moves[list.count++] = m;
         return true;
     };
-    // A king step can only check by uncovering a line to the other king, so it needs that line.
-    const int ours = board.KingSquare(board.ToMove()), theirs = board.KingSquare(Opponent(board.ToMove()));
+    // A king step can only check by uncovering a slider's line to the other king.
     auto candidates = [&](int from, uint64_t targets) { return checks.Candidates(board, from, targets); };
-    Generate(board, sink, g_geometry.direction[theirs][ours] >= 0, candidates);
+    Generate(board, sink, checks.Uncovers(board.KingSquare(board.ToMove())), candidates);
 }
 
 bool IsLegalMove(const TChessboard& board, const TMove& move) {
