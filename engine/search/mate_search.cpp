@@ -41,10 +41,12 @@ bool EnPassantPossible(const TChessboard& node) {
 bool MatesInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks) {
     std::optional<CCheckSquares> checks;
     if (!onlyChecks) checks.emplace(node);
+    std::optional<CKingFlights> flights;  // made for the first check
     TBoardRoom child;
     for (const TMove& m : moves) {
         if (checks && !checks->Gives(node, m)) continue;
-        if (KingCanStepAfter(node, m)) continue;  // most checks: no need to play them
+        if (!flights) flights.emplace(node);
+        if (flights->CanStepAfter(node, m)) continue;  // most checks: no need to play them
         PlayMove(node, m, child.board);
         if (!HasLegalMove(child.board)) return true;
     }

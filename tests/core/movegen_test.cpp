@@ -223,7 +223,7 @@ TEST(LegalMoves, ASiblingsMoveIsLegalExactlyWhenGenerated) {
     EXPECT_GT(tried, 100000);
 }
 
-// The quick answer against the position played: the king of the side not to move has a step (not
+// The quick answers against the position played: the king of the side not to move has a step (not
 // castling) after every move but castling and en passant exactly when the quick answer says so.
 TEST(KingEscape, AgreesWithTheKingsMovesInThePlayedPosition) {
     auto compare = [](const TChessboard& board, const TMove& m, const TChessboard& after) {
@@ -235,6 +235,8 @@ TEST(KingEscape, AgreesWithTheKingsMovesInThePlayedPosition) {
         bool step = false;
         for (const TMove& r : replies) step = step || (r.from == king && std::abs(r.to - r.from) != 2);
         ASSERT_EQ(KingCanStepAfter(board, m), step && !special)
+            << MoveToText(board, m) << " in " << WriteFen(board);
+        ASSERT_EQ(CKingFlights(board).CanStepAfter(board, m), step && !special)
             << MoveToText(board, m) << " in " << WriteFen(board);
     };
     int compared = 0;
