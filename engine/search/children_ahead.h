@@ -7,15 +7,24 @@
 
 namespace moremate {
 
+// What a search that needs nothing more of a child when it is played passes.
+struct TPlayedNothing {
+    void operator()(int, const TChessboard&) const {}
+};
+
 // With a store given, plays the moves of a list ahead of the search, so that the register's
 // memory accesses overlap the search: while child i is searched, child i + 1 has its bucket and
 // entries on the way into the cache, and child i + 2, already on its board, its bucket word.
 // Without one, each child is played when it is asked for: a child played ahead is wasted when
 // its sibling settles the node, as the first defence tried mostly does near the end of a line.
+// `onPlayed(i, child)` is called as each child is played, in the order of the list, so that a
+// search can ask for more of a child's memory as early.
+template <class FOnPlayed = TPlayedNothing>
 class CChildrenAhead {
   public:
-    CChildrenAhead(const TChessboard& node, const TMoveList& moves, CPositionStore* store)
-        : m_node(node), m_moves(moves), m_pStore(store) {
+    CChildrenAhead(const TChessboard& node, const TMoveList& moves, CPositionStore* store,
+                   FOnPlayed onPlayed = {})
+        : m_node(node), m_moves(moves), m_pStore(store), m_onPlayed(onPlayed) {
         for (int i = 0; m_pStore && i < 2 && i < moves.count; ++i) Play(i);
     }
     // For i = 0, 1, 2, ... in turn.
@@ -37,11 +46,13 @@ class CChildrenAhead {
         TChessboard& child = m_children[i % 3].board;
         PlayMove(m_node, m_moves.moves[i], child);
         if (m_pStore) m_pStore->PrefetchBucket(child);
+        m_onPlayed(i, child);
     }
 
     const TChessboard& m_node;
     const TMoveList& m_moves;
     CPositionStore* m_pStore;
+    FOnPlayed m_onPlayed;
     TBoardRoom m_children[3];
 };
 

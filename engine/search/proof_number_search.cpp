@@ -131,23 +131,22 @@ bool TProofNumberSearch::AddChildren(const TChessboard& node, size_t first, TPro
         OrderWhiteMoves(node, moves, none, false);
     else
         OrderBlackMoves(node, moves, none);
-    // The children's table buckets are fetched all at once, so that their misses overlap.
-    for (const TMove& m : moves) {
-        TBoardRoom child;
-        PlayMove(node, m, child.board);
-        m_children.push_back({m, PositionKey(child.board), {}});
+    // Each child is played once, a little ahead of its evaluation: its table bucket is asked for
+    // as it is played, its register bucket and entries (for its first numbers) as it comes nearer.
+    CChildrenAhead children(node, moves, m_env.store, [&](int i, const TChessboard& child) {
+        m_children.push_back({moves.moves[i], PositionKey(child), {}});
         m_table.Prefetch(m_children.back().key);
-    }
-    // A child's first numbers may need its register entry: played again, each a little ahead.
-    CChildrenAhead children(node, moves, m_env.store);
+    });
     for (int i = 0; i < moves.count; ++i) {
-        TChild& entry = m_children[first + static_cast<size_t>(i)];
-        const TProofNumbers numbers = Evaluate(children.Child(i), entry.key);
+        const TChessboard& child = children.Child(i);  // the list has its entry from now on
+        const size_t k = first + static_cast<size_t>(i);
+        const TPositionKey key = m_children[k].key;
+        const TProofNumbers numbers = Evaluate(child, key);
         if (orNode ? numbers.Proven() : numbers.Disproven()) {
             settled = numbers;
             return false;
         }
-        entry.numbers = numbers;
+        m_children[k].numbers = numbers;
     }
     return true;
 }
