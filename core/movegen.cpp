@@ -127,18 +127,25 @@ uint64_t CastlingTargets(const TChessboard& b, const CNodeInfo& info) {
 
 // The emitters below hand the moves to a sink, which answers false to stop the generation, in
 // the generator's fixed order: the search tries equal moves in the order they come.
+// Both stop looking once every target is handed out: a narrowed mask has few.
 template <typename Sink>
 bool JumpMoves(const CJumps& jumps, int from, uint64_t targets, Sink& sink) {
-    for (int i = 0; i < jumps.count; ++i)
-        if (((targets >> jumps.squares[i]) & 1) && !sink(from, jumps.squares[i], 0)) return false;
+    for (int i = 0; targets && i < jumps.count; ++i) {
+        const int to = jumps.squares[i];
+        if (!((targets >> to) & 1)) continue;
+        targets ^= Bit(to);
+        if (!sink(from, to, 0)) return false;
+    }
     return true;
 }
 
 // Ray by ray, outward from the piece.
 template <typename Sink>
 bool RayMoves(int from, int firstDir, int lastDir, uint64_t targets, Sink& sink) {
-    for (int d = firstDir; d <= lastDir; ++d) {
-        for (uint64_t on = targets & g_geometry.rayMask[from][d]; on;) {
+    for (int d = firstDir; targets && d <= lastDir; ++d) {
+        const uint64_t ray = targets & g_geometry.rayMask[from][d];
+        targets ^= ray;
+        for (uint64_t on = ray; on;) {
             const int to = RayRunsUp(d) ? std::countr_zero(on) : 63 - std::countl_zero(on);
             on ^= Bit(to);
             if (!sink(from, to, 0)) return false;
