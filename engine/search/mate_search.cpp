@@ -1,10 +1,8 @@
 #include "mate_search.h"
 
 #include <cstring>
-#include <optional>
 
 #include "children_ahead.h"
-#include "core/gives_check.h"
 #include "core/king_escape.h"
 #include "dead_position.h"
 #include "engine/state/run_control.h"
@@ -38,15 +36,12 @@ bool EnPassantPossible(const TChessboard& node) {
            (file < 7 && node.squares[pawnSquare + 1] == ours);
 }
 
-bool MatesInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks) {
-    std::optional<CCheckSquares> checks;
-    if (!onlyChecks) checks.emplace(node);
-    std::optional<CKingFlights> flights;  // made for the first check
+bool MatesInOne(const TChessboard& node, const TMoveList& checks) {
+    if (checks.count == 0) return false;
+    const CKingFlights flights(node);
     TBoardRoom child;
-    for (const TMove& m : moves) {
-        if (checks && !checks->Gives(node, m)) continue;
-        if (!flights) flights.emplace(node);
-        if (flights->CanStepAfter(node, m)) continue;  // most checks: no need to play them
+    for (const TMove& m : checks) {
+        if (flights.CanStepAfter(node, m)) continue;  // most checks: no need to play them
         PlayMove(node, m, child.board);
         if (!HasLegalMove(child.board)) return true;
     }
@@ -56,7 +51,7 @@ bool MatesInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks
 bool HasMateInOne(const TChessboard& node) {
     TMoveList checks;
     GenerateCheckingMoves(node, checks);
-    return MatesInOne(node, checks, true);
+    return MatesInOne(node, checks);
 }
 
 bool SamePosition(const TChessboard& a, const TChessboard& b) {
@@ -189,11 +184,12 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     }
     GenerateLegalMoves(node, moves);
     bool doubtful = Filtered(node, moves);
-    OrderWhiteMoves(node, moves, m_killers[ply], false, n >= kFewestRepliesMinHalfMoves);
+    TMoveList checks;  // the mate in one is looked for among these
+    OrderWhiteMoves(node, moves, m_killers[ply], false, n >= kFewestRepliesMinHalfMoves, &checks);
     if (m_env.scheduler) m_env.scheduler->AtWhiteNode(node, moves);
     const uint64_t repetitionsBefore = m_nRepetitions;
     for (int k = 1; k <= n; k += 2) {
-        const uint8_t r = WhiteWithin(node, moves, k, ply);
+        const uint8_t r = WhiteWithin(node, moves, checks, k, ply);
         if (r == kMate) {
             if (stored) m_env.store->Store(node, k, kMate);
             if (k < n && QuickerMateAllowed(n, ply) && m_env.log)
@@ -208,8 +204,9 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     return result;
 }
 
-uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply) {
-    if (halfMoves == 1) return MatesInOne(node, moves, false) ? kMate : kNoMate;
+uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, const TMoveList& checks,
+                                 int halfMoves, int ply) {
+    if (halfMoves == 1) return MatesInOne(node, checks) ? kMate : kNoMate;
     bool doubtful = false;
     TChessboard within = node;
     within.movesLeft = static_cast<int16_t>(halfMoves);

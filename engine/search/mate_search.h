@@ -80,7 +80,9 @@ class TMateSearch {
   private:
     uint8_t Node(const TChessboard& node, int ply);
     uint8_t WhiteNode(const TChessboard& node, int ply);
-    uint8_t WhiteWithin(const TChessboard& node, TMoveList& moves, int halfMoves, int ply);
+    // Whether one of `moves` (of which `checks` are the checking ones) mates within `halfMoves`.
+    uint8_t WhiteWithin(const TChessboard& node, TMoveList& moves, const TMoveList& checks, int halfMoves,
+                        int ply);
     uint8_t BlackNode(const TChessboard& node, int ply);
     // A Black node settled before its defences are generated (register, rules, repetition), or
     // kUnknownResult.
@@ -113,9 +115,8 @@ class TMateSearch {
 // Whether the register may hold results for this position: its 64 squares must say all, so
 // positions whose castling or en passant chances differ from what the squares suggest are left out.
 bool SquaresTellAll(const TChessboard& node);
-// Whether one of `moves` mates at once; `onlyChecks`: the list holds checking moves only, so the
-// check test can be skipped.
-bool MatesInOne(const TChessboard& node, const TMoveList& moves, bool onlyChecks);
+// Whether one of `checks`, checking moves of `node`, mates at once.
+bool MatesInOne(const TChessboard& node, const TMoveList& checks);
 // Whether White, to move in `node`, mates at once: only checks are generated and tried.
 bool HasMateInOne(const TChessboard& node);
 // Whether the side to move can capture en passant (the square passed over is `epSquare`).

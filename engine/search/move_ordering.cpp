@@ -66,17 +66,18 @@ void SortByScore(TMoveList& list, int* score) {
     for (int k = 0; k < nSmall; ++k) list.moves[next[smallScore[k]]++] = small[k];
 }
 
-int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
-                    bool fewestRepliesFirst) {
+void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
+                     bool fewestRepliesFirst, TMoveList* checks) {
     int score[256];
-    int kept = 0, checks = 0;
+    int kept = 0;
+    if (checks) checks->count = 0;
     const int blackKing = board.BlackKingSquare();
     const CCheckSquares checkSquares(board);
     for (int i = 0; i < list.count; ++i) {
         const TMove m = list.moves[i];
         const bool check = checkSquares.Gives(board, m);
         if (checksOnly && !check) continue;
-        checks += check;
+        if (checks && check) checks->moves[checks->count++] = m;
         const int victim = MaterialValue(TypeOf(board.squares[m.to]));
         int s = killers.Rank(m) * 10000 + (check ? 1000 : 0) + victim * 50 +
                 (m.PromotedType() == kQueen ? 300 : 0);
@@ -87,7 +88,6 @@ int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMove
     }
     list.count = kept;
     SortByScore(list, score);
-    return checks;
 }
 
 void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers) {

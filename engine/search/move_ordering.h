@@ -26,9 +26,10 @@ struct TKillerMoves {
 // that come near the Black king. With `checksOnly` non-checking moves are dropped (a mate in
 // one is always a check). With `fewestRepliesFirst`, moves that leave Black fewer replies rank
 // higher within each group (each move is played and Black's replies counted: worth it only far
-// from the end of a line). Returns how many moves of `list` are checks.
-int OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
-                    bool fewestRepliesFirst = false);
+// from the end of a line). With `checks` given, the checking moves are put there as well (in the
+// order generated), for a mate-in-one test that then needs no check test of its own.
+void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
+                     bool fewestRepliesFirst = false, TMoveList* checks = nullptr);
 
 // Black's defences: killers (refutations of sibling lines), captures, king moves, the rest.
 void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers);
