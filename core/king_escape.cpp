@@ -26,8 +26,9 @@ uint64_t AttacksFrom(uint8_t type, uint8_t colour, int sq, uint64_t occupied) {
     }
 }
 
-// Of the squares of `region`, those that the pieces of `colour` on `pieces` attack when `occupied`
-// stands on the board. Sliders are asked only when their lines can reach the region.
+}  // namespace
+
+// Sliders are asked only when their lines can reach the region.
 uint64_t AttacksOnRegion(const TChessboard& board, uint8_t colour, uint64_t pieces, uint64_t occupied,
                          uint64_t region) {
     const uint64_t pawns = pieces & board.With(kPawn);
@@ -46,8 +47,6 @@ uint64_t AttacksOnRegion(const TChessboard& board, uint8_t colour, uint64_t piec
     }
     return attacked & region;
 }
-
-}  // namespace
 
 bool KingCanStepAfter(const TChessboard& board, const TMove& move) {
     const Piece piece = board.squares[move.from];
@@ -69,40 +68,6 @@ bool KingCanStepAfter(const TChessboard& board, const TMove& move) {
     const uint64_t attacked =
         AttacksOnRegion(board, us, others, occupied, steps) | AttacksFrom(movedType, us, move.to, occupied);
     return (steps & ~attacked) != 0;
-}
-
-CKingFlights::CKingFlights(const TChessboard& board) {
-    const uint8_t us = board.ToMove();
-    m_nKing = board.KingSquare(Opponent(us));
-    const uint64_t around = g_geometry.kingMask[m_nKing];
-    const uint64_t occupied = board.Occupied() & ~Bit(m_nKing);
-    m_nUnattacked = around & ~AttacksOnRegion(board, us, board.With(us), occupied, around);
-    m_nLineSliders = board.With(us) & board.With(kRook);
-    m_nDiagonalSliders = board.With(us) & board.With(kBishop);
-}
-
-// A square next to the king that nobody attacked before the move stays free after it unless the
-// moved piece attacks it from where it lands, or a slider attacks it through the square the piece
-// left (the piece landing somewhere only blocks lines, and a capture takes no attacker away).
-bool CKingFlights::CanStepAfter(const TChessboard& board, const TMove& move) const {
-    const uint8_t us = board.ToMove(), them = Opponent(us);
-    const uint64_t to = Bit(move.to);
-    const uint64_t free = m_nUnattacked & ~(board.With(them) & ~to);
-    const Piece piece = board.squares[move.from];
-    const uint8_t type = TypeOf(piece);
-    const bool special =
-        (type == kKing && std::abs(move.to - move.from) == 2) || (type == kPawn && move.to == board.epSquare);
-    if (free && !special) {
-        const uint64_t occupied = ((board.Occupied() & ~Bit(move.from)) | to) & ~Bit(m_nKing);
-        const uint64_t others = ~Bit(move.from);
-        uint64_t covered =
-            AttacksFrom(move.PromotedType() ? move.PromotedType() : type, us, move.to, occupied);
-        if (m_nLineSliders & others & g_geometry.lines[move.from]) covered |= g_geometry.lines[move.from];
-        if (m_nDiagonalSliders & others & g_geometry.diagonals[move.from])
-            covered |= g_geometry.diagonals[move.from];
-        if (free & ~covered) return true;
-    }
-    return KingCanStepAfter(board, move);
 }
 
 }  // namespace moremate

@@ -12,20 +12,9 @@ namespace moremate {
 // and en passant (two pieces move), which are left to the full test.
 bool KingCanStepAfter(const TChessboard& board, const TMove& move);
 
-// The same answer for many moves of one position. The squares next to the king that no enemy
-// piece attacks before the move are worked out once; a move leaves the king one of them unless
-// the moved piece, or a line its leaving opens, can cover it, and only then is KingCanStepAfter
-// asked.
-class CKingFlights {
-  public:
-    explicit CKingFlights(const TChessboard& board);
-    bool CanStepAfter(const TChessboard& board, const TMove& move) const;
-
-  private:
-    int m_nKing;                  // the king of the side not to move
-    uint64_t m_nUnattacked;       // squares next to it that no enemy piece attacks
-    uint64_t m_nLineSliders;      // the enemy's rooks and queens
-    uint64_t m_nDiagonalSliders;  // and its bishops and queens
-};
+// Of the squares of `region`, those that the pieces of `colour` on `pieces` attack when `occupied`
+// stands on the board.
+uint64_t AttacksOnRegion(const TChessboard& board, uint8_t colour, uint64_t pieces, uint64_t occupied,
+                         uint64_t region);
 
 }  // namespace moremate

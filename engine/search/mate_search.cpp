@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "children_ahead.h"
-#include "core/king_escape.h"
+#include "core/king_flights.h"
 #include "dead_position.h"
 #include "engine/state/run_control.h"
 #include "position_repetition.h"

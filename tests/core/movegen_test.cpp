@@ -10,6 +10,7 @@
 #include "core/fen.h"
 #include "core/gives_check.h"
 #include "core/king_escape.h"
+#include "core/king_flights.h"
 #include "core/notation.h"
 #include "core/occupancy.h"
 #include "core/perft.h"
