@@ -14,7 +14,9 @@ struct TPlayedNothing {
 
 // With a store given, plays the moves of a list ahead of the search, so that the register's
 // memory accesses overlap the search: while child i is searched, child i + 1 has its bucket and
-// entries on the way into the cache, and child i + 2, already on its board, its bucket word.
+// entries on the way into the cache, and children i + 2 and i + 3, already on their boards, their
+// bucket words. Near the end of a line a child is searched in a few hundred instructions (mostly
+// a register hit), too few for a bucket word asked for only one child ahead.
 // Without one, each child is played when it is asked for: a child played ahead is wasted when
 // its sibling settles the node, as the first defence tried mostly does near the end of a line.
 // `onPlayed(i, child)` is called as each child is played, in the order of the list, so that a
@@ -25,25 +27,25 @@ class CChildrenAhead {
     CChildrenAhead(const TChessboard& node, const TMoveList& moves, CPositionStore* store,
                    FOnPlayed onPlayed = {})
         : m_node(node), m_moves(moves), m_pStore(store), m_onPlayed(onPlayed) {
-        for (int i = 0; m_pStore && i < 2 && i < moves.count; ++i) Play(i);
+        for (int i = 0; m_pStore && i < kPlayedAhead && i < moves.count; ++i) Play(i);
     }
     // For i = 0, 1, 2, ... in turn.
     const TChessboard& Child(int i) {
         if (!m_pStore) {
             Play(i);
-            return m_children[i % 3].board;
+            return m_children[i % kRing].board;
         }
-        if (i + 2 < m_moves.count) Play(i + 2);
+        if (i + kPlayedAhead < m_moves.count) Play(i + kPlayedAhead);
         if (i + 1 < m_moves.count) {
-            const TChessboard& next = m_children[(i + 1) % 3].board;
+            const TChessboard& next = m_children[(i + 1) % kRing].board;
             m_pStore->Prefetch(next);
         }
-        return m_children[i % 3].board;
+        return m_children[i % kRing].board;
     }
 
   private:
     void Play(int i) {
-        TChessboard& child = m_children[i % 3].board;
+        TChessboard& child = m_children[i % kRing].board;
         PlayMove(m_node, m_moves.moves[i], child);
         if (m_pStore) m_pStore->PrefetchBucket(child);
         m_onPlayed(i, child);
@@ -53,7 +55,9 @@ class CChildrenAhead {
     const TMoveList& m_moves;
     CPositionStore* m_pStore;
     FOnPlayed m_onPlayed;
-    TBoardRoom m_children[3];
+    static constexpr int kPlayedAhead = 3;
+    static constexpr int kRing = kPlayedAhead + 1;
+    TBoardRoom m_children[kRing];
 };
 
 }  // namespace moremate
