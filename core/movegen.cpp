@@ -172,9 +172,15 @@ bool PawnMoves(const TChessboard& b, const CNodeInfo& info, int from, uint64_t t
     return true;
 }
 
-// `narrow` may take squares off a piece's target mask before its moves are handed out.
+// `narrow` may take squares off a piece's target mask before its moves are handed out; it must
+// keep a square of a mask exactly when it keeps it of any mask. A slider's squares are narrowed
+// on an empty board first: where nothing is left its attacks need no look-up at all.
 template <typename Sink, typename Narrow>
 bool PieceMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sink, const Narrow& narrow) {
+    auto slide = [&](int firstDir, int lastDir, uint64_t reach, auto attacks) {
+        const uint64_t wanted = narrow(from, reach & Open(info, from));
+        return !wanted || RayMoves(from, firstDir, lastDir, wanted & attacks(), sink);
+    };
     switch (TypeOf(b.squares[from])) {
         case kPawn:
             return PawnMoves(b, info, from, narrow(from, PawnTargets(b, info, from)), sink);
@@ -182,17 +188,15 @@ bool PieceMoves(const TChessboard& b, const CNodeInfo& info, int from, Sink& sin
             return JumpMoves(g_geometry.knight[from], from,
                              narrow(from, g_geometry.knightMask[from] & Open(info, from)), sink);
         case kBishop:
-            return RayMoves(from, kNorthEast, kSouthWest,
-                            narrow(from, DiagonalAttacks(info.occupied, from) & Open(info, from)), sink);
+            return slide(kNorthEast, kSouthWest, g_geometry.diagonals[from],
+                         [&] { return DiagonalAttacks(info.occupied, from); });
         case kRook:
-            return RayMoves(from, kNorth, kWest,
-                            narrow(from, LineAttacks(info.occupied, from) & Open(info, from)), sink);
+            return slide(kNorth, kWest, g_geometry.lines[from],
+                         [&] { return LineAttacks(info.occupied, from); });
         default:
-            return RayMoves(
-                from, kNorth, kSouthWest,
-                narrow(from, (DiagonalAttacks(info.occupied, from) | LineAttacks(info.occupied, from)) &
-                                 Open(info, from)),
-                sink);
+            return slide(kNorth, kSouthWest, g_geometry.diagonals[from] | g_geometry.lines[from], [&] {
+                return DiagonalAttacks(info.occupied, from) | LineAttacks(info.occupied, from);
+            });
     }
 }
 
