@@ -11,10 +11,6 @@ namespace {
 // The squares a piece of `type` and `colour` on `sq` attacks when `occupied` stands on the board.
 uint64_t AttacksFrom(uint8_t type, uint8_t colour, int sq, uint64_t occupied) {
     switch (type) {
-        case kPawn:
-            return g_geometry.pawnCaptures[SideIndex(colour)][sq];
-        case kKnight:
-            return g_geometry.knightMask[sq];
         case kBishop:
             return DiagonalAttacks(occupied, sq);
         case kRook:
@@ -22,7 +18,7 @@ uint64_t AttacksFrom(uint8_t type, uint8_t colour, int sq, uint64_t occupied) {
         case kQueen:
             return DiagonalAttacks(occupied, sq) | LineAttacks(occupied, sq);
         default:
-            return g_geometry.kingMask[sq];
+            return ReachFrom(type, colour, sq);
     }
 }
 

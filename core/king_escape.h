@@ -4,6 +4,7 @@
 #pragma once
 
 #include "chessboard.h"
+#include "occupancy.h"
 
 namespace moremate {
 
@@ -11,6 +12,24 @@ namespace moremate {
 // square no enemy piece attacks: the move does not mate. False when it has none, and for castling
 // and en passant (two pieces move), which are left to the full test.
 bool KingCanStepAfter(const TChessboard& board, const TMove& move);
+
+// The squares a piece of `type` and `colour` on `sq` attacks on an empty board.
+inline uint64_t ReachFrom(uint8_t type, uint8_t colour, int sq) {
+    switch (type) {
+        case kPawn:
+            return g_geometry.pawnCaptures[SideIndex(colour)][sq];
+        case kKnight:
+            return g_geometry.knightMask[sq];
+        case kBishop:
+            return g_geometry.diagonals[sq];
+        case kRook:
+            return g_geometry.lines[sq];
+        case kQueen:
+            return g_geometry.diagonals[sq] | g_geometry.lines[sq];
+        default:
+            return g_geometry.kingMask[sq];
+    }
+}
 
 // Of the squares of `region`, those that the pieces of `colour` on `pieces` attack when `occupied`
 // stands on the board.

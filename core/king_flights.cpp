@@ -6,27 +6,6 @@
 #include "occupancy.h"
 
 namespace moremate {
-namespace {
-
-// The squares a piece of `type` and `colour` on `sq` attacks on an empty board.
-uint64_t ReachFrom(uint8_t type, uint8_t colour, int sq) {
-    switch (type) {
-        case kPawn:
-            return g_geometry.pawnCaptures[SideIndex(colour)][sq];
-        case kKnight:
-            return g_geometry.knightMask[sq];
-        case kBishop:
-            return g_geometry.diagonals[sq];
-        case kRook:
-            return g_geometry.lines[sq];
-        case kQueen:
-            return g_geometry.diagonals[sq] | g_geometry.lines[sq];
-        default:
-            return g_geometry.kingMask[sq];
-    }
-}
-
-}  // namespace
 
 CKingFlights::CKingFlights(const TChessboard& board) {
     const uint8_t us = board.ToMove();
