@@ -1,5 +1,6 @@
 #include "king_flights.h"
 
+#include <bit>
 #include <cstdlib>
 
 #include "king_escape.h"
@@ -17,6 +18,41 @@ CKingFlights::CKingFlights(const TChessboard& board) {
     m_nUnattacked = around & ~AttacksOnRegion(board, us, board.With(us), occupied, around);
     m_nLineSliders = board.With(us) & board.With(kRook);
     m_nDiagonalSliders = board.With(us) & board.With(kBishop);
+    m_nCoverPawn = m_nCoverPromoting = m_nCoverKnight = m_nCoverBishop = m_nCoverRook = m_nCoverQueen =
+        ~uint64_t{0};
+    for (uint64_t free = m_nUnattacked & ~m_nKingsSide; free; free &= free - 1) {
+        const int sq = std::countr_zero(free);
+        const uint64_t diagonal = g_geometry.diagonals[sq], line = g_geometry.lines[sq];
+        m_nCoverPawn &= g_geometry.pawnCaptures[SideIndex(Opponent(us))][sq];
+        m_nCoverKnight &= g_geometry.knightMask[sq];
+        m_nCoverBishop &= diagonal;
+        m_nCoverRook &= line;
+        m_nCoverQueen &= diagonal | line;
+        m_nCoverPromoting &= diagonal | line | g_geometry.knightMask[sq];
+    }
+}
+
+// A move leaves a free square free unless the moved piece attacks it from where it lands or a
+// line through the square it left opens onto it (see CanStepAfter).
+uint64_t CKingFlights::Covering(const TChessboard& board, int from) const {
+    const uint64_t others = ~Bit(from);
+    if ((m_nLineSliders & others & g_geometry.lines[from]) ||
+        (m_nDiagonalSliders & others & g_geometry.diagonals[from]))
+        return ~uint64_t{0};
+    switch (TypeOf(board.squares[from])) {
+        case kPawn:
+            return RankOf(from) == (m_byMover == kWhite ? 6 : 1) ? m_nCoverPromoting : m_nCoverPawn;
+        case kKnight:
+            return m_nCoverKnight;
+        case kBishop:
+            return m_nCoverBishop;
+        case kRook:
+            return m_nCoverRook;
+        case kQueen:
+            return m_nCoverQueen;
+        default:
+            return ~uint64_t{0};
+    }
 }
 
 // A square next to the king that nobody attacked before the move stays free after it unless the

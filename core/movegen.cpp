@@ -5,6 +5,7 @@
 
 #include "attacks.h"
 #include "gives_check.h"
+#include "king_flights.h"
 #include "occupancy.h"
 #include "tables.h"
 
@@ -334,7 +335,7 @@ int CountLegalMoves(const TChessboard& board) {
     return king + CountPawnMoves(board, info) + CountPieceMoves(board, info);
 }
 
-void GenerateCheckingMoves(const TChessboard& board, TMoveList& list) {
+void GenerateCheckingMoves(const TChessboard& board, TMoveList& list, const CKingFlights* flights) {
     list.count = 0;
     const CCheckSquares checks(board);
     auto sink = [&](int from, int to, uint8_t promotion) {
@@ -343,7 +344,10 @@ void GenerateCheckingMoves(const TChessboard& board, TMoveList& list) {
         return true;
     };
     // A king step can only check by uncovering a slider's line to the other king.
-    auto candidates = [&](int from, uint64_t targets) { return checks.Candidates(board, from, targets); };
+    auto candidates = [&](int from, uint64_t targets) {
+        const uint64_t checking = checks.Candidates(board, from, targets);
+        return flights ? checking & flights->Covering(board, from) : checking;
+    };
     Generate(board, sink, checks.Uncovers(board.KingSquare(board.ToMove())), candidates);
 }
 

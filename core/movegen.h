@@ -7,6 +7,8 @@
 
 namespace moremate {
 
+class CKingFlights;
+
 struct TMoveList {
     // In an anonymous union the entries are not zeroed when a list is made (a list lives in every
     // node of the search, and its 768 bytes of zeros cost more than generating the moves); an
@@ -31,8 +33,10 @@ struct TMoveList {
 void GenerateLegalMoves(const TChessboard& board, TMoveList& list);
 // The number of legal moves, without storing them.
 int CountLegalMoves(const TChessboard& board);
-// The legal moves that give check: the only candidates for a mate in one.
-void GenerateCheckingMoves(const TChessboard& board, TMoveList& list);
+// The legal moves that give check: the only candidates for a mate in one. With `flights` (of
+// `board`), only those that may mate: the checks whose piece lands where it attacks every free
+// square next to the king (CKingFlights::Covering).
+void GenerateCheckingMoves(const TChessboard& board, TMoveList& list, const CKingFlights* flights = nullptr);
 // Whether `move` is a legal move of the side to move (a remembered move tried in another position).
 bool IsLegalMove(const TChessboard& board, const TMove& move);
 // Whether the side to move has any legal move; stops at the first one found.

@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "children_ahead.h"
-#include "core/king_flights.h"
 #include "dead_position.h"
 #include "engine/state/run_control.h"
 #include "position_repetition.h"
@@ -36,9 +35,7 @@ bool EnPassantPossible(const TChessboard& node) {
            (file < 7 && node.squares[pawnSquare + 1] == ours);
 }
 
-bool MatesInOne(const TChessboard& node, const TMoveList& checks) {
-    if (checks.count == 0) return false;
-    const CKingFlights flights(node);
+bool MatesInOne(const TChessboard& node, const TMoveList& checks, const CKingFlights& flights) {
     TBoardRoom child;
     for (const TMove& m : checks) {
         if (flights.CanStepAfter(node, m)) continue;  // most checks: no need to play them
@@ -48,10 +45,15 @@ bool MatesInOne(const TChessboard& node, const TMoveList& checks) {
     return false;
 }
 
+bool MatesInOne(const TChessboard& node, const TMoveList& checks) {
+    return checks.count > 0 && MatesInOne(node, checks, CKingFlights(node));
+}
+
 bool HasMateInOne(const TChessboard& node) {
-    TMoveList checks;
-    GenerateCheckingMoves(node, checks);
-    return MatesInOne(node, checks);
+    const CKingFlights flights(node);
+    TMoveList checks;  // only those that may mate
+    GenerateCheckingMoves(node, checks, &flights);
+    return MatesInOne(node, checks, flights);
 }
 
 bool SamePosition(const TChessboard& a, const TChessboard& b) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/chessboard.h"
+#include "core/king_flights.h"
 #include "move_ordering.h"
 #include "observed_lines.h"
 #include "position_store.h"
@@ -115,7 +116,8 @@ class TMateSearch {
 // Whether the register may hold results for this position: its 64 squares must say all, so
 // positions whose castling or en passant chances differ from what the squares suggest are left out.
 bool SquaresTellAll(const TChessboard& node);
-// Whether one of `checks`, checking moves of `node`, mates at once.
+// Whether one of `checks`, checking moves of `node`, mates at once; `flights` are node's.
+bool MatesInOne(const TChessboard& node, const TMoveList& checks, const CKingFlights& flights);
 bool MatesInOne(const TChessboard& node, const TMoveList& checks);
 // Whether White, to move in `node`, mates at once: only checks are generated and tried.
 bool HasMateInOne(const TChessboard& node);

@@ -188,6 +188,33 @@ TEST(GivesCheck, CheckingMovesAreTheLegalMovesThatCheck) {
     for (const char* fen : kTreeRoots) WalkLines(test::Board(fen), 2, compare);
 }
 
+// The checks that may mate, narrowed by the free squares next to the king, against all checks:
+// in the same order, and every check that mates among them, in every position of the lines.
+TEST(GivesCheck, ChecksThatMayMateKeepEveryMate) {
+    int mates = 0, dropped = 0;
+    auto compare = [&](const TChessboard&, const TMove&, const TChessboard& after) {
+        TMoveList checking, narrowed;
+        GenerateCheckingMoves(after, checking);
+        const CKingFlights flights(after);
+        GenerateCheckingMoves(after, narrowed, &flights);
+        int k = 0;
+        for (const TMove& m : checking) {
+            TChessboard child;
+            PlayMove(after, m, child);
+            const bool mating = !HasLegalMove(child);
+            const bool kept = k < narrowed.count && narrowed.moves[k] == m;
+            ASSERT_TRUE(kept || !mating) << MoveToText(after, m) << " in " << WriteFen(after);
+            k += kept;
+            mates += mating;
+            dropped += !kept;
+        }
+        ASSERT_EQ(k, narrowed.count) << WriteFen(after);
+    };
+    for (const char* fen : kTreeRoots) WalkLines(test::Board(fen), 3, compare);
+    EXPECT_GT(mates, 100);
+    EXPECT_GT(dropped, 10000);
+}
+
 // Tries the moves of all the children of `board` in each of them (a refutation remembered from a
 // sibling is tried so), against the child's legal moves; then the same one level down. Returns
 // how many were tried.
