@@ -257,16 +257,17 @@ TEST(ConcurrentObservedLines, PausedThreadsShowTheirWhiteLines) {
         result = Solve(request, control.StopFlag());
         done = true;
     });
-    // Held at a node of a shallow ply, a thread shows a shorter line: look a few times, well into
-    // the search, until a thread shows a whole one.
+    // Held at a node of a shallow ply, a thread shows a shorter line, and a thread between two
+    // rounds of first moves (or lending its place to the scheduler at the end of one) shows none:
+    // look a few times, well into the search, until both threads show a line and one a whole one.
     std::vector<std::vector<TObservedMove>> lines;
     bool held = false;
-    const auto whole = [&lines] {
-        return std::any_of(lines.begin(), lines.end(),
-                           [](const auto& line) { return line.size() == kMoves; });
+    const auto seen = [&lines] {
+        return lines.size() == 2 && std::any_of(lines.begin(), lines.end(),
+                                                [](const auto& line) { return line.size() == kMoves; });
     };
-    for (int look = 1; look <= 5 && !done && !whole(); ++look) {
-        while (nodes.load() < 8192u * static_cast<uint64_t>(look) && !done) std::this_thread::yield();
+    for (int look = 1; look <= 12 && !done && !seen(); ++look) {
+        while (nodes.load() < 4096u * static_cast<uint64_t>(look) && !done) std::this_thread::yield();
         control.Pause();
         while (control.HeldThreads() < 2 && !done) std::this_thread::yield();
         if (control.HeldThreads() == 2) {  // both stay held until the resume
