@@ -1,6 +1,5 @@
 #include "gives_check.h"
 
-#include <cstdlib>
 
 #include "movegen.h"
 #include "occupancy.h"
@@ -11,9 +10,7 @@ namespace {
 // Castling and en passant move two pieces, a promotion may leave the line from its new square to
 // the king through the square it left: those are played (they are rare).
 bool PlayedToSee(const TChessboard& board, const TMove& move) {
-    const Piece piece = board.squares[move.from];
-    return move.PromotedType() || (TypeOf(piece) == kKing && std::abs(move.to - move.from) == 2) ||
-           (TypeOf(piece) == kPawn && move.to == board.epSquare);
+    return move.PromotedType() || MovesTwoPieces(board, move);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #include "king_escape.h"
 
 #include <bit>
-#include <cstdlib>
 
+#include "movegen.h"
 #include "occupancy.h"
 
 namespace moremate {
@@ -45,10 +45,8 @@ uint64_t AttacksOnRegion(const TChessboard& board, uint8_t colour, uint64_t piec
 }
 
 bool KingCanStepAfter(const TChessboard& board, const TMove& move) {
-    const Piece piece = board.squares[move.from];
-    const uint8_t type = TypeOf(piece);
-    if ((type == kKing && std::abs(move.to - move.from) == 2) || (type == kPawn && move.to == board.epSquare))
-        return false;
+    if (MovesTwoPieces(board, move)) return false;
+    const uint8_t type = TypeOf(board.squares[move.from]);
     const uint8_t us = board.ToMove(), them = Opponent(us);
     const int king = board.KingSquare(them);
     const uint64_t to = Bit(move.to);

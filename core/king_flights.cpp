@@ -1,9 +1,9 @@
 #include "king_flights.h"
 
 #include <bit>
-#include <cstdlib>
 
 #include "king_escape.h"
+#include "movegen.h"
 #include "occupancy.h"
 
 namespace moremate {
@@ -32,13 +32,16 @@ CKingFlights::CKingFlights(const TChessboard& board) {
     }
 }
 
+uint64_t CKingFlights::OpenedThrough(int from) const {
+    const uint64_t others = ~Bit(from);
+    return (m_nLineSliders & others & g_geometry.lines[from] ? g_geometry.lines[from] : 0) |
+           (m_nDiagonalSliders & others & g_geometry.diagonals[from] ? g_geometry.diagonals[from] : 0);
+}
+
 // A move leaves a free square free unless the moved piece attacks it from where it lands or a
 // line through the square it left opens onto it (see CanStepAfter).
 uint64_t CKingFlights::Covering(const TChessboard& board, int from) const {
-    const uint64_t others = ~Bit(from);
-    if ((m_nLineSliders & others & g_geometry.lines[from]) ||
-        (m_nDiagonalSliders & others & g_geometry.diagonals[from]))
-        return ~uint64_t{0};
+    if (OpenedThrough(from)) return ~uint64_t{0};
     switch (TypeOf(board.squares[from])) {
         case kPawn:
             return RankOf(from) == (m_byMover == kWhite ? 6 : 1) ? m_nCoverPromoting : m_nCoverPawn;
@@ -61,16 +64,9 @@ uint64_t CKingFlights::Covering(const TChessboard& board, int from) const {
 // away). The reach on an empty board is enough here: it needs no look at the pieces between.
 bool CKingFlights::CanStepAfter(const TChessboard& board, const TMove& move) const {
     const uint64_t free = m_nUnattacked & ~(m_nKingsSide & ~Bit(move.to));
-    const uint8_t type = TypeOf(board.squares[move.from]);
-    const bool special =
-        (type == kKing && std::abs(move.to - move.from) == 2) || (type == kPawn && move.to == board.epSquare);
-    if (free && !special) {
-        uint64_t covered = ReachFrom(move.PromotedType() ? move.PromotedType() : type, m_byMover, move.to);
-        const uint64_t others = ~Bit(move.from);
-        if (m_nLineSliders & others & g_geometry.lines[move.from]) covered |= g_geometry.lines[move.from];
-        if (m_nDiagonalSliders & others & g_geometry.diagonals[move.from])
-            covered |= g_geometry.diagonals[move.from];
-        if (free & ~covered) return true;
+    if (free && !MovesTwoPieces(board, move)) {
+        const uint8_t type = move.PromotedType() ? move.PromotedType() : TypeOf(board.squares[move.from]);
+        if (free & ~(ReachFrom(type, m_byMover, move.to) | OpenedThrough(move.from))) return true;
     }
     return KingCanStepAfter(board, move);
 }

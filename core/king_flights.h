@@ -19,6 +19,10 @@ class CKingFlights {
     uint64_t Covering(const TChessboard& board, int from) const;
 
   private:
+    // The line and the diagonal through `from` where another slider of the side to move stands on
+    // them: the squares its leaving may open to a slider.
+    uint64_t OpenedThrough(int from) const;
+
     uint8_t m_byMover;            // the side to move
     uint64_t m_nKingsSide;        // the pieces of the side not to move
     uint64_t m_nUnattacked;       // squares next to it that no enemy piece attacks

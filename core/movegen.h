@@ -9,6 +9,13 @@ namespace moremate {
 
 class CKingFlights;
 
+// Castling and en passant: the moves that move or take a second piece.
+inline bool MovesTwoPieces(const TChessboard& board, const TMove& move) {
+    const uint8_t type = TypeOf(board.squares[move.from]);
+    return (type == kKing && (move.to - move.from == 2 || move.from - move.to == 2)) ||
+           (type == kPawn && move.to == board.epSquare);
+}
+
 struct TMoveList {
     // In an anonymous union the entries are not zeroed when a list is made (a list lives in every
     // node of the search, and its 768 bytes of zeros cost more than generating the moves); an

@@ -116,38 +116,14 @@ const char* BrokenRule(TChessboard& b) {
     return nullptr;
 }
 
-namespace {
-
-// The squares whose piece byte has `pieceBit`, from the eight bit boards of the piece bytes.
-uint64_t PlaneOf(const uint64_t (&planes)[8], uint8_t pieceBit) {
-    return planes[std::countr_zero(pieceBit)];
-}
-
-// Whether a piece of `colour` attacks `sq`, a slider's line told free by the squares between it
-// and `sq`: a table that stays in the cache, where the attack tables asked for the random
-// positions of a register file mostly miss it.
-bool AttackedAlongFreeLines(const uint64_t (&planes)[8], int sq, uint8_t colour, uint64_t occupied) {
-    const uint64_t theirs = PlaneOf(planes, colour);
-    const uint64_t jumpers =
-        (g_geometry.knightMask[sq] & PlaneOf(planes, kKnight)) |
-        (g_geometry.kingMask[sq] & PlaneOf(planes, kKing)) |
-        (g_geometry.pawnCaptures[SideIndex(Opponent(colour))][sq] & PlaneOf(planes, kPawn));
-    if (jumpers & theirs) return true;
-    uint64_t sliders = theirs & ((g_geometry.diagonals[sq] & PlaneOf(planes, kBishop)) |
-                                 (g_geometry.lines[sq] & PlaneOf(planes, kRook)));
-    for (; sliders; sliders &= sliders - 1)
-        if (!(g_geometry.between[sq][std::countr_zero(sliders)] & occupied)) return true;
-    return false;
-}
-
-}  // namespace
-
 // The eight bit boards of the piece bytes instead of a walk over the squares, the pawns and kings
 // told from them, and the second king's attackers asked only when the first king is attacked.
 const char* BrokenRuleOf(const uint8_t* squares) {
-    uint64_t bits[8];  // not a whole board: clearing one would cost more than the check
-    PieceBitPlanes(squares, bits);
-    const uint64_t occupied = bits[6] | bits[7];
+    TBoardRoom room;  // only the bit boards are filled and read: clearing the board would cost more
+    const TChessboard& board = room.board;
+    PieceBitPlanes(squares, room.board.pieceBits);
+    const uint64_t* bits = board.pieceBits;
+    const uint64_t occupied = board.Occupied();
     // Squares whose type bits (0 to 4) are exactly those of a pawn, or of a king.
     const uint64_t otherTypes = bits[2] | bits[3] | bits[4];
     const uint64_t pawns = bits[1] & ~bits[0] & ~otherTypes;
@@ -156,8 +132,8 @@ const char* BrokenRuleOf(const uint8_t* squares) {
     const uint64_t whiteKing = kings & bits[6] & ~bits[7];
     const uint64_t blackKing = kings & bits[7] & ~bits[6];
     if (BitCount(whiteKing) != 1 || BitCount(blackKing) != 1) return kKingCount;
-    if (AttackedAlongFreeLines(bits, std::countr_zero(whiteKing), kBlack, occupied) &&
-        AttackedAlongFreeLines(bits, std::countr_zero(blackKing), kWhite, occupied))
+    if (AttackersOf(board, std::countr_zero(whiteKing), kBlack, occupied) &&
+        AttackersOf(board, std::countr_zero(blackKing), kWhite, occupied))
         return kBothKingsAttacked;
     return nullptr;
 }
