@@ -131,7 +131,7 @@ void Build(CGeometry& g) {
         g.kingMask[sq] = AddJumps(g.king[sq], sq, kKingOffsets, 8);
         g.pawnCaptures[0][sq] = PawnCaptures(sq, 1);
         g.pawnCaptures[1][sq] = PawnCaptures(sq, -1);
-        g.castlingKeep[sq] = 0xF;
+        g.castlingKeep[sq] = kAllCastlingRights;
     }
     g.castlingKeep[MakeSquare(4, 0)] &= ~(kWhiteKingside | kWhiteQueenside);
     g.castlingKeep[MakeSquare(7, 0)] &= ~kWhiteKingside;

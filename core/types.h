@@ -96,5 +96,6 @@ enum CastlingRight : uint8_t {
     kBlackKingside = 4,
     kBlackQueenside = 8,
 };
+inline constexpr uint8_t kAllCastlingRights = 0xF;
 
 }  // namespace moremate

@@ -22,9 +22,8 @@ void CRunRegister::SetConfiguration(uint32_t heuristics, uint32_t parameters) {
     m_nConfiguration = ConfigurationKey(heuristics, parameters);
 }
 
-uint8_t CRunRegister::Lookup(const TChessboard& position, int halfMoves) {
-    const TChessboardRegisterItem item = RegisterItemOf(position);
-    const TRegisterKey key(item, position.squaresHash);
+uint8_t CRunRegister::LookupSquares(const TChessboardRegisterItem& squares, uint32_t hash, int halfMoves) {
+    const TRegisterKey key(squares, hash);
     const uint16_t n = static_cast<uint16_t>(halfMoves);
     TAggregatedTemporaryChessboardRegister& reg = For(halfMoves);
     switch (reg.Answer(n, key)) {
@@ -55,12 +54,12 @@ void CRunRegister::Store(const TChessboard& position, int halfMoves, uint8_t res
         reg.Insert(n, key, result == kMate);
 }
 
-void CRunRegister::PrefetchBucket(const TChessboard& position) {
-    For(position.movesLeft).PrefetchBucket(position.squaresHash);
+void CRunRegister::PrefetchBucket(uint32_t hash, int halfMoves) {
+    For(halfMoves).PrefetchBucket(hash);
 }
 
-void CRunRegister::Prefetch(const TChessboard& position) {
-    For(position.movesLeft).Prefetch(position.squaresHash);
+void CRunRegister::Prefetch(uint32_t hash, int halfMoves) {
+    For(halfMoves).Prefetch(hash);
 }
 
 int CRunRegister::FillPercent() const {

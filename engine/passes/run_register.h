@@ -26,10 +26,12 @@ class CRunRegister : public CPositionStore {
     // The heuristic set of the pass now running; 0 and 0 for a pass without heuristics.
     void SetConfiguration(uint32_t heuristics, uint32_t parameters);
 
-    uint8_t Lookup(const TChessboard& position, int halfMoves) override;
+    uint8_t LookupSquares(const TChessboardRegisterItem& squares, uint32_t hash, int halfMoves) override;
     void Store(const TChessboard& position, int halfMoves, uint8_t result) override;
-    void PrefetchBucket(const TChessboard& position) override;
-    void Prefetch(const TChessboard& position) override;
+    void PrefetchBucket(uint32_t hash, int halfMoves) override;
+    void Prefetch(uint32_t hash, int halfMoves) override;
+    using CPositionStore::Prefetch;
+    using CPositionStore::PrefetchBucket;
 
     int FillPercent() const;
     // The register of White-to-move positions (the one saved to files) and of Black-to-move ones.

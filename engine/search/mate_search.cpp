@@ -2,7 +2,9 @@
 
 #include <cstring>
 
+#include "child_keys_ahead.h"
 #include "children_ahead.h"
+#include "core/squares_after.h"
 #include "dead_position.h"
 #include "engine/state/run_control.h"
 #include "position_repetition.h"
@@ -62,7 +64,7 @@ bool SamePosition(const TChessboard& a, const TChessboard& b) {
 }
 
 bool SquaresTellAll(const TChessboard& node) {
-    return CastlingRights(node) == HomeCastlingRights(node.squares) && !EnPassantPossible(node);
+    return SquaresTellAll(node.castling, EnPassantPossible(node), node.squares);
 }
 
 void CountSearchNode(const TSearchEnvironment& env, uint64_t& nodes) {
@@ -124,8 +126,7 @@ bool TMateSearch::Filtered(const TChessboard& node, TMoveList& moves) {
     return reason != 0;
 }
 
-uint8_t TMateSearch::Known(const TChessboard& node, int halfMoves) {
-    const uint8_t known = m_env.store->Lookup(node, halfMoves);
+uint8_t TMateSearch::Known(uint8_t known) {
     if (known == kDoubtful) m_nDoubtReason = 0xFFFFFFFFu;
     if (known == kMate && m_env.log) m_env.log->Line("Mate found (pos.in temp.reg.)");
     return known;
@@ -174,7 +175,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     TMoveList moves;
     const bool stored = m_env.store && SquaresTellAll(node);
     if (stored) {
-        const uint8_t known = Known(node, n);
+        const uint8_t known = Known(m_env.store->Lookup(node, n));
         if (known != kUnknownResult) return known;
     }
     if (m_env.useGlobalRules && WhiteCannotMate(node)) return kNoMate;
@@ -206,18 +207,31 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     return result;
 }
 
+// Without heuristics, which ask about each child's board, the register is asked about a child
+// by the key its move gives before the move is played.
 uint8_t TMateSearch::WhiteWithin(const TChessboard& node, TMoveList& moves, const TMoveList& checks,
                                  int halfMoves, int ply) {
     if (halfMoves == 1) return MatesInOne(node, checks) ? kMate : kNoMate;
-    bool doubtful = false;
     TChessboard within = node;
     within.movesLeft = static_cast<int16_t>(halfMoves);
+    if (m_env.store && !m_env.heuristics) {
+        CChildKeysAhead keys(within, moves, *m_env.store);
+        return WhiteMoves(node, moves, halfMoves, ply,
+                          [&](int i) { return BlackChild(within, moves.moves[i], keys.Key(i), ply + 1); });
+    }
     CChildrenAhead children(within, moves, m_env.store);
+    return WhiteMoves(node, moves, halfMoves, ply,
+                      [&](int i) { return AfterMove(children.Child(i), ply + 1); });
+}
+
+template <class FResultOf>
+uint8_t TMateSearch::WhiteMoves(const TChessboard& node, const TMoveList& moves, int halfMoves, int ply,
+                                FResultOf resultOf) {
+    bool doubtful = false;
     for (int i = 0; i < moves.count; ++i) {
         const TMove& m = moves.moves[i];
-        const TChessboard& child = children.Child(i);
         m_observed.AtWhiteMove(ply, node, m);
-        const uint8_t r = AfterMove(child, ply + 1);
+        const uint8_t r = resultOf(i);
         if (r == kMate) {
             m_killers[ply].Remember(m);
             if (i >= kPoorlySortedIndex && halfMoves >= 5 && !m_env.logFolder.empty())
@@ -239,9 +253,13 @@ uint8_t TMateSearch::SettleBeforeDefences(const TChessboard& node) {
     const int m = node.movesLeft;
     if (m <= 0) return IsMate(node) ? kMate : kNoMate;
     if (m_env.store && SquaresTellAll(node)) {
-        const uint8_t known = Known(node, m);
+        const uint8_t known = Known(m_env.store->Lookup(node, m));
         if (known != kUnknownResult) return known;
     }
+    return SettleByRules(node);
+}
+
+uint8_t TMateSearch::SettleByRules(const TChessboard& node) {
     if (m_env.useGlobalRules && WhiteCannotMate(node)) return kNoMate;
     uint8_t settled;
     if (m_env.globalRegister && m_env.globalRegister->Settle(node, settled)) return settled;
@@ -286,7 +304,24 @@ uint8_t TMateSearch::Refuted(const TChessboard& node, int ply, const TMove& defe
 
 uint8_t TMateSearch::BlackNode(const TChessboard& node, int ply) {
     const uint8_t settled = SettleBeforeDefences(node);
-    if (settled != kUnknownResult) return settled;
+    return settled != kUnknownResult ? settled : Defend(node, ply);
+}
+
+// BlackNode of a White node's child, counted and asked of the register by its key before its
+// move is played: most such children near the end of a line are known there.
+uint8_t TMateSearch::BlackChild(const TChessboard& node, const TMove& move, const TChildKey& key, int ply) {
+    CountNode();
+    if (key.stored) {
+        const uint8_t known = Known(m_env.store->LookupSquares(key.squares, key.hash, node.movesLeft - 1));
+        if (known != kUnknownResult) return known;
+    }
+    TBoardRoom child;
+    PlayMove(node, move, child.board);
+    const uint8_t settled = SettleByRules(child.board);
+    return settled != kUnknownResult ? settled : Defend(child.board, ply);
+}
+
+uint8_t TMateSearch::Defend(const TChessboard& node, int ply) {
     const uint64_t repetitionsBefore = m_nRepetitions;
     const auto defends = [](uint8_t r) { return r == kNoMate || r == kRepetition || r == kDoubtful; };
     // Near the end children are played one at a time, with nothing loaded ahead for them: the

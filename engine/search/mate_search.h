@@ -25,6 +25,7 @@ struct TSearchStopped {};
 struct TSearchCancelled {};
 
 class CRunControl;
+struct TChildKey;
 
 struct TSearchEnvironment {
     CPositionStore* store = nullptr;       // the registers of the pass, or none
@@ -84,10 +85,19 @@ class TMateSearch {
     // Whether one of `moves` (of which `checks` are the checking ones) mates within `halfMoves`.
     uint8_t WhiteWithin(const TChessboard& node, TMoveList& moves, const TMoveList& checks, int halfMoves,
                         int ply);
+    // WhiteWithin's moves in turn, `resultOf(i)` the result of the i-th.
+    template <class FResultOf>
+    uint8_t WhiteMoves(const TChessboard& node, const TMoveList& moves, int halfMoves, int ply,
+                       FResultOf resultOf);
     uint8_t BlackNode(const TChessboard& node, int ply);
+    uint8_t BlackChild(const TChessboard& node, const TMove& move, const TChildKey& key, int ply);
+    // A Black node past the look-ups: its defences searched.
+    uint8_t Defend(const TChessboard& node, int ply);
     // A Black node settled before its defences are generated (register, rules, repetition), or
     // kUnknownResult.
     uint8_t SettleBeforeDefences(const TChessboard& node);
+    // The same past the register: the global rules, the global register, a repetition.
+    uint8_t SettleByRules(const TChessboard& node);
     uint8_t GenerateDefences(const TChessboard& node, int ply, TMoveList& moves, bool& doubtful);
     TMove RefutationToTryFirst(const TChessboard& node, int ply) const;
     uint8_t Refuted(const TChessboard& node, int ply, const TMove& defence, uint8_t result,
@@ -98,7 +108,8 @@ class TMateSearch {
     void Settle(const TChessboard& node, int ply, uint8_t result);
     void Log(int ply, const TChessboard& node, uint8_t result);
     bool QuickerMateAllowed(int halfMoves, int ply) const;
-    uint8_t Known(const TChessboard& node, int halfMoves);
+    // What a look-up of the register found, logged.
+    uint8_t Known(uint8_t known);
     bool Filtered(const TChessboard& node, TMoveList& moves);
     void CountNode();
 

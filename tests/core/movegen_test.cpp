@@ -14,6 +14,7 @@
 #include "core/notation.h"
 #include "core/occupancy.h"
 #include "core/perft.h"
+#include "core/squares_after.h"
 #include "core/squares_hash.h"
 #include "tests/support/positions.h"
 
@@ -170,6 +171,34 @@ TEST(GivesCheck, AgreesWithThePlayedPosition) {
     int compared = 0;
     for (const char* fen : kTreeRoots) compared += WalkLines(test::Board(fen), 3, compare);
     EXPECT_GT(compared, 100000);
+}
+
+// The piece bytes and hash worked out from the move alone against the position played, and
+// whether they tell the whole position: captures, promotions, castling (rights lost by king, rook
+// and a rook taken), double steps beside a pawn that may take en passant and en passant captures.
+TEST(SquaresAfterMove, AgreesWithThePlayedPosition) {
+    auto compare = [](const TChessboard& board, const TMove& m, const TChessboard& after) {
+        uint8_t squares[64];
+        const TSquaresAfter worked = SquaresAfterMove(board, HomeCastlingRights(board.squares), m, squares);
+        ASSERT_TRUE(std::equal(squares, squares + 64, after.squares)) << MoveToText(board, m);
+        ASSERT_EQ(worked.hash, after.squaresHash) << MoveToText(board, m);
+        const Piece taker = MakePiece(after.ToMove(), kPawn);
+        const int passed = after.epSquare == kNoSquare
+                               ? -1
+                               : (after.WhiteToMove() ? after.epSquare - 8 : after.epSquare + 8);
+        const bool enPassant = passed >= 0 && ((FileOf(passed) > 0 && after.squares[passed - 1] == taker) ||
+                                               (FileOf(passed) < 7 && after.squares[passed + 1] == taker));
+        const bool tellsAll = CastlingRights(after) == HomeCastlingRights(after.squares) && !enPassant;
+        ASSERT_EQ(worked.tellsAll, tellsAll) << WriteFen(board) << " " << MoveToText(board, m);
+    };
+    int compared = 0, partial = 0;
+    auto count = [&](const TChessboard& board, const TMove& m, const TChessboard& after) {
+        compare(board, m, after);
+        partial += !(CastlingRights(after) == HomeCastlingRights(after.squares));
+    };
+    for (const char* fen : kTreeRoots) compared += WalkLines(test::Board(fen), 3, count);
+    EXPECT_GT(compared, 100000);
+    EXPECT_GT(partial, 500);  // positions whose squares do not tell all were met
 }
 
 // The checking moves generated on their own against the legal moves that give check, in the same

@@ -12,9 +12,9 @@ namespace moremate::test {
 
 class CMapStore : public CPositionStore {
   public:
-    uint8_t Lookup(const TChessboard& position, int halfMoves) override {
+    uint8_t LookupSquares(const TChessboardRegisterItem& squares, uint32_t, int halfMoves) override {
         std::lock_guard lock(m_mutex);
-        const auto it = m_entries.find(Key(position.squares, halfMoves & 1));
+        const auto it = m_entries.find(Key(squares.squares, halfMoves & 1));
         if (it == m_entries.end()) return kUnknownResult;
         const Entry& e = it->second;
         if (e.mate && e.mate <= halfMoves) return kMate;
