@@ -40,11 +40,4 @@ bool MergeResults(TChessboardRegisterEntry& entry, const TChessboardRegisterEntr
     return bChanged;
 }
 
-TRegisterAnswer AnswerFor(const std::optional<TChessboardRegisterEntry>& entry, uint16_t n) {
-    if (!entry) return TRegisterAnswer::Unknown;
-    if (entry->MovesMate != 0 && entry->MovesMate <= n) return TRegisterAnswer::Mate;
-    if (entry->MovesNoMate != 0 && entry->MovesNoMate >= n) return TRegisterAnswer::NoMate;
-    return TRegisterAnswer::Unknown;
-}
-
 }  // namespace moremate

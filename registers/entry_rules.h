@@ -32,6 +32,15 @@ bool MergeResults(TChessboardRegisterEntry& entry, const TChessboardRegisterEntr
 // A mate no longer than a level at or above which no mate is proven.
 bool IsIncoherent(const TChessboardRegisterEntry& entry);
 
-TRegisterAnswer AnswerFor(const std::optional<TChessboardRegisterEntry>& entry, uint16_t n);
+// What an entry (null: none) tells about a mate within n half-moves.
+inline TRegisterAnswer AnswerFor(const TChessboardRegisterEntry* entry, uint16_t n) {
+    if (!entry) return TRegisterAnswer::Unknown;
+    if (entry->MovesMate != 0 && entry->MovesMate <= n) return TRegisterAnswer::Mate;
+    if (entry->MovesNoMate != 0 && entry->MovesNoMate >= n) return TRegisterAnswer::NoMate;
+    return TRegisterAnswer::Unknown;
+}
+inline TRegisterAnswer AnswerFor(const std::optional<TChessboardRegisterEntry>& entry, uint16_t n) {
+    return AnswerFor(entry ? &*entry : nullptr, n);
+}
 
 }  // namespace moremate

@@ -240,24 +240,14 @@ void TRegisterCombinedMap::Shrink(CBucketLock& bucket, size_t nCount) {
     }
 }
 
-std::optional<TChessboardRegisterEntry> TRegisterCombinedMap::Find(const TRegisterKey& key) const {
-    const TChessboardRegisterItem& item = key.item;
-    std::atomic<uint64_t>& word = BucketOf(key.nHash);
-    // An empty bucket that nobody holds answers without its lock: an entry that another thread
-    // is adding now is simply not there yet.
-    if (word.load(std::memory_order_acquire) == 0) return std::nullopt;
-    CBucketLock bucket(word);
-    if (!bucket.Pointer()) return std::nullopt;
-    if (bucket.IsSorted()) {
-        const TChessboardRegisterEntry* found =
-            FindSorted(*static_cast<const TSortedBucket*>(bucket.Pointer()), item);
-        if (found) return *found;
-        return std::nullopt;
-    }
+const TChessboardRegisterEntry* TRegisterCombinedMap::Locate(const CBucketLock& bucket,
+                                                             const TChessboardRegisterItem& item) {
+    if (!bucket.Pointer()) return nullptr;
+    if (bucket.IsSorted()) return FindSorted(*static_cast<const TSortedBucket*>(bucket.Pointer()), item);
     for (const TChessboardRegisterEntry& entry : EntriesOf(bucket)) {
-        if (entry.key == item) return entry;
+        if (entry.key == item) return &entry;
     }
-    return std::nullopt;
+    return nullptr;
 }
 
 uint64_t TRegisterCombinedMap::CountEntries() const {

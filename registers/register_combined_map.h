@@ -93,7 +93,22 @@ class TRegisterCombinedMap {
         return bAdded;
     }
 
-    std::optional<TChessboardRegisterEntry> Find(const TRegisterKey& key) const;
+    // Returns `read(entry)`, run under the bucket lock on the entry of `key`, or `read(nullptr)`
+    // when there is none: a look-up that needs a little of the entry copies nothing.
+    template <class FRead>
+    auto Read(const TRegisterKey& key, FRead&& read) const {
+        std::atomic<uint64_t>& word = BucketOf(key.nHash);
+        // An empty bucket that nobody holds answers without its lock: an entry that another thread
+        // is adding now is simply not there yet.
+        if (word.load(std::memory_order_acquire) == 0) return read(nullptr);
+        CBucketLock bucket(word);
+        return read(Locate(bucket, key.item));
+    }
+    std::optional<TChessboardRegisterEntry> Find(const TRegisterKey& key) const {
+        return Read(key, [](const TChessboardRegisterEntry* entry) {
+            return entry ? std::optional<TChessboardRegisterEntry>(*entry) : std::nullopt;
+        });
+    }
 
     // The first of two steps ahead of a lookup: starts loading the bucket word of hash `nHash`,
     // without reading it. Must not run concurrently with Swap.
@@ -192,6 +207,9 @@ class TRegisterCombinedMap {
         return (BucketCount() + kBucketsPerMark * kMarksPerWord - 1) / (kBucketsPerMark * kMarksPerWord);
     }
     static std::span<TChessboardRegisterEntry> EntriesOf(const CBucketLock& bucket);
+    // The entry of `item` in the held bucket, or null.
+    static const TChessboardRegisterEntry* Locate(const CBucketLock& bucket,
+                                                  const TChessboardRegisterItem& item);
     static TChessboardRegisterEntry& FindOrAdd(CBucketLock& bucket, const TChessboardRegisterItem& item,
                                                bool& bAdded);
     // Stores a count lowered by a removal and releases memory no longer needed.

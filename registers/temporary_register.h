@@ -51,7 +51,9 @@ class TTemporaryChessboardRegister : public TChessboardRegister<bool> {
 
     std::optional<TChessboardRegisterEntry> Find(const TRegisterKey& position) const;
     TRegisterAnswer Answer(uint16_t n, const TRegisterKey& position) const {
-        return AnswerFor(Find(position), n);
+        std::shared_lock lock(m_lock);
+        return m_table.Read(position,
+                            [n](const TChessboardRegisterEntry* entry) { return AnswerFor(entry, n); });
     }
     // A hint given some work ahead of a lookup or insertion of `position` (a search: when it
     // generates the position), so that the memory accesses of several positions overlap.
