@@ -20,8 +20,7 @@ bool PawnBeside(const uint8_t* squares, int square, uint8_t taker) {
 }  // namespace
 
 bool SquaresTellAll(uint8_t castling, bool enPassant, const uint8_t* squares) {
-    const uint8_t home = HomeCastlingRights(squares);
-    return (castling & home) == home && !enPassant;
+    return RightsTellAll(castling, HomeCastlingRights(squares), enPassant);
 }
 
 TSquaresAfter SquaresAfterMove(const TChessboard& parent, uint8_t home, const TMove& move, uint8_t* squares) {
@@ -50,7 +49,7 @@ TSquaresAfter SquaresAfterMove(const TChessboard& parent, uint8_t home, const TM
     const uint8_t keep = g_geometry.castlingKeep[move.from] & g_geometry.castlingKeep[move.to];
     const uint8_t castling = parent.castling & keep;
     if (keep != kAllCastlingRights) home = HomeCastlingRights(squares);  // a king's or rook's home square
-    return {hash, (castling & home) == home && !enPassant};
+    return {hash, RightsTellAll(castling, home, enPassant)};
 }
 
 }  // namespace moremate

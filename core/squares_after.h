@@ -9,8 +9,12 @@
 
 namespace moremate {
 
-// Whether the piece bytes tell the whole position: it holds every castling right whose king and rook
-// stand at home (`castling` as remembered), and no en passant capture is possible.
+// Whether a position's piece bytes tell it whole: it holds every castling right whose king and rook
+// stand at home (`castling` as remembered, `home` those of the pieces at home), and no en passant
+// capture is possible.
+constexpr bool RightsTellAll(uint8_t castling, uint8_t home, bool enPassant) {
+    return (castling & home) == home && !enPassant;
+}
 bool SquaresTellAll(uint8_t castling, bool enPassant, const uint8_t* squares);
 
 struct TSquaresAfter {
