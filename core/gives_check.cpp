@@ -1,6 +1,5 @@
 #include "gives_check.h"
 
-
 #include "movegen.h"
 #include "occupancy.h"
 

@@ -30,8 +30,6 @@ class CRunRegister : public CPositionStore {
     void Store(const TChessboard& position, int halfMoves, uint8_t result) override;
     void PrefetchBucket(uint32_t hash, int halfMoves) override;
     void Prefetch(uint32_t hash, int halfMoves) override;
-    using CPositionStore::Prefetch;
-    using CPositionStore::PrefetchBucket;
 
     int FillPercent() const;
     // The register of White-to-move positions (the one saved to files) and of Black-to-move ones.
