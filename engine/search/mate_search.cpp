@@ -14,8 +14,8 @@ namespace {
 
 constexpr int kPoorlySortedIndex = 8;  // a mating move sorted this late is worth a log line
 constexpr int kRepetitionMinHalfMoves = 10;
-// Far from the end of a line and near its start, a mate shorter than the moves left is looked
-// for first; the deepening of every White node does that, and says so in the log here.
+// Far from the end of a line and near its start, mates shorter than the moves left are looked
+// for first, up to the quicker-mate depth (NextDepth).
 constexpr int kQuickerMateMinHalfMoves = 17;
 constexpr int kQuickerMateMaxPlayed = 7;
 // From three moves to mate on, White's moves that leave Black fewest replies are tried first
@@ -136,6 +136,17 @@ bool TMateSearch::QuickerMateAllowed(int halfMoves, int ply) const {
     return m_env.quickerMateDepth > 0 && halfMoves >= kQuickerMateMinHalfMoves && ply < kQuickerMateMaxPlayed;
 }
 
+// A White node is asked for a mate within its half-moves, not for its quickest mate: after the mate
+// in one (checks only, and the most frequent mate) it is searched with all its half-moves at once,
+// as every depth in between would search each failing move again. Only near the start of a long
+// line are the shorter mates, up to the quicker-mate depth, looked for first.
+int TMateSearch::NextDepth(int k, int n, int ply) const {
+    const int last = n % 2 ? n : n - 1;  // White moves at odd half-moves
+    const int quickerLimit = 2 * m_env.quickerMateDepth - 1;
+    if (k + 2 < last && k + 2 <= quickerLimit && QuickerMateAllowed(n, ply)) return k + 2;
+    return k < last ? last : n + 1;
+}
+
 void TMateSearch::Log(int ply, const TChessboard& node, uint8_t result) {
     if (m_env.log) m_env.log->Result(ply, node.lastMove, result, m_nDoubtReason);
 }
@@ -191,7 +202,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     OrderWhiteMoves(node, moves, m_killers[ply], false, n >= kFewestRepliesMinHalfMoves, &checks);
     if (m_env.scheduler) m_env.scheduler->AtWhiteNode(node, moves);
     const uint64_t repetitionsBefore = m_nRepetitions;
-    for (int k = 1; k <= n; k += 2) {
+    for (int k = 1; k <= n; k = NextDepth(k, n, ply)) {
         const uint8_t r = WhiteWithin(node, moves, checks, k, ply);
         if (r == kMate) {
             if (stored) m_env.store->Store(node, k, kMate);

@@ -1,7 +1,9 @@
 // FindForcedMate: does White force mate within the half-moves left at a node?
 // White nodes are OR-nodes (one mating move settles them), Black nodes AND-nodes (every
-// defence must lose). White nodes deepen the mate length from short to long, so the shortest
-// mate is found first and a line that repeats a position can be treated as a failure.
+// defence must lose). A White node looks for a mate in one, then for a mate within all its
+// half-moves. A line that repeats a position is treated as a failure: a mate that exists has a
+// line without repetitions (a quickest one), and a result that rested on a repetition is not
+// stored.
 #pragma once
 
 #include <atomic>
@@ -38,7 +40,7 @@ struct TSearchEnvironment {
     std::atomic<uint64_t>* progressNodes = nullptr;  // nodes searched, updated every few thousand
     CSearchLog* log = nullptr;                       // per-thread move log, or none
     std::string logFolder;                           // where "PoorSWM.log" goes
-    int quickerMateDepth = 7;                        // "LFQMDepth": 0 switches the quicker-mate log off
+    int quickerMateDepth = 7;                        // "LFQMDepth" in moves: shorter mates first (0: none)
     CObservedLines* observed = nullptr;              // the main threads' lines (observer levels), or none
 };
 
@@ -108,6 +110,8 @@ class TMateSearch {
     void Settle(const TChessboard& node, int ply, uint8_t result);
     void Log(int ply, const TChessboard& node, uint8_t result);
     bool QuickerMateAllowed(int halfMoves, int ply) const;
+    // The depth a White node with `n` half-moves left is searched at after depth `k`; past n at the end.
+    int NextDepth(int k, int n, int ply) const;
     // What a look-up of the register found, logged.
     uint8_t Known(uint8_t known);
     bool Filtered(const TChessboard& node, TMoveList& moves);

@@ -53,6 +53,30 @@ TEST(FindForcedMate, ShortestMateAndMatingMove) {
     EXPECT_TRUE(search.MatingMove(board, 1).IsNull());
 }
 
+// A White node is asked for a mate within its half-moves: after the mate in one it searches them
+// all at once, and stores the mate with them. Only with 17 half-moves or more, near the start of a
+// line, are shorter mates up to the quicker-mate depth looked for first, and stored as such.
+TEST(FindForcedMate, ShorterMatesAreLookedForOnlyNearTheStartOfLongLines) {
+    const struct {
+        int halfMoves;
+        int quickerMateDepth;
+        int storedWith;
+    } cases[] = {{19, 7, 3}, {19, 2, 3}, {19, 1, 19}, {19, 0, 19}, {15, 7, 15}, {5, 7, 5}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(::testing::Message() << c.halfMoves << " half-moves, depth " << c.quickerMateDepth);
+        const TChessboard board = Problem("7k/8/5K2/8/8/8/8/6R1 w", c.halfMoves);  // mate in 2
+        test::CMapStore store;
+        TSearchEnvironment env;
+        env.store = &store;
+        env.quickerMateDepth = c.quickerMateDepth;
+        TMateSearch search(env);
+        ASSERT_EQ(search.FindForcedMate(board), kMate);
+        const TChessboardRegisterItem squares = RegisterItemOf(board);
+        EXPECT_EQ(store.LookupSquares(squares, 0, c.storedWith), kMate);
+        EXPECT_EQ(store.LookupSquares(squares, 0, c.storedWith - 2), kUnknownResult);
+    }
+}
+
 TEST(FindForcedMate, RepetitionEndsTheLineWithoutSearchInLongProblems) {
     // The knight's way back repeats the start; the rook's does not (the castling right is gone).
     // clang-format off
