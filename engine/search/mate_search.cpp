@@ -285,7 +285,7 @@ uint8_t TMateSearch::GenerateDefences(const TChessboard& node, int ply, TMoveLis
     GenerateLegalMoves(node, moves);
     if (moves.count == 0) return node.InCheck() ? kMate : kNoMate;  // mate, or stalemate
     doubtful = Filtered(node, moves);
-    OrderBlackMoves(node, moves, m_killers[ply]);
+    OrderBlackMoves(node, moves, m_killers[ply], true);
     return kUnknownResult;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <optional>
 
 #include "core/gives_check.h"
 
@@ -90,11 +91,16 @@ void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMov
     SortByScore(list, score);
 }
 
-void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers) {
+void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers,
+                     bool checksFirst) {
+    constexpr int kCheckPoints = 30000;  // above the killers' 10000 and 20000
     int score[256];
+    const std::optional<CCheckSquares> checkSquares =
+        checksFirst ? std::optional<CCheckSquares>(board) : std::nullopt;
     for (int i = 0; i < list.count; ++i) {
         const TMove m = list.moves[i];
-        score[i] = killers.Rank(m) * 10000 + MaterialValue(TypeOf(board.squares[m.to])) * 100 +
+        score[i] = (checkSquares && checkSquares->Gives(board, m) ? kCheckPoints : 0) +
+                   killers.Rank(m) * 10000 + MaterialValue(TypeOf(board.squares[m.to])) * 100 +
                    (TypeOf(board.squares[m.from]) == kKing ? 50 : 0) + (m.PromotedType() == kQueen ? 300 : 0);
     }
     SortByScore(list, score);

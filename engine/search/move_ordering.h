@@ -31,8 +31,12 @@ struct TKillerMoves {
 void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
                      bool fewestRepliesFirst = false, TMoveList* checks = nullptr);
 
-// Black's defences: killers (refutations of sibling lines), captures, king moves, the rest.
-void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers);
+// Black's defences: killers (refutations of sibling lines), captures, king moves, the rest. With
+// `checksFirst` the checking defences go before them all: in a depth-first search a check is the
+// defence that most often refutes (White must answer it, and a quiet threat is gone), and when it
+// does not it leaves White few replies to search.
+void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers,
+                     bool checksFirst);
 
 // Sorts the list stably by descending score (one per move, used up by the sort).
 void SortByScore(TMoveList& list, int* score);

@@ -126,11 +126,13 @@ bool TProofNumberSearch::AddChildren(const TChessboard& node, size_t first, TPro
         settled = !orNode && node.InCheck() ? kProven : kDisproven;
         return false;
     }
+    // Black's checks are not put first here: the numbers choose the defence to follow, and the
+    // order only settles their ties, where checks first cost the long moremovers nodes.
     const TKillerMoves none;
     if (orNode)
         OrderWhiteMoves(node, moves, none, false);
     else
-        OrderBlackMoves(node, moves, none);
+        OrderBlackMoves(node, moves, none, false);
     // Each child is played once, a little ahead of its evaluation: its table bucket is asked for
     // as it is played, its register bucket and entries (for its first numbers) as it comes nearer.
     CChildrenAhead children(node, moves, m_env.store, [&](int i, const TChessboard& child) {

@@ -7,6 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "core/gives_check.h"
+#include "tests/support/positions.h"
+
 namespace moremate {
 namespace {
 
@@ -35,6 +38,44 @@ TEST(SortByScore, IsAStableSortByDescendingScore) {
         ASSERT_EQ(list.count, count);
         for (int i = 0; i < count; ++i)
             ASSERT_EQ(list.moves[i], expected[static_cast<size_t>(i)].second) << round;
+    }
+}
+
+// Black's defences with a sibling's refutation known (a quiet king move): with checks first every
+// check comes before it, then the killer, then the capture; without, the killer leads. Nothing is
+// lost or doubled either way.
+TEST(OrderBlackMoves, ChecksFirstThenTheKillerThenCaptures) {
+    const TChessboard board = test::Board("3qk2r/8/8/3N4/8/8/P7/6K1 b k - 0 1");
+    TMoveList generated;
+    GenerateLegalMoves(board, generated);
+    const TMove* killer =
+        std::find_if(generated.moves, generated.moves + generated.count,
+                     [](const TMove& m) { return m.from == MakeSquare(4, 7) && m.to == MakeSquare(5, 6); });
+    ASSERT_NE(killer, generated.moves + generated.count);
+    TKillerMoves killers;
+    killers.Remember(*killer);
+    const auto sorted = [&](const std::vector<TMove>& list) {
+        std::vector<TMove> copy(list);
+        std::sort(copy.begin(), copy.end(), [](const TMove& a, const TMove& b) {
+            return std::tie(a.from, a.to, a.promotion) < std::tie(b.from, b.to, b.promotion);
+        });
+        return copy;
+    };
+    const std::vector<TMove> all(generated.moves, generated.moves + generated.count);
+    for (const bool checksFirst : {true, false}) {
+        SCOPED_TRACE(checksFirst);
+        TMoveList list = generated;
+        OrderBlackMoves(board, list, killers, checksFirst);
+        const std::vector<TMove> ordered(list.moves, list.moves + list.count);
+        EXPECT_EQ(sorted(ordered), sorted(all));
+        const size_t nChecks = static_cast<size_t>(
+            std::count_if(all.begin(), all.end(), [&](const TMove& m) { return GivesCheck(board, m); }));
+        ASSERT_GE(nChecks, 3u);  // Qg5, Qb6 and Rh1 among them
+        const size_t killerAt = checksFirst ? nChecks : 0;
+        EXPECT_EQ(ordered[killerAt], *killer);
+        if (!checksFirst) continue;
+        for (size_t i = 0; i < nChecks; ++i) EXPECT_TRUE(GivesCheck(board, ordered[i])) << i;
+        EXPECT_NE(board.squares[ordered[killerAt + 1].to], kEmpty);  // Qd8:d5
     }
 }
 
