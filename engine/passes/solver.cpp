@@ -109,6 +109,7 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
         scheduler.emplace(env, request.levelContext, request.scheduler, request.juggled, gate);
         env.scheduler = &*scheduler;
     }
+    env.moveHistory = env.heuristics == nullptr;
     std::vector<TMateSearch> searches(MainThreadSlots(request, firstMoves.size()), TMateSearch(env));
     if (env.observed)
         for (size_t t = 0; t < searches.size(); ++t)

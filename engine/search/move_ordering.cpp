@@ -68,7 +68,7 @@ void SortByScore(TMoveList& list, int* score) {
 }
 
 void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
-                     bool fewestRepliesFirst, TMoveList* checks) {
+                     bool fewestRepliesFirst, TMoveList* checks, const CMoveHistory* history) {
     int score[256];
     int kept = 0;
     if (checks) checks->count = 0;
@@ -82,7 +82,7 @@ void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMov
         const int victim = MaterialValue(TypeOf(board.squares[m.to]));
         int s = killers.Rank(m) * 10000 + (check ? 1000 : 0) + victim * 50 +
                 (m.PromotedType() == kQueen ? 300 : 0);
-        s += 8 - KingDistance(m.to, blackKing);
+        s += 8 - KingDistance(m.to, blackKing) + (history ? history->Points(m) : 0);
         if (fewestRepliesFirst) s += MobilityScore(board, m);
         list.moves[kept] = m;
         score[kept++] = s;
@@ -91,8 +91,8 @@ void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMov
     SortByScore(list, score);
 }
 
-void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers,
-                     bool checksFirst) {
+void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksFirst,
+                     const CMoveHistory* history) {
     constexpr int kCheckPoints = 30000;  // above the killers' 10000 and 20000
     int score[256];
     const std::optional<CCheckSquares> checkSquares =
@@ -101,7 +101,8 @@ void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMov
         const TMove m = list.moves[i];
         score[i] = (checkSquares && checkSquares->Gives(board, m) ? kCheckPoints : 0) +
                    killers.Rank(m) * 10000 + MaterialValue(TypeOf(board.squares[m.to])) * 100 +
-                   (TypeOf(board.squares[m.from]) == kKing ? 50 : 0) + (m.PromotedType() == kQueen ? 300 : 0);
+                   (history ? history->Points(m) : 0) + (TypeOf(board.squares[m.from]) == kKing ? 50 : 0) +
+                   (m.PromotedType() == kQueen ? 300 : 0);
     }
     SortByScore(list, score);
 }

@@ -2,6 +2,7 @@
 // defence that refutes, found first saves the whole search of its siblings.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <vector>
 
@@ -22,21 +23,40 @@ struct TKillerMoves {
     }
 };
 
-// White's moves: killers, then checks, then captures (most valuable victim first), then moves
-// that come near the Black king. With `checksOnly` non-checking moves are dropped (a mate in
-// one is always a check). With `fewestRepliesFirst`, moves that leave Black fewer replies rank
-// higher within each group (each move is played and Black's replies counted: worth it only far
-// from the end of a line). With `checks` given, the checking moves are put there as well (in the
-// order generated), for a mate-in-one test that then needs no check test of its own.
-void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
-                     bool fewestRepliesFirst = false, TMoveList* checks = nullptr);
+// How often and how deep each move (from, to) settled a node anywhere in a search: White's moves
+// that mated, or Black's defences that refuted. Behind a node's killers, checks and captures it
+// orders the moves that are otherwise alike: a piece's move that worked elsewhere in the tree
+// mostly works again.
+class CMoveHistory {
+  public:
+    void Remember(const TMove& m, int halfMoves) {
+        m_nWeight[m.from][m.to] += static_cast<uint64_t>(halfMoves) * static_cast<uint64_t>(halfMoves);
+    }
+    // 0 for a move never remembered, else the bit width of its weight: deeper and more frequent
+    // successes count more, logarithmically, so that they only break ties of the other scores.
+    int Points(const TMove& m) const { return std::bit_width(m_nWeight[m.from][m.to]); }
 
-// Black's defences: killers (refutations of sibling lines), captures, king moves, the rest. With
-// `checksFirst` the checking defences go before them all: in a depth-first search a check is the
-// defence that most often refutes (White must answer it, and a quiet threat is gone), and when it
-// does not it leaves White few replies to search.
-void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers,
-                     bool checksFirst);
+  private:
+    uint64_t m_nWeight[64][64] = {};
+};
+
+// White's moves: killers, then checks, then captures (most valuable victim first), then moves
+// that come near the Black king (and moves of the history, when given, among those alike). With `checksOnly`
+// non-checking moves are dropped (a mate in one is always a check). With `fewestRepliesFirst`, moves that
+// leave Black fewer replies rank higher within each group (each move is played and Black's replies counted:
+// worth it only far from the end of a line). With `checks` given, the checking moves are put there as well
+// (in the order generated), for a mate-in-one test that then needs no check test of its own.
+void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
+                     bool fewestRepliesFirst = false, TMoveList* checks = nullptr,
+                     const CMoveHistory* history = nullptr);
+
+// Black's defences: killers (refutations of sibling lines), captures, king moves, the rest (the
+// history's, when given, first among those alike). With `checksFirst` the checking defences go
+// before them all: in a depth-first search a check is the defence that most often refutes (White
+// must answer it, and a quiet threat is gone), and when it does not it leaves White few replies to
+// search.
+void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksFirst,
+                     const CMoveHistory* history = nullptr);
 
 // Sorts the list stably by descending score (one per move, used up by the sort).
 void SortByScore(TMoveList& list, int* score);
