@@ -41,11 +41,12 @@ class CMoveHistory {
 };
 
 // White's moves: killers, then checks, then captures (most valuable victim first), then moves
-// that come near the Black king (and moves of the history, when given, among those alike). With `checksOnly`
-// non-checking moves are dropped (a mate in one is always a check). With `fewestRepliesFirst`, moves that
-// leave Black fewer replies rank higher within each group (each move is played and Black's replies counted:
-// worth it only far from the end of a line). With `checks` given, the checking moves are put there as well
-// (in the order generated), for a mate-in-one test that then needs no check test of its own.
+// that come near the Black king (the history's, when given, first among those alike). With
+// `checksOnly` non-checking moves are dropped (a mate in one is always a check). With
+// `fewestRepliesFirst`, moves that leave Black fewer replies rank higher within each group (each
+// move is played and Black's replies counted: worth it only far from the end of a line). With
+// `checks` given, the checking moves are put there as well (in the order generated), for a
+// mate-in-one test that then needs no check test of its own.
 void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMoves& killers, bool checksOnly,
                      bool fewestRepliesFirst = false, TMoveList* checks = nullptr,
                      const CMoveHistory* history = nullptr);
