@@ -38,6 +38,10 @@ int MobilityScore(const TChessboard& board, const TMove& m) {
     return std::max(0, kMobilityPoints - kPointsPerReply * CountLegalMoves(child.board));
 }
 
+int HistoryPoints(const CMoveHistory* history, const TMove& m) {
+    return history ? history->Points(m) : 0;
+}
+
 }  // namespace
 
 // Most moves are quiet, with a small score (the king distance alone): those are counted out by
@@ -82,7 +86,7 @@ void OrderWhiteMoves(const TChessboard& board, TMoveList& list, const TKillerMov
         const int victim = MaterialValue(TypeOf(board.squares[m.to]));
         int s = killers.Rank(m) * 10000 + (check ? 1000 : 0) + victim * 50 +
                 (m.PromotedType() == kQueen ? 300 : 0);
-        s += 8 - KingDistance(m.to, blackKing) + (history ? history->Points(m) : 0);
+        s += 8 - KingDistance(m.to, blackKing) + HistoryPoints(history, m);
         if (fewestRepliesFirst) s += MobilityScore(board, m);
         list.moves[kept] = m;
         score[kept++] = s;
@@ -101,7 +105,7 @@ void OrderBlackMoves(const TChessboard& board, TMoveList& list, const TKillerMov
         const TMove m = list.moves[i];
         score[i] = (checkSquares && checkSquares->Gives(board, m) ? kCheckPoints : 0) +
                    killers.Rank(m) * 10000 + MaterialValue(TypeOf(board.squares[m.to])) * 100 +
-                   (history ? history->Points(m) : 0) + (TypeOf(board.squares[m.from]) == kKing ? 50 : 0) +
+                   HistoryPoints(history, m) + (TypeOf(board.squares[m.from]) == kKing ? 50 : 0) +
                    (m.PromotedType() == kQueen ? 300 : 0);
     }
     SortByScore(list, score);
