@@ -1,5 +1,6 @@
 #include "register_file_header.h"
 
+#include <isa-l/crc.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -32,15 +33,10 @@ TValue Get(const uint8_t* p) {
 
 }  // namespace
 
+// The gzip checksum (zlib's crc32), folded with carry-less multiplication where the processor has it:
+// about three times zlib's pace.
 uint32_t UpdateCrc32(uint32_t nCrc, const void* pData, size_t size) {
-    const auto* p = static_cast<const Bytef*>(pData);
-    uLong nValue = nCrc;
-    for (size_t nDone = 0; nDone < size;) {  // zlib takes at most 4 GiB - 1 at once
-        const uInt nPart = static_cast<uInt>(std::min<size_t>(size - nDone, 1u << 30));
-        nValue = crc32(nValue, p + nDone, nPart);
-        nDone += nPart;
-    }
-    return static_cast<uint32_t>(nValue);
+    return crc32_gzip_refl(nCrc, static_cast<const unsigned char*>(pData), size);
 }
 
 uint32_t UpdateCrc32OnThreads(uint32_t nCrc, const void* pData, size_t size) {

@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake ninja-build pkg-config python3
-  liblz4-dev zlib1g-dev libboost-dev qt6-base-dev fonts-dejavu-core libcurl4-openssl-dev libcpp-httplib-dev libsqlite3-dev
+  liblz4-dev libisal-dev zlib1g-dev libboost-dev qt6-base-dev fonts-dejavu-core libcurl4-openssl-dev libcpp-httplib-dev libsqlite3-dev
   nlohmann-json3-dev libcli11-dev libfmt-dev libgtest-dev libgmock-dev libbenchmark-dev libunwind-dev
   clang libclang-rt-14-dev xvfb xauth xdotool imagemagick
 )
