@@ -24,6 +24,7 @@
 #include <filesystem>
 #include <functional>
 #include <limits>
+#include <span>
 #include <string>
 
 #include "aggregated_register.h"
@@ -111,10 +112,9 @@ std::filesystem::path BlackToMoveFilePath(const std::filesystem::path& path);
 // "<program folder>/SavedTmpRegisterData/<name>.tmpReg".
 std::filesystem::path SavedRegisterFilePath(const std::string& sName);
 
-// Sets the bucket count and reads the open file's `nFileSize` bytes from where it stands; true
-// when every record was read. Throws ChessException with the failure's message; what was stored
-// before a failure stays.
-bool Load(std::FILE* pFile, TAggregatedTemporaryChessboardRegister& reg, size_t nBuckets, uint64_t nFileSize,
+// Sets the bucket count and stores the records of a file's data (after its header); true when the
+// data end at a record boundary. Throws ChessException when packed data cannot be unpacked.
+bool Load(std::span<const uint8_t> data, TAggregatedTemporaryChessboardRegister& reg, size_t nBuckets,
           const TRegisterLoadOptions& options, TRegisterLoadReport& report);
 
 // Opens and loads the file, catching the failure into the result ("Error reading file" when it

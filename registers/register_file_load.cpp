@@ -24,12 +24,8 @@ namespace {
 constexpr const char* kEmptyFile = "Error - data file is empty.";
 constexpr const char* kAllocationError = "Error allocating memory";
 constexpr const char* kDecompressionError = "An error occurred during LZ4 decompression.";
-constexpr const char* kRecordReadError = "Error reading file in TAggregatedTemporaryChessboardRegister::Load";
 constexpr const char* kLoadLogHeader =
     "nMovesMate/Doubtful,nMovesNoMate/NotDoubtful,Heuristics,HeurParams,FEN\n";
-
-// Large reads: a plain file is read a few megabytes at a time, not record by record.
-constexpr size_t kReadBlockSize = size_t{4} << 20;
 
 uint16_t ReadU16(const uint8_t* p) {
     return static_cast<uint16_t>(p[0] | p[1] << 8);
@@ -41,7 +37,7 @@ uint64_t ReadU64(const uint8_t* p) {
 }
 
 // Loads of files smaller than this are not shared out between threads.
-constexpr uint64_t kShardedMinFileSize = kReadBlockSize;
+constexpr uint64_t kShardedMinFileSize = uint64_t{4} << 20;
 constexpr unsigned kMaxShards = 8;
 
 // Checks each record's position and stores the valid ones, logging them when asked. Records wait
@@ -207,56 +203,18 @@ unsigned ShardCount(const TRegisterLoadOptions& options, uint64_t nFileSize, siz
     return nBuckets >= nShards ? nShards : 1;
 }
 
-// Reads the file in blocks, the unit cut at the end of a block moved to the front of the next.
-// A read error throws once the records read before it are stored. True when the data end at a
-// record (or marker) boundary.
-bool StoreFile(std::FILE* pFile, uint64_t nFileSize, CShardedStore& store) {
-    const size_t nBufferSize = std::clamp<uint64_t>(nFileSize, kRegisterRecordSize, kReadBlockSize);
-    const std::unique_ptr<uint8_t[]> pBuffer = std::make_unique_for_overwrite<uint8_t[]>(nBufferSize);
-    const std::span<uint8_t> buffer(pBuffer.get(), nBufferSize);
-    size_t nKept = 0;
-    for (;;) {
-        const size_t nWanted = buffer.size() - nKept;
-        const size_t nRead = std::fread(buffer.data() + nKept, 1, nWanted, pFile);
-        const size_t nHeld = nKept + nRead;
-        const size_t nUsed = store.StoreUnits({buffer.data(), nHeld});
-        nKept = nHeld - nUsed;
-        if (nRead < nWanted && std::ferror(pFile)) throw ChessException(kRecordReadError);
-        if (nRead < nWanted) return nKept == 0;
-        std::memmove(buffer.data(), buffer.data() + nUsed, nKept);
-    }
-}
-
-// Every record of the source stored, the last batch too, also when reading fails on the way;
-// true when the data end at a boundary. `report` counts what was stored either way.
-template <class FStoreAll>
-bool StoreAll(CShardedStore& store, TRegisterLoadReport& report, FStoreAll&& storeAll) {
-    bool bComplete = false;
-    try {
-        bComplete = storeAll();
-    } catch (const ChessException&) {
-        report = store.Finish();
-        throw;
-    }
+// Stores every record of `data`, the last batch too; true when the data end at a boundary.
+bool StoreAll(std::span<const uint8_t> data, CShardedStore& store, TRegisterLoadReport& report) {
+    const bool bComplete = store.StoreUnits(data) == data.size();
     report = store.Finish();
     return bComplete;
 }
 
-// The packed file whole in memory, then decoded.
-std::vector<uint8_t> UnpackFile(std::FILE* pFile, const uint8_t* pMagic, uint64_t nFileSize) {
-    std::vector<uint8_t> packed;
-    try {
-        packed.resize(nFileSize + 16);
-    } catch (const std::exception&) {
-        throw ChessException(kAllocationError);
-    }
-    std::memcpy(packed.data(), pMagic, kPackedMagicSize);
-    const size_t nRest = nFileSize - kPackedMagicSize;
-    if (std::fread(packed.data() + kPackedMagicSize, 1, nRest, pFile) != nRest)
-        throw ChessException(kRegisterReadError);
+// The packed file decoded whole.
+std::vector<uint8_t> UnpackFile(std::span<const uint8_t> packed) {
     std::optional<std::vector<uint8_t>> data;
     try {
-        data = DecompressPacked(packed.data(), nFileSize);
+        data = DecompressPacked(packed.data(), packed.size());
     } catch (const std::bad_alloc&) {
         throw ChessException(kAllocationError);
     }
@@ -271,21 +229,18 @@ void WriteScratchCopy(const std::filesystem::path& path, const std::vector<uint8
 
 }  // namespace
 
-bool Load(std::FILE* pFile, TAggregatedTemporaryChessboardRegister& reg, size_t nBuckets, uint64_t nFileSize,
+bool Load(std::span<const uint8_t> data, TAggregatedTemporaryChessboardRegister& reg, size_t nBuckets,
           const TRegisterLoadOptions& options, TRegisterLoadReport& report) {
     reg.SetBucketCount(nBuckets);
-    const long nStart = std::ftell(pFile);
-    uint8_t magic[kPackedMagicSize];
-    if (std::fread(magic, 1, sizeof magic, pFile) != sizeof magic) throw ChessException(kEmptyFile);
-    if (IsPackedMagic(magic)) {
-        std::vector<uint8_t> data = UnpackFile(pFile, magic, nFileSize);
-        WriteScratchCopy(options.workingFolder / kLoadScratchFile, data);
-        CShardedStore store(reg, options, ShardCount(options, data.size(), nBuckets));
-        return StoreAll(store, report, [&] { return store.StoreUnits(data) == data.size(); });
+    if (data.size() < kPackedMagicSize) throw ChessException(kEmptyFile);
+    if (IsPackedMagic(data.data())) {
+        const std::vector<uint8_t> unpacked = UnpackFile(data);
+        WriteScratchCopy(options.workingFolder / kLoadScratchFile, unpacked);
+        CShardedStore store(reg, options, ShardCount(options, unpacked.size(), nBuckets));
+        return StoreAll(unpacked, store, report);
     }
-    if (std::fseek(pFile, nStart, SEEK_SET) != 0) throw ChessException(kRecordReadError);
-    CShardedStore store(reg, options, ShardCount(options, nFileSize, nBuckets));
-    return StoreAll(store, report, [&] { return StoreFile(pFile, nFileSize, store); });
+    CShardedStore store(reg, options, ShardCount(options, data.size(), nBuckets));
+    return StoreAll(data, store, report);
 }
 
 }  // namespace moremate

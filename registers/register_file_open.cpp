@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "core/chess_exception.h"
+#include "mapped_file.h"
 #include "register_file.h"
 #include "register_file_header.h"
 #include "register_packing.h"
@@ -14,7 +15,7 @@
 namespace moremate {
 namespace {
 
-constexpr size_t kReadBufferSize = size_t{4} << 20;
+constexpr const char* kRecordReadError = "Error reading file in TAggregatedTemporaryChessboardRegister::Load";
 constexpr const char* kNotRegisterFile = "Error - not a temporary register file";
 constexpr const char* kDamaged = "Error - the register file is damaged (its checksum does not match)";
 constexpr const char* kTooLarge =
@@ -34,15 +35,6 @@ bool FitsInMemory(uint64_t nPackedBytes) {
     return nMemory == 0 || nPackedBytes <= nMemory / 2;
 }
 
-uint32_t DataCrc(std::FILE* pFile) {
-    std::vector<uint8_t> buffer(kReadBufferSize);
-    uint32_t nCrc = 0;
-    for (size_t nRead; (nRead = std::fread(buffer.data(), 1, buffer.size(), pFile)) > 0;)
-        nCrc = UpdateCrc32OnThreads(nCrc, buffer.data(), nRead);
-    if (std::ferror(pFile)) throw ChessException(kRegisterReadError);
-    return nCrc;
-}
-
 // A White file where a Black one is expected, or the other way round.
 void CheckSide(const std::optional<TRegisterFileHeader>& header, bool bBlackToMove) {
     if (header && header->bBlackToMove != bBlackToMove)
@@ -51,19 +43,17 @@ void CheckSide(const std::optional<TRegisterFileHeader>& header, bool bBlackToMo
                              " (White and Black files swapped?)");
 }
 
-// Checks a header against the file: side, size, checksum; leaves the file at the data.
-void CheckHeader(const TRegisterFileHeader& header, TOpenedFile& opened, bool bBlackToMove) {
+// Checks a header against the data after it: side, size, checksum.
+void CheckHeader(const TRegisterFileHeader& header, std::span<const uint8_t> data, bool bBlackToMove) {
     CheckSide(header, bBlackToMove);
-    const uint64_t nData = opened.nSize - kRegisterHeaderSize;
+    const uint64_t nData = data.size();
     if (nData != header.nDataBytes)
         throw ChessException("Error - the register file is " +
                              std::string(nData < header.nDataBytes ? "cut short" : "too long") + ": " +
                              std::to_string(nData) + " bytes of data, " + std::to_string(header.nDataBytes) +
                              " expected");
     if (header.form != TRegisterFileForm::Plain && !FitsInMemory(nData)) throw ChessException(kTooLarge);
-    if (DataCrc(opened.file.get()) != header.nDataCrc) throw ChessException(kDamaged);
-    if (std::fseek(opened.file.get(), kRegisterHeaderSize, SEEK_SET) != 0)
-        throw ChessException(kRegisterReadError);
+    if (UpdateCrc32OnThreads(0, data.data(), data.size()) != header.nDataCrc) throw ChessException(kDamaged);
 }
 
 // Opens the file and reads its header, or makes sure it is a register file of the older form.
@@ -77,7 +67,6 @@ TOpenedFile OpenRegisterFile(const std::filesystem::path& path) {
     opened.nSize = std::filesystem::file_size(path, error);
     opened.file.reset(error ? nullptr : std::fopen(path.c_str(), "rb"));
     if (!opened.file) throw ChessException(kRegisterReadError);
-    std::setvbuf(opened.file.get(), nullptr, _IOFBF, kReadBufferSize);
     uint8_t bytes[kRegisterHeaderSize];
     const size_t nRead = std::fread(bytes, 1, sizeof bytes, opened.file.get());
     if (HasRegisterHeaderMagic(bytes, nRead)) {
@@ -92,21 +81,21 @@ TOpenedFile OpenRegisterFile(const std::filesystem::path& path) {
     if (nRead >= kPackedMagicSize && !bMarker && !IsPackedMagic(bytes))
         throw ChessException(kNotRegisterFile);
     if (IsPackedMagic(bytes) && !FitsInMemory(opened.nSize)) throw ChessException(kTooLarge);
-    std::rewind(opened.file.get());
     return opened;
 }
 
 TRegisterLoadResult LoadOpened(TOpenedFile& opened, TAggregatedTemporaryChessboardRegister& reg,
                                size_t nBuckets, const TRegisterLoadOptions& options) {
     TRegisterLoadResult result;
-    uint64_t nSize = opened.nSize;
+    const CMappedFile mapped(opened.file.get(), opened.nSize, kRecordReadError);
+    std::span<const uint8_t> data = mapped.Bytes();
     if (opened.header) {
-        CheckHeader(*opened.header, opened, options.bBlackToMove);
-        nSize -= kRegisterHeaderSize;
+        data = data.subspan(kRegisterHeaderSize);
+        CheckHeader(*opened.header, data, options.bBlackToMove);
     } else {
         result.sNote = kOlderForm;
     }
-    result.bComplete = Load(opened.file.get(), reg, nBuckets, nSize, options, result.report);
+    result.bComplete = Load(data, reg, nBuckets, options, result.report);
     result.bRead = true;
     const uint64_t nRecords = result.report.nRecords + result.report.nInvalidPositions;
     if (opened.header && nRecords != opened.header->nRecords)
