@@ -1,6 +1,7 @@
 #include "solver.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -9,6 +10,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "core/thread_start.h"
 #include "engine/search/black_defence.h"
 #include "engine/search/first_move_order.h"
 #include "engine/search/move_ordering.h"
@@ -71,6 +73,23 @@ void FindKeys(CLevelSearch& firstMoves, const TSolveRequest& request, TSolveResu
     out.result = !out.keys.empty() ? kMate : (doubtful ? kDoubtful : kNoMate);
 }
 
+// The keys' main lines, shared out between `threads` threads. Each line is worked out by a search
+// of its own, whose move order memory starts empty: a line does not depend on the other keys nor
+// on the thread that works it out. Returns the nodes searched.
+uint64_t AddMainLines(const TSearchEnvironment& env, const TChessboard& root, std::vector<TKey>& keys,
+                      size_t threads) {
+    std::atomic<size_t> next{0};
+    std::atomic<uint64_t> nodes{0};
+    RunOnThreads(std::min(threads, keys.size()), [&](size_t) {
+        for (size_t i = next++; i < keys.size(); i = next++) {
+            TMateSearch search(env);
+            keys[i].mainLine = MainLine(search, root, keys[i].move);
+            nodes += search.Nodes();
+        }
+    });
+    return nodes;
+}
+
 }  // namespace
 
 std::vector<TMove> MainLine(TMateSearch& search, const TChessboard& root, const TMove& key) {
@@ -79,11 +98,11 @@ std::vector<TMove> MainLine(TMateSearch& search, const TChessboard& root, const 
     line.push_back(After(root, key, root.movesLeft - 1));
     while (true) {
         const TChessboard& black = line.back();
-        const TDefence defence = FindBlackDefence(search, black);
-        if (defence.best.empty() || !defence.refutations.empty()) break;  // mated, or no proven mate
+        const TLongestDefence defence = LongestDefence(search, black);
+        if (defence.move.IsNull()) break;  // mated, or no proven mate
         const int mateIn = defence.mateIn;
-        moves.push_back(defence.best.front());
-        line.push_back(After(black, defence.best.front(), mateIn));
+        moves.push_back(defence.move);
+        line.push_back(After(black, defence.move, mateIn));
         const TChessboard& white = line.back();
         const TMove attack = search.MatingMove(white, mateIn);
         if (attack.IsNull()) break;
@@ -102,7 +121,7 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
     env.stop = &flag;
     const CMainThreadCount engineThread(false);
     std::vector<TMove> firstMoves = OrderedFirstMoves(request);
-    TMateSearch lines(env);  // its own move order memory: the main lines do not depend on the threads
+    const TSearchEnvironment linesEnv = env;  // the main lines' searches remember no move history
     CSchedulerGate gate(MainThreadSlots(request, kMaxMainThreads));
     std::optional<CScheduler> scheduler;
     if (!request.juggled.Empty()) {
@@ -121,7 +140,7 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
             CLevelSearch levels(searches, request.position, std::move(firstMoves), request.levelContext,
                                 env.log, gate);
             FindKeys(levels, request, out);
-            for (TKey& key : out.keys) key.mainLine = MainLine(lines, request.position, key.move);
+            out.nodes += AddMainLines(linesEnv, request.position, out.keys, searches.size());
         } catch (const TSearchStopped&) {
             out.stopped = true;
             out.result = out.keys.empty() ? kDoubtful : kMate;
@@ -134,7 +153,7 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
         }
     }
     for (const TMateSearch& search : searches) out.nodes += search.Nodes();
-    out.nodes += lines.Nodes() + (scheduler ? scheduler->Nodes() : 0);
+    out.nodes += scheduler ? scheduler->Nodes() : 0;
     out.msec = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start)
                    .count();
     return out;

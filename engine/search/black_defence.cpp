@@ -45,6 +45,28 @@ TDefence FindBlackDefence(TMateSearch& search, const TChessboard& node) {
     return defence;
 }
 
+TLongestDefence LongestDefence(TMateSearch& search, const TChessboard& node) {
+    TMoveList moves;
+    GenerateLegalMoves(node, moves);
+    TLongestDefence longest;
+    for (const TMove& m : moves) {
+        TChessboard child;
+        PlayMove(node, m, child);
+        int from = 1;
+        if (longest.mateIn > 0) {
+            TChessboard within = child;
+            within.movesLeft = static_cast<int16_t>(longest.mateIn);
+            const uint8_t r = search.FindForcedMate(within);
+            if (r == kMate) continue;
+            if (r == kNoMate) from = longest.mateIn + 2;
+        }
+        const int mateIn = search.ShortestMate(child, from);
+        if (mateIn == 0) return {};
+        if (mateIn > longest.mateIn) longest = {m, mateIn};
+    }
+    return longest;
+}
+
 std::string EveryReplyText(const TChessboard& node, const TDefence& defence) {
     std::vector<std::pair<TMove, int>> replies = defence.each;
     const auto resistance = [](int mateIn) { return mateIn == 0 ? 1 << 30 : mateIn; };

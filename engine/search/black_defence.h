@@ -22,6 +22,16 @@ struct TDefence {
 // `node` has Black to move and `node.movesLeft` half-moves to the end of the stipulation.
 TDefence FindBlackDefence(TMateSearch& search, const TChessboard& node);
 
+struct TLongestDefence {
+    TMove move;      // null when a reply refutes the mate or Black has no move
+    int mateIn = 0;  // White's quickest mate after it, in half-moves
+};
+
+// The reply of FindBlackDefence's best.front() with its mateIn, for less work: once a reply's mate
+// is known, a later reply is only asked whether it lets mate come later, and its own mate is looked
+// for only then.
+TLongestDefence LongestDefence(TMateSearch& search, const TChessboard& node);
+
 // "Mate in the requested stipulation was refuted with: ...", "Not found any defence against mate.
 // The best looks: ...", "The only reply: ...", "No valid move found", with equivalent moves.
 std::string DefenceText(const TChessboard& node, const TDefence& defence);

@@ -85,8 +85,8 @@ uint8_t TMateSearch::FindForcedMate(const TChessboard& node) {
     return Node(node, 0);
 }
 
-int TMateSearch::ShortestMate(const TChessboard& node) {
-    for (int k = 1; k <= node.movesLeft; k += 2) {
+int TMateSearch::ShortestMate(const TChessboard& node, int from) {
+    for (int k = from; k <= node.movesLeft; k += 2) {
         TChessboard shorter = node;
         shorter.movesLeft = static_cast<int16_t>(k);
         const uint8_t r = FindForcedMate(shorter);

@@ -59,8 +59,9 @@ class TMateSearch {
     // The result code for `node` with `node.movesLeft` half-moves left.
     uint8_t FindForcedMate(const TChessboard& node);
     // The shortest mate from a White node within its half-moves, as a number of half-moves
-    // (1, 3, 5, ...), or 0 when there is none (or it is doubtful).
-    int ShortestMate(const TChessboard& node);
+    // (1, 3, 5, ...), or 0 when there is none (or it is doubtful). With `from`, known to hold no
+    // mate in fewer half-moves, the mates below it are not looked for.
+    int ShortestMate(const TChessboard& node, int from = 1);
     // A mating move of a White node that mates within `halfMoves`, or the null move.
     TMove MatingMove(const TChessboard& node, int halfMoves);
 
