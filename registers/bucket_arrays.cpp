@@ -3,11 +3,13 @@
 #include <sys/mman.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <deque>
-#include <memory>
 #include <mutex>
 #include <new>
+
+#include "chunk_allocator.h"
 
 namespace moremate {
 namespace {
@@ -16,17 +18,43 @@ constexpr size_t kHugePage = size_t{2} << 20;
 // The two tables of a run and those of a heuristic pass's doubtful lines.
 constexpr size_t kKeptArrays = 4;
 
+size_t MappedBytes(size_t nBytes) {
+    return (nBytes + kHugePage - 1) / kHugePage * kHugePage;
+}
+
+// Zero bytes of whole huge pages from the system, starting at a huge page; null when it has none.
+void* MapHugePages(size_t nBytes) {
+    const size_t nMapped = nBytes + kHugePage;  // room to start at a huge page
+    void* pMapped = mmap(nullptr, nMapped, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (pMapped == MAP_FAILED) return nullptr;
+    const uintptr_t nStart = reinterpret_cast<uintptr_t>(pMapped);
+    const uintptr_t nAligned = (nStart + kHugePage - 1) / kHugePage * kHugePage;
+    if (nAligned > nStart) munmap(pMapped, nAligned - nStart);
+    munmap(reinterpret_cast<void*>(nAligned + nBytes), nStart + nMapped - nAligned - nBytes);
+    void* p = reinterpret_cast<void*>(nAligned);
+    madvise(p, nBytes, MADV_HUGEPAGE);
+    return p;
+}
+
 // Every operation starts with a bucket word at a random place: in huge pages a large bucket
-// array costs no page walks.
+// array costs no page walks. Its zeros need no writing: the system clears each page at its first
+// touch, which the chunk reserve's helper makes ahead of use on a spare processor.
 std::atomic<uint64_t>* AllocateBuckets(size_t nBuckets) {
     const size_t nBytes = nBuckets * sizeof(std::atomic<uint64_t>);
-    const size_t nAlignment = nBytes >= kHugePage ? kHugePage : alignof(std::max_align_t);
-    void* p = std::aligned_alloc(nAlignment, (nBytes + nAlignment - 1) / nAlignment * nAlignment);
+    void* p = nBytes < kHugePage ? std::calloc(nBuckets, sizeof(std::atomic<uint64_t>))
+                                 : MapHugePages(MappedBytes(nBytes));
     if (!p) throw std::bad_alloc();
-    if (nAlignment == kHugePage) madvise(p, nBytes, MADV_HUGEPAGE);
-    auto* pBuckets = static_cast<std::atomic<uint64_t>*>(p);
-    std::uninitialized_value_construct_n(pBuckets, nBuckets);
-    return pBuckets;
+    if (nBytes >= kHugePage) PrefaultInBackground(p, MappedBytes(nBytes));
+    return static_cast<std::atomic<uint64_t>*>(p);
+}
+
+void FreeBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets) {
+    const size_t nBytes = nBuckets * sizeof(std::atomic<uint64_t>);
+    if (nBytes < kHugePage) {
+        std::free(pBuckets);
+    } else {
+        munmap(pBuckets, MappedBytes(nBytes));
+    }
 }
 
 struct TKeptArray {
@@ -50,16 +78,16 @@ class CKeptArrays {
         return pBuckets;
     }
     void Give(std::atomic<uint64_t>* pBuckets, size_t nBuckets) {
-        std::atomic<uint64_t>* pOldest = nullptr;
+        TKeptArray oldest{nullptr, 0};
         {
             std::lock_guard lock(m_mutex);
             m_kept.push_back({pBuckets, nBuckets});
             if (m_kept.size() > kKeptArrays) {
-                pOldest = m_kept.front().pBuckets;
+                oldest = m_kept.front();
                 m_kept.pop_front();
             }
         }
-        std::free(pOldest);
+        if (oldest.pBuckets) FreeBuckets(oldest.pBuckets, oldest.nBuckets);
     }
 
   private:

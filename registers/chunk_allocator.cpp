@@ -14,6 +14,7 @@
 #include <new>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "core/thread_start.h"
 #include "register_combined_map.h"
@@ -94,6 +95,14 @@ class CChunkReserve {
         m_changed.notify_all();
         return new (p) TChunk;
     }
+    // Once the chunks wanted are ready, the helper faults in these pages too; dropped when the
+    // last holder leaves first.
+    void Prefault(uint8_t* p, size_t nBytes) {
+        std::lock_guard lock(m_mutex);
+        if (m_nHolders == 0) return;
+        m_toFault.push_back({p, nBytes});
+        m_changed.notify_all();
+    }
     void AddHolder() {
         std::lock_guard lock(m_mutex);
         if (m_nHolders++ == 0)
@@ -103,7 +112,10 @@ class CChunkReserve {
         std::thread helper;
         {
             std::lock_guard lock(m_mutex);
-            if (--m_nHolders == 0) helper = std::move(m_helper);
+            if (--m_nHolders == 0) {
+                helper = std::move(m_helper);
+                m_toFault.clear();
+            }
             m_changed.notify_all();
         }
         if (helper.joinable()) helper.join();
@@ -115,12 +127,22 @@ class CChunkReserve {
     void MakeReady(uint64_t nGeneration) {
         const sched_param idle{};
         pthread_setschedparam(pthread_self(), SCHED_IDLE, &idle);  // where refused, it runs as before
+        const auto ended = [&] { return m_nHolders == 0 || m_nGeneration != nGeneration; };
         for (;;) {
+            TRange range;
             {
                 std::unique_lock lock(m_mutex);
-                const auto ended = [&] { return m_nHolders == 0 || m_nGeneration != nGeneration; };
-                m_changed.wait(lock, [&] { return ended() || m_nReady < kReadyChunks; });
+                m_changed.wait(lock,
+                               [&] { return ended() || m_nReady < kReadyChunks || !m_toFault.empty(); });
                 if (ended()) return;
+                if (m_nReady == kReadyChunks) {
+                    range = m_toFault.back();
+                    m_toFault.pop_back();
+                }
+            }
+            if (range.nBytes > 0) {
+                FaultIn(range, ended);
+                continue;
             }
             auto* p = static_cast<volatile uint8_t*>(AllocateChunkMemory(kChunkSize));
             if (!p) return;  // no memory: chunks are made where they are needed
@@ -134,9 +156,28 @@ class CChunkReserve {
         }
     }
 
+    struct TRange {
+        uint8_t* p = nullptr;
+        size_t nBytes = 0;
+    };
+    // A chunk's length at a time, the end of the helper checked in between. The pages are faulted
+    // in writable with their contents unchanged: harmless when the memory is in use meanwhile, or
+    // was given back (the system then refuses).
+    template <class FEnded>
+    void FaultIn(const TRange& range, FEnded&& ended) {
+        for (size_t nDone = 0; nDone < range.nBytes; nDone += kChunkSize) {
+            {
+                std::lock_guard lock(m_mutex);
+                if (ended()) return;
+            }
+            madvise(range.p + nDone, std::min(kChunkSize, range.nBytes - nDone), MADV_POPULATE_WRITE);
+        }
+    }
+
     std::mutex m_mutex;
     std::condition_variable m_changed;
     void* m_ready[kReadyChunks] = {};
+    std::vector<TRange> m_toFault;
     size_t m_nReady = 0;
     int m_nHolders = 0;
     uint64_t m_nGeneration = 0;  // of the latest helper
@@ -398,6 +439,10 @@ CChunkReserveScope::CChunkReserveScope() {
 
 CChunkReserveScope::~CChunkReserveScope() {
     CChunkReserve::Instance().RemoveHolder();
+}
+
+void PrefaultInBackground(void* p, size_t nBytes) {
+    CChunkReserve::Instance().Prefault(static_cast<uint8_t*>(p), nBytes);
 }
 
 CChunkAllocator& RegisterChunkAllocator() {

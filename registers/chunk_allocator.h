@@ -81,6 +81,11 @@ class CChunkReserveScope {
     CChunkReserveScope& operator=(const CChunkReserveScope&) = delete;
 };
 
+// Asks the reserve's helper, while one runs, to fault in the pages of fresh memory of the
+// registers (such as a bucket array) once its chunks are ready: the system clears them there,
+// not at their first use. The pages' contents stay as they are.
+void PrefaultInBackground(void* p, size_t nBytes);
+
 // The allocator of all temporary registers, sized for their nodes and arrays.
 CChunkAllocator& RegisterChunkAllocator();
 

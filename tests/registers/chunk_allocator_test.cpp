@@ -1,8 +1,10 @@
 // The chunk allocator: units are distinct and reused, empty chunks wait for reuse up to a limit,
 // resizing keeps the contents, and the statistics report counts it all.
 #include <gtest/gtest.h>
+#include <sys/mman.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <random>
 #include <set>
@@ -172,6 +174,40 @@ TEST(RegisterChunkAllocator, ReserveScopesComeAndGo) {
         }
         other.join();
     }
+}
+
+size_t ResidentPages(uint8_t* p, size_t nBytes) {
+    std::vector<unsigned char> resident(nBytes / 4096);
+    if (mincore(p, nBytes, resident.data()) != 0) return 0;
+    return static_cast<size_t>(
+        std::count_if(resident.begin(), resident.end(), [](unsigned char c) { return c & 1; }));
+}
+
+// Fresh memory handed to the reserve's helper gets its pages faulted in, with the bytes already
+// written kept; without a holder the request is dropped.
+TEST(RegisterChunkAllocator, HelperFaultsInFreshPagesKeepingTheirBytes) {
+    constexpr size_t kBytes = size_t{8} << 20;
+    auto* p = static_cast<uint8_t*>(
+        mmap(nullptr, kBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    ASSERT_NE(p, MAP_FAILED);
+    madvise(p, kBytes, MADV_NOHUGEPAGE);  // pages of 4 KiB, counted one by one
+    PrefaultInBackground(p, kBytes);      // no holder: nothing happens
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    EXPECT_EQ(ResidentPages(p, kBytes), 0u);
+    for (size_t i = 0; i < kBytes; i += 64 * 4096) p[i + 7] = static_cast<uint8_t>(i >> 18);
+    {
+        const CChunkReserveScope scope;
+        PrefaultInBackground(p, kBytes);
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+        while (ResidentPages(p, kBytes) < kBytes / 4096 && std::chrono::steady_clock::now() < deadline)
+            std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    EXPECT_EQ(ResidentPages(p, kBytes), kBytes / 4096);
+    for (size_t i = 0; i < kBytes; ++i) {
+        const uint8_t expected = i % (64 * 4096) == 7 ? static_cast<uint8_t>((i - 7) >> 18) : 0;
+        ASSERT_EQ(p[i], expected) << i;
+    }
+    munmap(p, kBytes);
 }
 
 TEST(RegisterChunkAllocator, Report) {
