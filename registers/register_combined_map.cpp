@@ -182,8 +182,10 @@ void TRegisterCombinedMap::TFreeBuckets::operator()(std::atomic<uint64_t>* pBuck
 }
 
 // Words outside the lines in use were never written: the array goes back all 0.
+// The chunk allocator frees a node by its address alone: the walk loads no entries ahead.
 TRegisterCombinedMap::~TRegisterCombinedMap() {
-    ForEachBucketInUse([](std::atomic<uint64_t>& word) {
+    ForEachBucketIndexInUse([this](size_t nBucket) {
+        std::atomic<uint64_t>& word = m_pBuckets[nBucket];
         const uint64_t value = word.load(std::memory_order_relaxed);
         FreeBucket(BucketPointer(value), IsSortedBucket(value));
         word.store(0, std::memory_order_relaxed);
