@@ -21,6 +21,20 @@ std::string WithEquivalents(const TChessboard& node, const std::vector<TMove>& m
     return text;
 }
 
+// Whether White mates within `halfMoves` after a reply: the mate in two is asked for first, which
+// most replies that put mate off no longer allow and which is cheap to find, then the mate within
+// all the half-moves.
+uint8_t MateWithin(TMateSearch& search, const TChessboard& child, int halfMoves) {
+    TChessboard within = child;
+    if (halfMoves > 3) {
+        within.movesLeft = 3;
+        const uint8_t r = search.FindForcedMate(within);
+        if (r != kNoMate) return r;
+    }
+    within.movesLeft = static_cast<int16_t>(halfMoves);
+    return search.FindForcedMate(within);
+}
+
 }  // namespace
 
 TDefence FindBlackDefence(TMateSearch& search, const TChessboard& node) {
@@ -54,9 +68,7 @@ TLongestDefence LongestDefence(TMateSearch& search, const TChessboard& node) {
         PlayMove(node, m, child);
         int from = 1;
         if (longest.mateIn > 0) {
-            TChessboard within = child;
-            within.movesLeft = static_cast<int16_t>(longest.mateIn);
-            const uint8_t r = search.FindForcedMate(within);
+            const uint8_t r = MateWithin(search, child, longest.mateIn);
             if (r == kMate) continue;
             if (r == kNoMate) from = longest.mateIn + 2;
         }
