@@ -99,7 +99,7 @@ int TMateSearch::ShortestMate(const TChessboard& node, int from) {
 TMove TMateSearch::MatingMove(const TChessboard& node, int halfMoves) {
     TMoveList moves;
     GenerateLegalMoves(node, moves);
-    OrderWhiteMoves(node, moves, m_killers[0], halfMoves == 1);
+    OrderWhiteMoves(node, moves, m_killers[0], halfMoves == 1, halfMoves >= kFewestRepliesMinHalfMoves);
     for (const TMove& m : moves) {
         TChessboard child;
         PlayMove(node, m, child);

@@ -62,7 +62,8 @@ class TMateSearch {
     // (1, 3, 5, ...), or 0 when there is none (or it is doubtful). With `from`, known to hold no
     // mate in fewer half-moves, the mates below it are not looked for.
     int ShortestMate(const TChessboard& node, int from = 1);
-    // A mating move of a White node that mates within `halfMoves`, or the null move.
+    // A mating move of a White node that mates within `halfMoves`, or the null move: the first
+    // that does in the order of the search's White nodes.
     TMove MatingMove(const TChessboard& node, int halfMoves);
 
     // A Black node whose defences several threads share: settles it at once when it can (the
