@@ -203,13 +203,6 @@ unsigned ShardCount(const TRegisterLoadOptions& options, uint64_t nFileSize, siz
     return nBuckets >= nShards ? nShards : 1;
 }
 
-// Stores every record of `data`, the last batch too; true when the data end at a boundary.
-bool StoreAll(std::span<const uint8_t> data, CShardedStore& store, TRegisterLoadReport& report) {
-    const bool bComplete = store.StoreUnits(data) == data.size();
-    report = store.Finish();
-    return bComplete;
-}
-
 // The packed file decoded whole.
 std::vector<uint8_t> UnpackFile(std::span<const uint8_t> packed) {
     std::optional<std::vector<uint8_t>> data;
@@ -233,14 +226,16 @@ bool Load(std::span<const uint8_t> data, TAggregatedTemporaryChessboardRegister&
           const TRegisterLoadOptions& options, TRegisterLoadReport& report) {
     reg.SetBucketCount(nBuckets);
     if (data.size() < kPackedMagicSize) throw ChessException(kEmptyFile);
+    std::vector<uint8_t> unpacked;
     if (IsPackedMagic(data.data())) {
-        const std::vector<uint8_t> unpacked = UnpackFile(data);
+        unpacked = UnpackFile(data);
         WriteScratchCopy(options.workingFolder / kLoadScratchFile, unpacked);
-        CShardedStore store(reg, options, ShardCount(options, unpacked.size(), nBuckets));
-        return StoreAll(unpacked, store, report);
+        data = unpacked;
     }
     CShardedStore store(reg, options, ShardCount(options, data.size(), nBuckets));
-    return StoreAll(data, store, report);
+    const bool bComplete = store.StoreUnits(data) == data.size();
+    report = store.Finish();  // every record stored, the last batch too
+    return bComplete;
 }
 
 }  // namespace moremate
