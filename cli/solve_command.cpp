@@ -21,6 +21,7 @@
 #include "progress_line.h"
 #include "register_loading.h"
 #include "registers/chunk_allocator.h"
+#include "registers/register_combined_map.h"
 #include "registers/register_file.h"
 #include "registers/register_statistics.h"
 #include "run_keys.h"
@@ -112,6 +113,7 @@ int RunSolve(SolveArgs& args, TProgramContext& context) {
     fmt::print(args.json ? stderr : stdout, "{}", SummaryText(summary));
     if (args.registerStats && runRegister) PrintRegisterStatistics(*runRegister);
     if (args.saveRegister && runRegister) SaveRunRegister(*args.saveRegister, *runRegister);
+    g_bTablesLeftToTheSystem = true;  // the program ends with this command
     if (!readError.empty()) return kExitBadInput;
     return allMatched && !control.StoppedByUser() ? kExitOk : kExitMismatch;
 }

@@ -48,15 +48,6 @@ std::atomic<uint64_t>* AllocateBuckets(size_t nBuckets) {
     return static_cast<std::atomic<uint64_t>*>(p);
 }
 
-void FreeBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets) {
-    const size_t nBytes = nBuckets * sizeof(std::atomic<uint64_t>);
-    if (nBytes < kHugePage) {
-        std::free(pBuckets);
-    } else {
-        munmap(pBuckets, MappedBytes(nBytes));
-    }
-}
-
 struct TKeptArray {
     std::atomic<uint64_t>* pBuckets;
     size_t nBuckets;
@@ -96,6 +87,15 @@ class CKeptArrays {
 };
 
 }  // namespace
+
+void FreeBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets) {
+    const size_t nBytes = nBuckets * sizeof(std::atomic<uint64_t>);
+    if (nBytes < kHugePage) {
+        std::free(pBuckets);
+    } else {
+        munmap(pBuckets, MappedBytes(nBytes));
+    }
+}
 
 std::atomic<uint64_t>* TakeBucketArray(size_t nBuckets) {
     std::atomic<uint64_t>* pBuckets = CKeptArrays::Instance().Take(nBuckets);

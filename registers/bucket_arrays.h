@@ -15,5 +15,7 @@ std::atomic<uint64_t>* TakeBucketArray(size_t nBuckets);
 // Takes back an array of TakeBucketArray whose words are all 0 again; null is ignored. A few are
 // kept for reuse, the oldest beyond them go back to the system.
 void GiveBucketArray(std::atomic<uint64_t>* pBuckets, size_t nBuckets);
+// Returns an array of TakeBucketArray to the system, whatever its words hold.
+void FreeBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets);
 
 }  // namespace moremate

@@ -181,9 +181,15 @@ void TRegisterCombinedMap::TFreeBuckets::operator()(std::atomic<uint64_t>* pBuck
     GiveBucketArray(pBuckets, nBuckets);
 }
 
+std::atomic<bool> g_bTablesLeftToTheSystem{false};
+
 // Words outside the lines in use were never written: the array goes back all 0.
 // The chunk allocator frees a node by its address alone: the walk loads no entries ahead.
 TRegisterCombinedMap::~TRegisterCombinedMap() {
+    if (g_bTablesLeftToTheSystem.load(std::memory_order_relaxed)) {
+        FreeBuckets(m_pBuckets.release(), BucketCount());  // the nodes stay in the allocator's chunks
+        return;
+    }
     ForEachBucketIndexInUse([this](size_t nBucket) {
         std::atomic<uint64_t>& word = m_pBuckets[nBucket];
         const uint64_t value = word.load(std::memory_order_relaxed);

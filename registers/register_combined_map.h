@@ -69,6 +69,11 @@ struct TMapCensus {
     void Add(const TMapCensus& other);
 };
 
+// Set once a program is about to end: from then on a table that is destroyed gives its bucket
+// array straight back to the system and leaves its nodes in the chunk allocator, without the walk
+// over its buckets that would free them one by one: the system takes the process's memory whole.
+extern std::atomic<bool> g_bTablesLeftToTheSystem;
+
 class TRegisterCombinedMap {
   public:
     // The bucket count is rounded up to a power of two.
