@@ -108,17 +108,14 @@ class CChunkReserve {
         if (m_nHolders++ == 0)
             m_helper = StartThread([this, nGeneration = ++m_nGeneration] { MakeReady(nGeneration); });
     }
+    // The last holder does not wait for the helper: one still clearing a chunk ends after it.
     void RemoveHolder() {
-        std::thread helper;
-        {
-            std::lock_guard lock(m_mutex);
-            if (--m_nHolders == 0) {
-                helper = std::move(m_helper);
-                m_toFault.clear();
-            }
-            m_changed.notify_all();
+        std::lock_guard lock(m_mutex);
+        if (--m_nHolders == 0) {
+            if (m_helper.joinable()) m_helper.detach();
+            m_toFault.clear();
         }
-        if (helper.joinable()) helper.join();
+        m_changed.notify_all();
     }
 
   private:
