@@ -69,6 +69,27 @@ struct TMapCensus {
     void Add(const TMapCensus& other);
 };
 
+// Hands the indices given to Add on to `visit` kAhead indices late, and the last ones at Finish: a
+// walk starts loading an index's memory when it adds it and finds it loaded at the visit.
+template <size_t kAhead, class FVisit>
+class CDelayedVisits {
+  public:
+    explicit CDelayedVisits(const FVisit& visit) : m_visit(visit) {}
+    void Add(size_t index) {
+        if (m_nSeen >= kAhead) m_visit(m_pending[m_nSeen % kAhead]);
+        m_pending[m_nSeen++ % kAhead] = index;
+    }
+    void Finish() {
+        for (size_t i = m_nSeen > kAhead ? m_nSeen - kAhead : 0; i < m_nSeen; ++i)
+            m_visit(m_pending[i % kAhead]);
+    }
+
+  private:
+    const FVisit& m_visit;
+    size_t m_pending[kAhead];
+    size_t m_nSeen = 0;
+};
+
 // Set once a program is about to end: from then on a table that is destroyed gives its bucket
 // array straight back to the system and leaves its nodes in the chunk allocator, without the walk
 // over its buckets that would free them one by one: the system takes the process's memory whole.
@@ -175,6 +196,7 @@ class TRegisterCombinedMap {
     static constexpr size_t kBucketsPerMark = 8;
     static constexpr size_t kMarksPerWord = 64;
     static constexpr size_t kWalkAhead = 16;
+    static constexpr size_t kLinesAhead = 16;
 
     std::atomic<uint64_t>& BucketOf(uint32_t nHash) const { return m_pBuckets[nHash & m_nMask]; }
     void MarkInUse(size_t nBucket) {
@@ -188,25 +210,32 @@ class TRegisterCombinedMap {
     // once for many buckets instead of once for each.
     template <class FVisit>
     void ForEachBucketInUse(FVisit&& visit) const {
-        size_t pending[kWalkAhead];
-        size_t nSeen = 0;
+        const auto visitBucket = [&](size_t nBucket) { visit(m_pBuckets[nBucket]); };
+        CDelayedVisits<kWalkAhead, decltype(visitBucket)> buckets(visitBucket);
         ForEachBucketIndexInUse([&](size_t nBucket) {
             if (const void* p = BucketPointer(m_pBuckets[nBucket].load(std::memory_order_relaxed)))
                 __builtin_prefetch(p, 1);
-            if (nSeen >= kWalkAhead) visit(m_pBuckets[pending[nSeen % kWalkAhead]]);
-            pending[nSeen++ % kWalkAhead] = nBucket;
+            buckets.Add(nBucket);
         });
-        for (size_t i = nSeen > kWalkAhead ? nSeen - kWalkAhead : 0; i < nSeen; ++i)
-            visit(m_pBuckets[pending[i % kWalkAhead]]);
+        buckets.Finish();
     }
+    // Calls `visit(index)` for every bucket of the lines marked, in bucket order. A line of bucket
+    // words is loaded kLinesAhead marked lines before its buckets are visited: the lines in use of
+    // a large table lie far apart.
     template <class FVisit>
     void ForEachBucketIndexInUse(FVisit&& visit) const {
+        const auto visitLine = [&](size_t nFirst) {
+            for (size_t j = nFirst; j < nFirst + kBucketsPerMark && j <= m_nMask; ++j) visit(j);
+        };
+        CDelayedVisits<kLinesAhead, decltype(visitLine)> lines(visitLine);
         for (size_t i = 0; i < InUseWords(); ++i) {
             for (uint64_t marks = m_pInUse[i].load(std::memory_order_relaxed); marks; marks &= marks - 1) {
                 const size_t nFirst = (i * kMarksPerWord + std::countr_zero(marks)) * kBucketsPerMark;
-                for (size_t j = nFirst; j < nFirst + kBucketsPerMark && j <= m_nMask; ++j) visit(j);
+                __builtin_prefetch(&m_pBuckets[nFirst]);
+                lines.Add(nFirst);
             }
         }
+        lines.Finish();
     }
     size_t InUseWords() const {
         return (BucketCount() + kBucketsPerMark * kMarksPerWord - 1) / (kBucketsPerMark * kMarksPerWord);
