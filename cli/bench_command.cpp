@@ -60,7 +60,7 @@ int RunBench(TProgramContext& context, int threads) {
 Runner AddBenchCommand(CLI::App& app, TProgramContext& context) {
     auto threads = std::make_shared<int>(1);
     CLI::App* cmd =
-        app.add_subcommand("bench", "Solve a fixed set of problems on one thread: node signature and time");
+        app.add_subcommand("bench", "Solve a fixed set of problems: node signature (on one thread) and time");
     cmd->add_option("--threads", *threads,
                     "Threads for the first moves (default 1; the node signature is that of one thread)")
         ->check(CLI::Range(1, 64));
