@@ -108,11 +108,17 @@ class CChunkReserve {
         if (m_nHolders++ == 0)
             m_helper = StartThread([this, nGeneration = ++m_nGeneration] { MakeReady(nGeneration); });
     }
-    // The last holder does not wait for the helper: one still clearing a chunk ends after it.
+    // The last holder does not wait for the helper: one still clearing a chunk ends after it, in
+    // the normal scheduling class again, so that a busy machine does not hold it (nor the end of
+    // the process) back.
     void RemoveHolder() {
         std::lock_guard lock(m_mutex);
         if (--m_nHolders == 0) {
-            if (m_helper.joinable()) m_helper.detach();
+            if (m_helper.joinable()) {
+                const sched_param normal{};
+                pthread_setschedparam(m_helper.native_handle(), SCHED_OTHER, &normal);
+                m_helper.detach();
+            }
             m_toFault.clear();
         }
         m_changed.notify_all();
