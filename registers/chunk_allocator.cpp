@@ -1,7 +1,5 @@
 #include "chunk_allocator.h"
 
-#include <pthread.h>
-#include <sched.h>
 #include <sys/mman.h>
 
 #include <algorithm>
@@ -74,11 +72,13 @@ TChunk* NewChunk(size_t nBytes) {
 
 // Chunks made ready ahead by a helper thread, their memory already faulted in: the system clears
 // a fresh page when it is first touched, and a search thread that takes a new chunk then finds
-// that done. The helper runs in the idle scheduling class, so that it clears pages on a processor
-// that the search leaves free (the second one of a single search thread, the moments at the joins
-// of several) and never takes one from a search thread; a few chunks kept ready carry that work
-// over to the moments the registers grow. The helper runs while a CChunkReserveScope lives; the
-// chunks it made ready stay for the next takers.
+// that done. The helper clears pages on a processor that the search leaves free (the second one of
+// a single search thread, the moments at the joins of several); a few chunks kept ready carry that
+// work over to the moments the registers grow. It runs in the normal scheduling class: in the idle
+// class, a machine kept busy by other programs held it off the processor in the middle of a
+// clearing, with the address space's lock taken, and every thread that mapped memory meanwhile (a
+// new thread's stack, a chunk) waited for it, up to seconds. The helper runs while a
+// CChunkReserveScope lives; the chunks it made ready stay for the next takers.
 class CChunkReserve {
   public:
     static constexpr size_t kReadyChunks = 8;
@@ -108,17 +108,11 @@ class CChunkReserve {
         if (m_nHolders++ == 0)
             m_helper = StartThread([this, nGeneration = ++m_nGeneration] { MakeReady(nGeneration); });
     }
-    // The last holder does not wait for the helper: one still clearing a chunk ends after it, in
-    // the normal scheduling class again, so that a busy machine does not hold it (nor the end of
-    // the process) back.
+    // The last holder does not wait for the helper: one still clearing a chunk ends after it.
     void RemoveHolder() {
         std::lock_guard lock(m_mutex);
         if (--m_nHolders == 0) {
-            if (m_helper.joinable()) {
-                const sched_param normal{};
-                pthread_setschedparam(m_helper.native_handle(), SCHED_OTHER, &normal);
-                m_helper.detach();
-            }
+            if (m_helper.joinable()) m_helper.detach();
             m_toFault.clear();
         }
         m_changed.notify_all();
@@ -128,8 +122,6 @@ class CChunkReserve {
     // A helper ends when the holders are gone or a newer helper has taken over (the last holder
     // left and a new one came while this one was still clearing a chunk).
     void MakeReady(uint64_t nGeneration) {
-        const sched_param idle{};
-        pthread_setschedparam(pthread_self(), SCHED_IDLE, &idle);  // where refused, it runs as before
         const auto ended = [&] { return m_nHolders == 0 || m_nGeneration != nGeneration; };
         for (;;) {
             TRange range;
