@@ -184,8 +184,8 @@ size_t ResidentPages(uint8_t* p, size_t nBytes) {
 }
 
 // Fresh memory handed to the reserve's helper gets its pages faulted in, with the bytes already
-// written kept; without a holder the request is dropped. The helper runs in the idle scheduling
-// class: with both processors busy with other tests it may take seconds.
+// written kept; without a holder the request is dropped. With both processors busy with other
+// tests the helper may take seconds.
 TEST(RegisterChunkAllocator, HelperFaultsInFreshPagesKeepingTheirBytes) {
     constexpr size_t kBytes = size_t{8} << 20;
     auto* p = static_cast<uint8_t*>(
