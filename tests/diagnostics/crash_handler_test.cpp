@@ -1,5 +1,6 @@
 #include "diagnostics/crash_handler.h"
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -174,6 +175,16 @@ TEST(CrashHandler, SystemHandlerOnLeavesTheCrashToTheSystem) {
     const auto notOurs = [](int status) { return !WIFEXITED(status) || WEXITSTATUS(status) != kExitCrash; };
     EXPECT_EXIT(CrashIn(folder.Path(), TestCrash::Segv, true), notOurs, "");
     EXPECT_TRUE(CrashLogs(folder).empty());
+}
+
+// The call stacks' library must not take over the unwinding of exceptions from the compiler's own
+// (it would run each one about twenty times slower, with a system call per frame).
+TEST(CrashHandler, ExceptionsAreUnwoundByTheCompilersLibrary) {
+    void* raise = dlsym(RTLD_DEFAULT, "_Unwind_RaiseException");
+    ASSERT_NE(raise, nullptr);
+    Dl_info info{};
+    ASSERT_NE(dladdr(raise, &info), 0);
+    EXPECT_NE(std::string(info.dli_fname).find("libgcc_s"), std::string::npos) << info.dli_fname;
 }
 
 }  // namespace
