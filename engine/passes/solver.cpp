@@ -128,7 +128,8 @@ TSolveResult Solve(const TSolveRequest& request, std::atomic<bool>* stop) {
         scheduler.emplace(env, request.levelContext, request.scheduler, request.juggled, gate);
         env.scheduler = &*scheduler;
     }
-    env.moveHistory = env.heuristics == nullptr;
+    TMoveHistories histories;  // the main threads order their moves by what all of them found
+    if (env.heuristics == nullptr) env.moveHistory = &histories;
     std::vector<TMateSearch> searches(MainThreadSlots(request, firstMoves.size()), TMateSearch(env));
     if (env.observed)
         for (size_t t = 0; t < searches.size(); ++t)

@@ -200,7 +200,7 @@ uint8_t TMateSearch::WhiteNode(const TChessboard& node, int ply) {
     bool doubtful = Filtered(node, moves);
     TMoveList checks;  // the mate in one is looked for among these
     OrderWhiteMoves(node, moves, m_killers[ply], false, n >= kFewestRepliesMinHalfMoves, &checks,
-                    m_env.moveHistory ? &m_mates : nullptr);
+                    m_env.moveHistory ? &m_env.moveHistory->mates : nullptr);
     if (m_env.scheduler) m_env.scheduler->AtWhiteNode(node, moves);
     const uint64_t repetitionsBefore = m_nRepetitions;
     for (int k = 1; k <= n; k = NextDepth(k, n, ply)) {
@@ -246,7 +246,7 @@ uint8_t TMateSearch::WhiteMoves(const TChessboard& node, const TMoveList& moves,
         const uint8_t r = resultOf(i);
         if (r == kMate) {
             m_killers[ply].Remember(m);
-            if (m_env.moveHistory) m_mates.Remember(m, halfMoves);
+            if (m_env.moveHistory) m_env.moveHistory->mates.Remember(m, halfMoves);
             if (i >= kPoorlySortedIndex && halfMoves >= 5 && !m_env.logFolder.empty())
                 CSearchLog::PoorlySortedMove(m_env.logFolder, node, m, i);
             return kMate;
@@ -287,7 +287,8 @@ uint8_t TMateSearch::GenerateDefences(const TChessboard& node, int ply, TMoveLis
     GenerateLegalMoves(node, moves);
     if (moves.count == 0) return node.InCheck() ? kMate : kNoMate;  // mate, or stalemate
     doubtful = Filtered(node, moves);
-    OrderBlackMoves(node, moves, m_killers[ply], true, m_env.moveHistory ? &m_refutations : nullptr);
+    OrderBlackMoves(node, moves, m_killers[ply], true,
+                    m_env.moveHistory ? &m_env.moveHistory->refutations : nullptr);
     return kUnknownResult;
 }
 
@@ -311,7 +312,7 @@ uint8_t TMateSearch::Refuted(const TChessboard& node, int ply, const TMove& defe
         return kDoubtful;
     }
     m_killers[ply].Remember(defence);
-    if (m_env.moveHistory) m_refutations.Remember(defence, node.movesLeft);
+    if (m_env.moveHistory) m_env.moveHistory->refutations.Remember(defence, node.movesLeft);
     if (m_nRepetitions == repetitionsBefore) Settle(node, ply, kNoMate);
     return kNoMate;
 }

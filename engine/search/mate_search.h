@@ -42,10 +42,11 @@ struct TSearchEnvironment {
     std::string logFolder;                           // where "PoorSWM.log" goes
     int quickerMateDepth = 7;                        // "LFQMDepth" in moves: shorter mates first (0: none)
     CObservedLines* observed = nullptr;              // the main threads' lines (observer levels), or none
-    // Whether moves are ordered by what settled nodes elsewhere in the same search (CMoveHistory):
-    // worth it in the one exhaustive search of a pass without heuristics; in the many small searches
-    // of other positions, and under heuristics, what worked elsewhere misleads.
-    bool moveHistory = false;
+    // The histories that moves are ordered by (what settled nodes elsewhere in the same search),
+    // shared by the threads of the search, or none: worth it in the one exhaustive search of a pass
+    // without heuristics; in the many small searches of other positions, and under heuristics, what
+    // worked elsewhere misleads.
+    TMoveHistories* moveHistory = nullptr;
 };
 
 // What every search does at a node: counts it (adding to the run's progress every few thousand),
@@ -131,8 +132,6 @@ class TMateSearch {
     // Repetitions met so far: a "no mate" that rests on one depends on the line and is not stored.
     uint64_t m_nRepetitions = 0;
     std::vector<TKillerMoves> m_killers = std::vector<TKillerMoves>(1024);
-    CMoveHistory m_mates;        // White's moves that mated (with moveHistory)
-    CMoveHistory m_refutations;  // Black's defences that refuted (with moveHistory)
     CObservedLine m_observed;
 };
 

@@ -2,6 +2,7 @@
 // defence that refutes, found first saves the whole search of its siblings.
 #pragma once
 
+#include <atomic>
 #include <bit>
 #include <cstdint>
 #include <vector>
@@ -27,17 +28,32 @@ struct TKillerMoves {
 // that mated, or Black's defences that refuted. Behind a node's killers, checks and captures it
 // orders the moves that are otherwise alike: a piece's move that worked elsewhere in the tree
 // mostly works again.
+//
+// The threads of a search share one: each then orders by what all of them have found, as a
+// single thread would. A weight is read and written without a locked instruction, so two threads
+// adding at once may lose one addition: an ordering hint can afford that.
 class CMoveHistory {
   public:
     void Remember(const TMove& m, int halfMoves) {
-        m_nWeight[m.from][m.to] += static_cast<uint64_t>(halfMoves) * static_cast<uint64_t>(halfMoves);
+        std::atomic<uint64_t>& weight = m_nWeight[m.from][m.to];
+        weight.store(weight.load(std::memory_order_relaxed) +
+                         static_cast<uint64_t>(halfMoves) * static_cast<uint64_t>(halfMoves),
+                     std::memory_order_relaxed);
     }
     // 0 for a move never remembered, else the bit width of its weight: deeper and more frequent
     // successes count more, logarithmically, so that they only break ties of the other scores.
-    int Points(const TMove& m) const { return std::bit_width(m_nWeight[m.from][m.to]); }
+    int Points(const TMove& m) const {
+        return std::bit_width(m_nWeight[m.from][m.to].load(std::memory_order_relaxed));
+    }
 
   private:
-    uint64_t m_nWeight[64][64] = {};
+    std::atomic<uint64_t> m_nWeight[64][64] = {};
+};
+
+// The histories of the White and the Black nodes of a search.
+struct TMoveHistories {
+    CMoveHistory mates;        // White's moves that mated
+    CMoveHistory refutations;  // Black's defences that refuted
 };
 
 // White's moves: killers, then checks, then captures (most valuable victim first), then moves
