@@ -48,6 +48,15 @@ std::atomic<uint64_t>* AllocateBuckets(size_t nBuckets) {
     return static_cast<std::atomic<uint64_t>*>(p);
 }
 
+void FreeBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets) {
+    const size_t nBytes = nBuckets * sizeof(std::atomic<uint64_t>);
+    if (nBytes < kHugePage) {
+        std::free(pBuckets);
+    } else {
+        munmap(pBuckets, MappedBytes(nBytes));
+    }
+}
+
 struct TKeptArray {
     std::atomic<uint64_t>* pBuckets;
     size_t nBuckets;
@@ -88,13 +97,8 @@ class CKeptArrays {
 
 }  // namespace
 
-void FreeBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets) {
-    const size_t nBytes = nBuckets * sizeof(std::atomic<uint64_t>);
-    if (nBytes < kHugePage) {
-        std::free(pBuckets);
-    } else {
-        munmap(pBuckets, MappedBytes(nBytes));
-    }
+void LeaveBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets) {
+    if (nBuckets * sizeof(std::atomic<uint64_t>) < kHugePage) std::free(pBuckets);
 }
 
 std::atomic<uint64_t>* TakeBucketArray(size_t nBuckets) {

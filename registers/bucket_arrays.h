@@ -15,7 +15,9 @@ std::atomic<uint64_t>* TakeBucketArray(size_t nBuckets);
 // Takes back an array of TakeBucketArray whose words are all 0 again; null is ignored. A few are
 // kept for reuse, the oldest beyond them go back to the system.
 void GiveBucketArray(std::atomic<uint64_t>* pBuckets, size_t nBuckets);
-// Returns an array of TakeBucketArray to the system, whatever its words hold.
-void FreeBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets);
+// For an array of TakeBucketArray at the program's end: a small one goes back to the heap, a
+// mapped one stays mapped for the system to take with the process (unmapping it waits for any
+// thread that is faulting in pages of the process at the time, such as the chunk reserve's helper).
+void LeaveBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets);
 
 }  // namespace moremate

@@ -187,7 +187,7 @@ std::atomic<bool> g_bTablesLeftToTheSystem{false};
 // The chunk allocator frees a node by its address alone: the walk loads no entries ahead.
 TRegisterCombinedMap::~TRegisterCombinedMap() {
     if (g_bTablesLeftToTheSystem.load(std::memory_order_relaxed)) {
-        FreeBuckets(m_pBuckets.release(), BucketCount());  // the nodes stay in the allocator's chunks
+        LeaveBuckets(m_pBuckets.release(), BucketCount());  // the nodes stay in the allocator's chunks
         return;
     }
     ForEachBucketIndexInUse([this](size_t nBucket) {

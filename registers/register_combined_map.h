@@ -90,8 +90,8 @@ class CDelayedVisits {
     size_t m_nSeen = 0;
 };
 
-// Set once a program is about to end: from then on a table that is destroyed gives its bucket
-// array straight back to the system and leaves its nodes in the chunk allocator, without the walk
+// Set once a program is about to end: from then on a table that is destroyed leaves its bucket
+// array to the system (see LeaveBuckets) and its nodes in the chunk allocator, without the walk
 // over its buckets that would free them one by one: the system takes the process's memory whole.
 extern std::atomic<bool> g_bTablesLeftToTheSystem;
 
