@@ -1,16 +1,18 @@
 #include "http_connect.h"
 
-#include <curl/curl.h>
-
 namespace moremate {
 
-HTTPConnect::HTTPConnect() {
-    static const CURLcode s_global = curl_global_init(CURL_GLOBAL_DEFAULT);
-    if (s_global == CURLE_OK) m_pCurl = curl_easy_init();
+CURL* HTTPConnect::Handle() {
+    if (!m_bTried) {
+        m_bTried = true;
+        m_pLibrary = CurlLibrary();
+        if (m_pLibrary != nullptr) m_pCurl = m_pLibrary->easyInit();
+    }
+    return m_pCurl;
 }
 
 HTTPConnect::~HTTPConnect() {
-    if (m_pCurl != nullptr) curl_easy_cleanup(m_pCurl);
+    if (m_pCurl != nullptr) m_pLibrary->easyCleanup(m_pCurl);
 }
 
 }  // namespace moremate

@@ -32,16 +32,19 @@ class CLiChessHTTP {
     // The body of the service's answer about the position `fen`.
     std::optional<std::string> Query(const std::string& fen, const std::atomic<bool>* abort = nullptr);
 
+    // True once a connection failed or libcurl could not give a handle (the first request loads it).
     bool Offline() const { return m_bOffline; }
     const std::string& LastError() const { return m_sLastError; }
 
   private:
     std::optional<std::string> Fail(const char* error);
+    // The handle of the requests, or null when offline (which no handle makes it).
+    CURL* Connection();
 
     HTTPConnect m_connect;
     std::string m_sBaseURL;
     long m_nTimeoutMs;
-    bool m_bOffline;  // no handle, or a connection failed: nothing is asked any more
+    bool m_bOffline = false;  // no handle, or a connection failed: nothing is asked any more
     std::string m_sLastError;
 };
 
