@@ -10,7 +10,8 @@ namespace moremate::diagnostics {
 // Gives the calling thread a signal stack of its own for the rest of its life.
 void InstallAlternateStack();
 
-// Give each thread started through StartThread a signal stack, freed when the thread ends.
+// Give each thread started through StartThread a signal stack, given back when the thread ends
+// for the next thread to start.
 extern const TThreadHooks kAlternateStackHooks;
 
 }  // namespace moremate::diagnostics
