@@ -21,6 +21,8 @@ struct TCurlLibrary {
 
 // The library, loaded and set up (its process-wide initialisation) by the first call, whichever
 // thread makes it; null when it cannot be loaded or set up. It stays loaded until the program ends.
+// Other threads may be running by then: libcurl's set-up is thread-safe from 7.84 on (its
+// "threadsafe" feature; Debian 12 has 7.88).
 const TCurlLibrary* CurlLibrary();
 
 }  // namespace moremate
