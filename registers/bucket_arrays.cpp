@@ -18,8 +18,15 @@ constexpr size_t kHugePage = size_t{2} << 20;
 // The two tables of a run and those of a heuristic pass's doubtful lines.
 constexpr size_t kKeptArrays = 4;
 
-size_t MappedBytes(size_t nBytes) {
-    return (nBytes + kHugePage - 1) / kHugePage * kHugePage;
+size_t ArrayBytes(size_t nBuckets) {
+    return nBuckets * sizeof(std::atomic<uint64_t>);
+}
+// An array of a huge page or more is mapped on its own; a smaller one comes from the heap.
+bool Mapped(size_t nBuckets) {
+    return ArrayBytes(nBuckets) >= kHugePage;
+}
+size_t MappedBytes(size_t nBuckets) {
+    return (ArrayBytes(nBuckets) + kHugePage - 1) / kHugePage * kHugePage;
 }
 
 // Zero bytes of whole huge pages from the system, starting at a huge page; null when it has none.
@@ -40,20 +47,18 @@ void* MapHugePages(size_t nBytes) {
 // array costs no page walks. Its zeros need no writing: the system clears each page at its first
 // touch, which the chunk reserve's helper makes ahead of use on a spare processor.
 std::atomic<uint64_t>* AllocateBuckets(size_t nBuckets) {
-    const size_t nBytes = nBuckets * sizeof(std::atomic<uint64_t>);
-    void* p = nBytes < kHugePage ? std::calloc(nBuckets, sizeof(std::atomic<uint64_t>))
-                                 : MapHugePages(MappedBytes(nBytes));
+    void* p = Mapped(nBuckets) ? MapHugePages(MappedBytes(nBuckets))
+                               : std::calloc(nBuckets, sizeof(std::atomic<uint64_t>));
     if (!p) throw std::bad_alloc();
-    if (nBytes >= kHugePage) PrefaultInBackground(p, MappedBytes(nBytes));
+    if (Mapped(nBuckets)) PrefaultInBackground(p, MappedBytes(nBuckets));
     return static_cast<std::atomic<uint64_t>*>(p);
 }
 
 void FreeBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets) {
-    const size_t nBytes = nBuckets * sizeof(std::atomic<uint64_t>);
-    if (nBytes < kHugePage) {
-        std::free(pBuckets);
+    if (Mapped(nBuckets)) {
+        munmap(pBuckets, MappedBytes(nBuckets));
     } else {
-        munmap(pBuckets, MappedBytes(nBytes));
+        std::free(pBuckets);
     }
 }
 
@@ -98,7 +103,7 @@ class CKeptArrays {
 }  // namespace
 
 void LeaveBuckets(std::atomic<uint64_t>* pBuckets, size_t nBuckets) {
-    if (nBuckets * sizeof(std::atomic<uint64_t>) < kHugePage) std::free(pBuckets);
+    if (!Mapped(nBuckets)) std::free(pBuckets);
 }
 
 std::atomic<uint64_t>* TakeBucketArray(size_t nBuckets) {

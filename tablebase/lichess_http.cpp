@@ -85,6 +85,11 @@ std::optional<std::string> CLiChessHTTP::GetHTMLPage(const std::string& target,
                                                      const std::atomic<bool>* abort) {
     CURL* curl = Connection();
     if (curl == nullptr) return Fail(kNoInternetConnection);
+    return Get(curl, target, abort);
+}
+
+std::optional<std::string> CLiChessHTTP::Get(CURL* curl, const std::string& target,
+                                             const std::atomic<bool>* abort) {
     const TCurlLibrary& lib = m_connect.Curl();
     std::string body;
     SetRequest(lib, curl, m_sBaseURL + target, m_nTimeoutMs, body);
@@ -104,7 +109,7 @@ std::optional<std::string> CLiChessHTTP::GetHTMLPage(const std::string& target,
 std::optional<std::string> CLiChessHTTP::Query(const std::string& fen, const std::atomic<bool>* abort) {
     CURL* curl = Connection();
     if (curl == nullptr) return Fail(kNoInternetConnection);
-    return GetHTMLPage("standard?fen=" + EscapedFen(m_connect.Curl(), curl, fen), abort);
+    return Get(curl, "standard?fen=" + EscapedFen(m_connect.Curl(), curl, fen), abort);
 }
 
 }  // namespace moremate

@@ -40,6 +40,8 @@ class CLiChessHTTP {
     std::optional<std::string> Fail(const char* error);
     // The handle of the requests, or null when offline (which no handle makes it).
     CURL* Connection();
+    // GetHTMLPage on the handle of Connection().
+    std::optional<std::string> Get(CURL* curl, const std::string& target, const std::atomic<bool>* abort);
 
     HTTPConnect m_connect;
     std::string m_sBaseURL;
