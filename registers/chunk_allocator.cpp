@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <bit>
+#include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <new>
+#include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -77,11 +79,14 @@ TChunk* NewChunk(size_t nBytes) {
 // work over to the moments the registers grow. It runs in the normal scheduling class: in the idle
 // class, a machine kept busy by other programs held it off the processor in the middle of a
 // clearing, with the address space's lock taken, and every thread that mapped memory meanwhile (a
-// new thread's stack, a chunk) waited for it, up to seconds. The helper runs while a
-// CChunkReserveScope lives; the chunks it made ready stay for the next takers.
+// new thread's stack, a chunk) waited for it, up to seconds. The helper works while a
+// CChunkReserveScope lives, and waits a while for the next one before it ends: the problems of a
+// collection, one run after another, keep one helper rather than start one each. The chunks it
+// made ready stay for the next takers.
 class CChunkReserve {
   public:
     static constexpr size_t kReadyChunks = 8;
+    static constexpr std::chrono::seconds kLinger{2};
 
     static CChunkReserve& Instance() {
         static CChunkReserve* const pReserve = new CChunkReserve;  // registers may outlive statics
@@ -103,67 +108,77 @@ class CChunkReserve {
         m_toFault.push_back({p, nBytes});
         m_changed.notify_all();
     }
+    // The helper is never joined: one still clearing a chunk or waiting for holders when the
+    // program ends is ended with it.
     void AddHolder() {
         std::lock_guard lock(m_mutex);
-        if (m_nHolders++ == 0)
-            m_helper = StartThread([this, nGeneration = ++m_nGeneration] { MakeReady(nGeneration); });
+        ++m_nHolders;
+        if (!m_bHelperRuns) {
+            m_bHelperRuns = true;
+            StartThread([this] { MakeReady(); }).detach();
+        }
+        m_changed.notify_all();
     }
-    // The last holder does not wait for the helper: one still clearing a chunk ends after it.
     void RemoveHolder() {
         std::lock_guard lock(m_mutex);
-        if (--m_nHolders == 0) {
-            if (m_helper.joinable()) m_helper.detach();
-            m_toFault.clear();
-        }
+        if (--m_nHolders == 0) m_toFault.clear();
         m_changed.notify_all();
     }
 
   private:
-    // A helper ends when the holders are gone or a newer helper has taken over (the last holder
-    // left and a new one came while this one was still clearing a chunk).
-    void MakeReady(uint64_t nGeneration) {
-        const auto ended = [&] { return m_nHolders == 0 || m_nGeneration != nGeneration; };
-        for (;;) {
-            TRange range;
-            {
-                std::unique_lock lock(m_mutex);
-                m_changed.wait(lock,
-                               [&] { return ended() || m_nReady < kReadyChunks || !m_toFault.empty(); });
-                if (ended()) return;
-                if (m_nReady == kReadyChunks) {
-                    range = m_toFault.back();
-                    m_toFault.pop_back();
-                }
-            }
-            if (range.nBytes > 0) {
-                FaultIn(range, ended);
-                continue;
-            }
-            auto* p = static_cast<volatile uint8_t*>(AllocateChunkMemory(kChunkSize));
-            if (!p) return;  // no memory: chunks are made where they are needed
-            for (size_t i = 0; i < kChunkSize; i += 4096) p[i] = 0;
-            std::lock_guard lock(m_mutex);
-            if (m_nReady == kReadyChunks) {
-                std::free(const_cast<uint8_t*>(p));  // a newer helper was quicker
-            } else {
-                m_ready[m_nReady++] = const_cast<uint8_t*>(p);
-            }
-        }
-    }
-
     struct TRange {
         uint8_t* p = nullptr;
         size_t nBytes = 0;
     };
-    // A chunk's length at a time, the end of the helper checked in between. The pages are faulted
-    // in writable with their contents unchanged: harmless when the memory is in use meanwhile, or
-    // was given back (the system then refuses).
-    template <class FEnded>
-    void FaultIn(const TRange& range, FEnded&& ended) {
+
+    // Waits for work while holders live; without holders, for a holder, up to kLinger. Returns
+    // the range to fault in (empty: a chunk to make ready), or none when the helper ends.
+    std::optional<TRange> NextWork() {
+        std::unique_lock lock(m_mutex);
+        for (;;) {
+            if (m_nHolders == 0 &&
+                !m_changed.wait_for(lock, kLinger, [this] { return m_nHolders > 0; })) {
+                m_bHelperRuns = false;
+                return std::nullopt;
+            }
+            if (m_nReady < kReadyChunks) return TRange{};
+            if (!m_toFault.empty()) {
+                const TRange range = m_toFault.back();
+                m_toFault.pop_back();
+                return range;
+            }
+            m_changed.wait(lock, [this] {
+                return m_nHolders == 0 || m_nReady < kReadyChunks || !m_toFault.empty();
+            });
+        }
+    }
+
+    void MakeReady() {
+        while (const std::optional<TRange> range = NextWork()) {
+            if (range->nBytes > 0) {
+                FaultIn(*range);
+                continue;
+            }
+            auto* p = static_cast<volatile uint8_t*>(AllocateChunkMemory(kChunkSize));
+            if (!p) {  // no memory: chunks are made where they are needed
+                std::lock_guard lock(m_mutex);
+                m_bHelperRuns = false;
+                return;
+            }
+            for (size_t i = 0; i < kChunkSize; i += 4096) p[i] = 0;
+            std::lock_guard lock(m_mutex);
+            m_ready[m_nReady++] = const_cast<uint8_t*>(p);
+        }
+    }
+
+    // A chunk's length at a time, stopped when the holders are gone (the range may be freed by
+    // then). The pages are faulted in writable with their contents unchanged: harmless when the
+    // memory is in use meanwhile, or was given back (the system then refuses).
+    void FaultIn(const TRange& range) {
         for (size_t nDone = 0; nDone < range.nBytes; nDone += kChunkSize) {
             {
                 std::lock_guard lock(m_mutex);
-                if (ended()) return;
+                if (m_nHolders == 0) return;
             }
             madvise(range.p + nDone, std::min(kChunkSize, range.nBytes - nDone), MADV_POPULATE_WRITE);
         }
@@ -175,8 +190,7 @@ class CChunkReserve {
     std::vector<TRange> m_toFault;
     size_t m_nReady = 0;
     int m_nHolders = 0;
-    uint64_t m_nGeneration = 0;  // of the latest helper
-    std::thread m_helper;
+    bool m_bHelperRuns = false;
 };
 
 }  // namespace

@@ -156,7 +156,7 @@ TEST(RegisterChunkAllocator, ThreadsShareTheAllocator) {
 }
 
 // Holders of the chunk reserve come and go on two threads, nested and overlapping, while both take
-// new chunks: every allocation is served and every scope ends (its helper with it).
+// new chunks: every allocation is served and every scope ends, the helper waiting between them.
 TEST(RegisterChunkAllocator, ReserveScopesComeAndGo) {
     CChunkAllocator& allocator = RegisterChunkAllocator();
     auto churn = [&allocator](int nRound) {
