@@ -21,9 +21,10 @@ bool MayReachTablebase(const TChessboard& node, int levelsBelow) {
 CTablebaseLookup::CTablebaseLookup(CLiChess& liChess, CPositionStore& store, const TChessboard& root,
                                    int levels)
     : m_liChess(liChess), m_store(store), m_root(root), m_nLevels(levels) {
-    m_thread = StartThread([this] {
-        if (m_nLevels >= 1 && m_root.WhiteToMove()) Visit(m_root, 1);
-    });
+    // Most problems have too many pieces to ask anything: no thread for them.
+    if (m_nLevels >= 1 && m_root.WhiteToMove() && MayReachTablebase(m_root, m_nLevels - 1) &&
+        m_liChess.Online())
+        m_thread = StartThread([this] { Visit(m_root, 1); });
 }
 
 CTablebaseLookup::~CTablebaseLookup() {
