@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "pooled_thread.h"
+
 namespace moremate {
 
 struct TThreadHooks {
@@ -42,8 +44,8 @@ std::thread StartThread(F&& fn, Args&&... args) {
     });
 }
 
-// Runs work(0) on the calling thread and work(1) ... work(n - 1) on threads of their own, and
-// once all have ended rethrows the first exception any of them threw.
+// Runs work(0) on the calling thread and work(1) ... work(n - 1) on pooled threads (see
+// CPooledThread), and once all have ended rethrows the first exception any of them threw.
 template <class FWork>
 void RunOnThreads(size_t n, FWork&& work) {
     std::vector<std::exception_ptr> failures(n);
@@ -54,10 +56,11 @@ void RunOnThreads(size_t n, FWork&& work) {
             failures[i] = std::current_exception();
         }
     };
-    std::vector<std::thread> threads;
-    for (size_t i = 1; i < n; ++i) threads.push_back(StartThread(guarded, i));
+    std::vector<CPooledThread> threads;
+    threads.reserve(n);
+    for (size_t i = 1; i < n; ++i) threads.emplace_back([&guarded, i] { guarded(i); });
     if (n > 0) guarded(0);
-    for (std::thread& thread : threads) thread.join();
+    for (CPooledThread& thread : threads) thread.join();
     for (const std::exception_ptr& failure : failures) {
         if (failure) std::rethrow_exception(failure);
     }

@@ -136,8 +136,7 @@ class CChunkReserve {
     std::optional<TRange> NextWork() {
         std::unique_lock lock(m_mutex);
         for (;;) {
-            if (m_nHolders == 0 &&
-                !m_changed.wait_for(lock, kLinger, [this] { return m_nHolders > 0; })) {
+            if (m_nHolders == 0 && !m_changed.wait_for(lock, kLinger, [this] { return m_nHolders > 0; })) {
                 m_bHelperRuns = false;
                 return std::nullopt;
             }
@@ -147,9 +146,8 @@ class CChunkReserve {
                 m_toFault.pop_back();
                 return range;
             }
-            m_changed.wait(lock, [this] {
-                return m_nHolders == 0 || m_nReady < kReadyChunks || !m_toFault.empty();
-            });
+            m_changed.wait(
+                lock, [this] { return m_nHolders == 0 || m_nReady < kReadyChunks || !m_toFault.empty(); });
         }
     }
 

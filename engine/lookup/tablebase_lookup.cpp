@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "core/movegen.h"
-#include "core/thread_start.h"
+#include "core/pooled_thread.h"
 #include "tablebase/tablebase_position.h"
 #include "tablebase_facts.h"
 
@@ -24,7 +24,7 @@ CTablebaseLookup::CTablebaseLookup(CLiChess& liChess, CPositionStore& store, con
     // Most problems have too many pieces to ask anything: no thread for them.
     if (m_nLevels >= 1 && m_root.WhiteToMove() && MayReachTablebase(m_root, m_nLevels - 1) &&
         m_liChess.Online())
-        m_thread = StartThread([this] { Visit(m_root, 1); });
+        m_thread = CPooledThread([this] { Visit(m_root, 1); });
 }
 
 CTablebaseLookup::~CTablebaseLookup() {

@@ -8,9 +8,9 @@
 #include <array>
 #include <atomic>
 #include <set>
-#include <thread>
 
 #include "core/chessboard.h"
+#include "core/pooled_thread.h"
 #include "engine/search/position_store.h"
 #include "tablebase/lichess.h"
 
@@ -44,7 +44,7 @@ class CTablebaseLookup {
     std::atomic<int> m_nAnswers{0};
     std::atomic<int> m_nFacts{0};
     std::set<std::array<uint8_t, 64>> m_visited;  // the thread's own
-    std::thread m_thread;
+    CPooledThread m_thread;
 };
 
 }  // namespace moremate

@@ -6,13 +6,12 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <thread>
 #include <utility>
 
 #include <fmt/format.h>
 
 #include "choice_text.h"
-#include "core/thread_start.h"
+#include "core/pooled_thread.h"
 #include "engine/search/first_move_order.h"
 #include "engine/search/proof_walk.h"
 #include "engine/threads/timer_thread.h"
@@ -73,9 +72,10 @@ class CRootProofs {
     void WithHelpers(FHelper helper, FMain main, bool stopAfterMain) {
         std::mutex mutex;
         std::exception_ptr mainError, helperError;
-        std::vector<std::thread> threads;
+        std::vector<CPooledThread> threads;
+        threads.reserve(m_searches.size());
         for (size_t t = 1; t < m_searches.size(); ++t)
-            threads.push_back(StartThread([&, t] {
+            threads.emplace_back([&, t] {
                 try {
                     helper(t);
                 } catch (const TProofNumberBudgetSpent&) {
@@ -83,14 +83,14 @@ class CRootProofs {
                     const std::lock_guard lock(mutex);
                     if (!helperError) helperError = std::current_exception();
                 }
-            }));
+            });
         try {
             main();
         } catch (...) {
             mainError = std::current_exception();
         }
         if (stopAfterMain || mainError || Enough()) m_helpersStop = true;
-        for (std::thread& t : threads) t.join();
+        for (CPooledThread& t : threads) t.join();
         if (mainError) std::rethrow_exception(mainError);
         if (helperError) std::rethrow_exception(helperError);
     }

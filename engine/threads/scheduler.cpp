@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "core/thread_start.h"
+#include "core/pooled_thread.h"
 #include "engine/heuristics/heuristic_names.h"
 #include "engine/state/solving_run.h"
 #include "engine/state/thread_counters.h"
@@ -39,7 +39,7 @@ struct CScheduler::TLoan {
 };
 
 struct CScheduler::THelper {
-    std::thread thread;
+    CPooledThread thread;
     std::atomic<bool> done{false};
 };
 
@@ -95,7 +95,7 @@ void CScheduler::AtWhiteNode(const TChessboard& node, const TMoveList& moves) {
         return true;
     });
     auto helper = std::make_unique<THelper>();
-    helper->thread = StartThread(&CScheduler::Help, this, std::ref(helper->done));
+    helper->thread = CPooledThread([this, &done = helper->done] { Help(done); });
     m_helpers.push_back(std::move(helper));
     ++g_nAdditionalThreadsSpawned;
 }

@@ -1,11 +1,9 @@
 #include "timer_thread.h"
 
-#include "core/thread_start.h"
-
 namespace moremate {
 
 CTimerThread::CTimerThread(std::chrono::milliseconds period, FOnTick onTick)
-    : m_period(period), m_onTick(std::move(onTick)), m_thread(StartThread([this] { Run(); })) {}
+    : m_period(period), m_onTick(std::move(onTick)), m_thread([this] { Run(); }) {}
 
 CTimerThread::~CTimerThread() {
     Stop();

@@ -1,6 +1,6 @@
-// CTimerThread: a thread of its own that calls a function once a period, until the function
-// returns false or the timer is stopped or destroyed. The function runs outside the lock, so that
-// Stop() waits for one call at most; no call starts after Stop() returns.
+// CTimerThread: a pooled thread (see CPooledThread) that calls a function once a period, until the
+// function returns false or the timer is stopped or destroyed. The function runs outside the lock,
+// so that Stop() waits for one call at most; no call starts after Stop() returns.
 #pragma once
 
 #include <atomic>
@@ -9,7 +9,8 @@
 #include <functional>
 #include <mutex>
 #include <optional>
-#include <thread>
+
+#include "core/pooled_thread.h"
 
 namespace moremate {
 
@@ -31,7 +32,7 @@ class CTimerThread {
     std::mutex m_mutex;
     std::condition_variable m_cv;
     bool m_bStopped = false;
-    std::thread m_thread;  // last: started once the rest is ready
+    CPooledThread m_thread;  // last: started once the rest is ready
 };
 
 // A timer that raises `flag` once `after` has passed, unless destroyed first; none for a zero or
