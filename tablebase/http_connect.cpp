@@ -1,6 +1,31 @@
 #include "http_connect.h"
 
+#include <chrono>
+
+#include "core/thread_start.h"
+
 namespace moremate {
+
+bool HTTPConnect::AwaitLibrary(const std::atomic<bool>* abort) {
+    const auto aborted = [abort] { return abort != nullptr && abort->load(); };
+    std::unique_lock lock(m_mutex);
+    if (!m_bLoaded && !m_loader.joinable()) {
+        if (aborted()) return false;  // no load that the client's end would wait for
+        m_loader = StartThread([this] {
+            CurlLibrary();
+            const std::lock_guard loaded(m_mutex);
+            m_bLoaded = true;
+            m_loaded.notify_all();
+        });
+    }
+    if (abort == nullptr) {
+        m_loaded.wait(lock, [this] { return m_bLoaded; });
+        return true;
+    }
+    // The one who sets `abort` does not know of this wait: it is looked at every millisecond.
+    while (!m_bLoaded && !aborted()) m_loaded.wait_for(lock, std::chrono::milliseconds(1));
+    return m_bLoaded;
+}
 
 CURL* HTTPConnect::Handle() {
     if (!m_bTried) {
@@ -12,6 +37,7 @@ CURL* HTTPConnect::Handle() {
 }
 
 HTTPConnect::~HTTPConnect() {
+    if (m_loader.joinable()) m_loader.join();
     if (m_pCurl != nullptr) m_pLibrary->easyCleanup(m_pCurl);
 }
 

@@ -74,17 +74,22 @@ std::optional<std::string> CLiChessHTTP::Fail(const char* error) {
     return std::nullopt;
 }
 
-CURL* CLiChessHTTP::Connection() {
-    if (m_bOffline) return nullptr;
+CURL* CLiChessHTTP::Connection(const std::atomic<bool>* abort) {
+    if (m_bOffline || !m_connect.AwaitLibrary(abort)) return nullptr;
     CURL* curl = m_connect.Handle();
     m_bOffline = curl == nullptr;
     return curl;
 }
 
+// An abort while libcurl was loading is no failure of the service.
+std::optional<std::string> CLiChessHTTP::FailWithoutConnection() {
+    return Fail(m_bOffline ? kNoInternetConnection : "");
+}
+
 std::optional<std::string> CLiChessHTTP::GetHTMLPage(const std::string& target,
                                                      const std::atomic<bool>* abort) {
-    CURL* curl = Connection();
-    if (curl == nullptr) return Fail(kNoInternetConnection);
+    CURL* curl = Connection(abort);
+    if (curl == nullptr) return FailWithoutConnection();
     return Get(curl, target, abort);
 }
 
@@ -107,8 +112,8 @@ std::optional<std::string> CLiChessHTTP::Get(CURL* curl, const std::string& targ
 }
 
 std::optional<std::string> CLiChessHTTP::Query(const std::string& fen, const std::atomic<bool>* abort) {
-    CURL* curl = Connection();
-    if (curl == nullptr) return Fail(kNoInternetConnection);
+    CURL* curl = Connection(abort);
+    if (curl == nullptr) return FailWithoutConnection();
     return Get(curl, "standard?fen=" + EscapedFen(m_connect.Curl(), curl, fen), abort);
 }
 

@@ -25,7 +25,8 @@ class CLiChessHTTP {
 
     // The body of a page below the base address (`target` already URL-encoded), or none with
     // LastError() telling why: kNoInternetConnection or kGetHTMLPageFailed, or empty when `abort`
-    // (may be null) was set during the transfer, which then ends at once.
+    // (may be null) was set during the transfer, which then ends at once, or while the first
+    // request waited for libcurl to load.
     std::optional<std::string> GetHTMLPage(const std::string& target,
                                            const std::atomic<bool>* abort = nullptr);
 
@@ -38,8 +39,11 @@ class CLiChessHTTP {
 
   private:
     std::optional<std::string> Fail(const char* error);
-    // The handle of the requests, or null when offline (which no handle makes it).
-    CURL* Connection();
+    // The handle of the requests, or null when offline (which no handle makes it) or when `abort`
+    // was set while libcurl was loading.
+    CURL* Connection(const std::atomic<bool>* abort);
+    // The failure of a request that got no handle from Connection().
+    std::optional<std::string> FailWithoutConnection();
     // GetHTMLPage on the handle of Connection().
     std::optional<std::string> Get(CURL* curl, const std::string& target, const std::atomic<bool>* abort);
 

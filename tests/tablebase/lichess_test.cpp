@@ -2,6 +2,7 @@
 // with its report. Timeouts are kept short so that the slowest case takes a fraction of a second.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 
 #include "settings/instance_lock.h"
@@ -110,6 +111,20 @@ TEST(LiChess, EveryFailureHasItsReport) {
         EXPECT_EQ(Texts(client.reporter), expected) << c.url;
         EXPECT_TRUE(std::filesystem::is_empty(client.folder.Path())) << c.url;
     }
+}
+
+// The first query of a client waits for libcurl to load; an abort meanwhile (or during the
+// transfer) ends it without a report and leaves the service to be asked again.
+TEST(LiChess, AnAbortedQueryIsNoFailureOfTheService) {
+    CLoopbackTablebase service(kAnswers);
+    TClient client(Settings(service.URL("ok")));
+    const std::atomic<bool> abort{true};
+    EXPECT_FALSE(client.liChess.Query(test::Board(kFen), &abort));
+    EXPECT_TRUE(client.liChess.Online());
+    EXPECT_TRUE(client.reporter.Reports().empty());
+    const auto lookup = client.liChess.Query(test::Board(kFen));
+    ASSERT_TRUE(lookup);
+    EXPECT_EQ(lookup->answer.m_shDtm, 17);
 }
 
 TEST(LiChess, WarnsOfARepeatedAnswerWhenAsked) {
