@@ -224,9 +224,10 @@ bool TMainWindow::MayDropChanges() {
     const ReportAnswer answer =
         m_reporter.Report(ReportTitle(ReportKind::Question, m_nLanguage),
                           Text("msg.saveChanges").toStdString(), ReportButtons::YesNoCancel);
-    if (answer == ReportAnswer::Cancel) return false;
-    if (answer == ReportAnswer::Yes) Save();
-    return !m_collection.Modified();
+    if (answer == ReportAnswer::No) return true;  // the changes are dropped
+    if (answer != ReportAnswer::Yes) return false;
+    Save();
+    return !m_collection.Modified();  // a save that failed keeps them
 }
 
 void TMainWindow::closeEvent(QCloseEvent* event) {

@@ -593,6 +593,13 @@ class TMainWindowTest : public QObject {
         QVERIFY(ReadText(File()).find("1 #3") != std::string::npos);
     }
 
+    void closingWithoutSavingLeavesTheFile() {
+        Trigger("pos.stipup");
+        m_pReporter->QueueAnswer(ReportAnswer::No);
+        QVERIFY(m_pWindow->close());
+        QVERIFY(ReadText(File()).find("1 #3") == std::string::npos);
+    }
+
     void secondInstanceNoticeFollowsTheOption_data() {
         QTest::addColumn<int>("mode");
         QTest::addColumn<bool>("box");
