@@ -88,6 +88,11 @@ CPooledThread::~CPooledThread() {
     if (joinable()) join();
 }
 
+bool CPooledThread::Ended() const {
+    const std::lock_guard lock(m_pTask->mutex);
+    return m_pTask->bEnded;
+}
+
 void CPooledThread::join() {
     std::unique_lock lock(m_pTask->mutex);
     m_pTask->ended.wait(lock, [this] { return m_pTask->bEnded; });

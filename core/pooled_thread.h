@@ -22,6 +22,8 @@ class CPooledThread {
     ~CPooledThread();
 
     bool joinable() const { return m_pTask != nullptr; }
+    // True once the task has ended: join then returns at once.
+    bool Ended() const;
     // Waits for the end of the task, whose function (with what it captured) is destroyed by then.
     void join();
 

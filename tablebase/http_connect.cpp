@@ -18,12 +18,13 @@ bool HTTPConnect::AwaitLibrary(const std::atomic<bool>* abort) {
             m_loaded.notify_all();
         });
     }
-    if (abort == nullptr) {
-        m_loaded.wait(lock, [this] { return m_bLoaded; });
-        return true;
-    }
     // The one who sets `abort` does not know of this wait: it is looked at every millisecond.
-    while (!m_bLoaded && !aborted()) m_loaded.wait_for(lock, std::chrono::milliseconds(1));
+    while (!m_bLoaded && !aborted()) {
+        if (abort == nullptr)
+            m_loaded.wait(lock);
+        else
+            m_loaded.wait_for(lock, std::chrono::milliseconds(1));
+    }
     return m_bLoaded;
 }
 

@@ -22,8 +22,7 @@ CTablebaseLookup::CTablebaseLookup(CLiChess& liChess, CPositionStore& store, con
                                    int levels)
     : m_liChess(liChess), m_store(store), m_root(root), m_nLevels(levels) {
     // Most problems have too many pieces to ask anything: no thread for them.
-    if (m_nLevels >= 1 && m_root.WhiteToMove() && MayReachTablebase(m_root, m_nLevels - 1) &&
-        m_liChess.Online())
+    if (m_nLevels >= 1 && m_root.WhiteToMove() && WorthVisiting(m_root, 1))
         m_thread = CPooledThread([this] { Visit(m_root, 1); });
 }
 
@@ -47,8 +46,12 @@ void CTablebaseLookup::Ask(const TChessboard& node) {
     m_nFacts += StoreTablebaseFacts(node, lookup->answer, m_store);
 }
 
+bool CTablebaseLookup::WorthVisiting(const TChessboard& node, int level) const {
+    return !m_bStop && m_liChess.Online() && MayReachTablebase(node, m_nLevels - level);
+}
+
 void CTablebaseLookup::Visit(const TChessboard& node, int level) {
-    if (m_bStop || !m_liChess.Online() || !MayReachTablebase(node, m_nLevels - level)) return;
+    if (!WorthVisiting(node, level)) return;
     std::array<uint8_t, 64> squares;
     std::copy(std::begin(node.squares), std::end(node.squares), squares.begin());
     if (!m_visited.insert(squares).second) return;

@@ -33,6 +33,8 @@ class CTablebaseLookup {
     int Facts() const { return m_nFacts; }
 
   private:
+    // Whether `node` on `level` may still be asked or lead to positions that may.
+    bool WorthVisiting(const TChessboard& node, int level) const;
     void Visit(const TChessboard& node, int level);
     void Ask(const TChessboard& node);
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "core/pooled_thread.h"
 #include "engine/heuristics/heuristic_names.h"
 #include "engine/state/solving_run.h"
 #include "engine/state/thread_counters.h"
@@ -38,11 +37,6 @@ struct CScheduler::TLoan {
     std::array<uint8_t, 64> key{};
 };
 
-struct CScheduler::THelper {
-    CPooledThread thread;
-    std::atomic<bool> done{false};
-};
-
 CScheduler::CScheduler(const TSearchEnvironment& env, const TLevelContext& context,
                        const TSchedulerSettings& settings, TJuggledMoves juggled, CSchedulerGate& gate)
     : m_env(env), m_context(context), m_settings(settings), m_juggled(juggled), m_gate(gate) {
@@ -61,7 +55,7 @@ CScheduler::~CScheduler() {
         m_loans.clear();
     }
     m_cv.notify_all();
-    for (const std::unique_ptr<THelper>& helper : m_helpers) helper->thread.join();
+    for (CPooledThread& helper : m_helpers) helper.join();
 }
 
 void CScheduler::AtWhiteNode(const TChessboard& node, const TMoveList& moves) {
@@ -89,19 +83,13 @@ void CScheduler::AtWhiteNode(const TChessboard& node, const TMoveList& moves) {
     m_loans.push_back(std::move(loan));
     ++m_nLoans;
     if (m_nIdle >= m_loans.size()) return m_cv.notify_one();
-    std::erase_if(m_helpers, [](const std::unique_ptr<THelper>& helper) {
-        if (!helper->done.load()) return false;
-        helper->thread.join();
-        return true;
-    });
-    auto helper = std::make_unique<THelper>();
-    helper->thread = CPooledThread([this, &done = helper->done] { Help(done); });
-    m_helpers.push_back(std::move(helper));
+    std::erase_if(m_helpers, [](const CPooledThread& helper) { return helper.Ended(); });
+    m_helpers.emplace_back([this] { Help(); });
     ++g_nAdditionalThreadsSpawned;
 }
 
 // Takes loans while there are any; with a thread pool, then waits for the next.
-void CScheduler::Help(std::atomic<bool>& done) {
+void CScheduler::Help() {
     std::unique_lock lock(m_mutex);
     while (true) {
         if (m_loans.empty()) {
@@ -118,7 +106,6 @@ void CScheduler::Help(std::atomic<bool>& done) {
         lock.lock();
         m_lent.erase(loan->key);
     }
-    done = true;
 }
 
 void CScheduler::Run(TLoan& loan) {

@@ -12,9 +12,9 @@
 #include <memory>
 #include <mutex>
 #include <set>
-#include <thread>
 #include <vector>
 
+#include "core/pooled_thread.h"
 #include "multithreading_levels.h"
 #include "settings/options.h"
 
@@ -78,8 +78,7 @@ class CScheduler : public CSchedulerHook {
 
   private:
     struct TLoan;
-    struct THelper;
-    void Help(std::atomic<bool>& done);
+    void Help();
     void Run(TLoan& loan);
 
     TSearchEnvironment m_env;
@@ -95,7 +94,7 @@ class CScheduler : public CSchedulerHook {
     std::condition_variable m_cv;
     std::deque<std::unique_ptr<TLoan>> m_loans;
     std::set<std::array<uint8_t, 64>> m_lent;  // positions lent and not yet done
-    std::vector<std::unique_ptr<THelper>> m_helpers;
+    std::vector<CPooledThread> m_helpers;      // ended ones are let go at the next loan
     size_t m_nIdle = 0;
 };
 

@@ -8,11 +8,8 @@
 #include <memory>
 #include <mutex>
 #include <set>
-#include <stdexcept>
 #include <thread>
 #include <vector>
-
-#include "core/thread_start.h"
 
 namespace moremate {
 namespace {
@@ -63,17 +60,6 @@ TEST(PooledThread, JoinWaitsForTheTaskAndItsFunction) {
     }
     EXPECT_TRUE(done);
     EXPECT_EQ(held.use_count(), 1);
-}
-
-TEST(RunOnThreads, RunsEveryIndexOnceAndRethrowsAFailure) {
-    std::vector<std::atomic<int>> runs(5);
-    RunOnThreads(runs.size(), [&](size_t i) { ++runs[i]; });
-    for (const std::atomic<int>& n : runs) EXPECT_EQ(n, 1);
-    EXPECT_THROW(RunOnThreads(3,
-                              [](size_t i) {
-                                  if (i == 2) throw std::runtime_error("index 2");
-                              }),
-                 std::runtime_error);
 }
 
 }  // namespace

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace moremate {
 namespace {
@@ -49,6 +52,17 @@ TEST(StartThread, RunsTheHooksAroundTheFunctionOnTheNewThread) {
     g_sEventsAtEnd.clear();
     StartThread([] { t_sEvents += "run"; }).join();
     EXPECT_EQ(g_sEventsAtEnd, "");  // hooks taken away: none run
+}
+
+TEST(RunOnThreads, RunsEveryIndexOnceAndRethrowsAFailure) {
+    std::vector<std::atomic<int>> runs(5);
+    RunOnThreads(runs.size(), [&](size_t i) { ++runs[i]; });
+    for (const std::atomic<int>& n : runs) EXPECT_EQ(n, 1);
+    EXPECT_THROW(RunOnThreads(3,
+                              [](size_t i) {
+                                  if (i == 2) throw std::runtime_error("index 2");
+                              }),
+                 std::runtime_error);
 }
 
 }  // namespace
