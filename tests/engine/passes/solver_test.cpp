@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "core/movegen.h"
 #include "core/notation.h"
 #include "engine/heuristics/heuristic_names.h"
 #include "engine/passes/pass_threads.h"
@@ -209,17 +210,31 @@ TEST(MultithreadingLevels, SchedulerJugglesMovesBelowTheLevelsUpToItsOwn) {
     EXPECT_EQ(gate.Active(), 3u);
 }
 
-// The scheduler lends the slots of main threads that have run out of work to the moves sorted
-// second; what its helpers find only fills the register, so keys and main lines stay the same.
+// The first moves other than the case's first key: a solve that leaves them out has one main thread.
+std::vector<TMove> AllButTheFirstKey(const TChessboard& root, const SolveCase& c) {
+    TMoveList moves;
+    GenerateLegalMoves(root, moves);
+    std::vector<TMove> others;
+    for (const TMove& m : moves)
+        if (MoveToText(root, m) != c.keys.front()) others.push_back(m);
+    return others;
+}
+
+// The scheduler lends the slots that no main thread holds (here the second: a single first move is
+// left to search, so that a loan does not hang on the moment a main thread runs out of work) to the
+// moves sorted second; what its helpers find only fills the register, so keys and main lines stay
+// the same.
 TEST(SolveScheduler, LoansChangeNoResult) {
-    const char* kFens[] = {kCases[5].fen, kCases[2].fen};
+    const SolveCase* kSolveCases[] = {&kCases[5], &kCases[2]};
     const int spawnedBefore = g_nAdditionalThreadsSpawned.load();
-    for (const char* fen : kFens) {
+    for (const SolveCase* c : kSolveCases) {
+        const char* fen = c->fen;
         std::vector<TMove> keys[2];
         for (const bool juggling : {false, true}) {
             for (const bool pool : {false, true}) {
                 test::CMapStore store;
                 TSolveRequest request = Request(fen, 4, &store);
+                request.knownKeys = AllButTheFirstKey(request.position, *c);
                 request.threads = 2;
                 if (juggling) request.juggled = {2, 4};
                 request.scheduler.threadPool = pool;
